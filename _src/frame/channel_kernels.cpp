@@ -1,0 +1,30 @@
+// The tables of channel_kernels.h.
+#include "channel_kernels.h"
+
+namespace orv {
+namespace {
+
+#define ORV_LAYOUTS(stem)                       \
+    {                                           \
+        stem##C1, stem##C3, stem##C4, stem##AC4 \
+    }
+#define ORV_CHANNEL_KERNELS(samples)                                                                           \
+    {                                                                                                          \
+        ORV_LAYOUTS(krnCopy##samples), ORV_LAYOUTS(krnCopyMasked##samples), krnCopy##samples##C3AC4,           \
+            krnCopy##samples##AC4C3, krnExtract##samples##C3, krnExtract##samples##C4, krnInsert##samples##C3, \
+            krnInsert##samples##C4, krnFill##samples##C1, krnFill##samples##C3, krnFill##samples##C4,          \
+            krnFill##samples##AC4                                                                              \
+    }
+
+constexpr ChannelKernels bytes = ORV_CHANNEL_KERNELS(8u);
+constexpr ChannelKernels words = ORV_CHANNEL_KERNELS(16u);
+constexpr ChannelKernels longWords = ORV_CHANNEL_KERNELS(32s);
+
+} // namespace
+
+const ChannelKernels &channelKernels(std::int32_t sampleBytes)
+{
+    return sampleBytes == 1 ? bytes : sampleBytes == 2 ? words : longWords;
+}
+
+} // namespace orv

@@ -1,0 +1,50 @@
+// The kernels that move samples of one width, whatever their type: how the frame copies, picks channels and applies
+// masks.
+#pragma once
+
+#include <cstdint>
+
+#include "kernels.h"
+
+namespace orv {
+
+// How the samples of a row are grouped into pixels, and which of them are written: AC4 leaves the fourth.
+enum class Layout { C1, C3, C4, AC4 };
+
+constexpr std::int32_t samplesPerPixel(Layout layout)
+{
+    return layout == Layout::C1 ? 1 : layout == Layout::C3 ? 3 : 4;
+}
+
+// One kernel a layout, in the order of Layout.
+template <class Signature> struct LayoutKernels {
+    const Kernel<Signature> &c1, &c3, &c4, &ac4;
+
+    const Kernel<Signature> &operator[](Layout layout) const
+    {
+        switch (layout) {
+        case Layout::C1:
+            return c1;
+        case Layout::C3:
+            return c3;
+        case Layout::C4:
+            return c4;
+        default:
+            return ac4;
+        }
+    }
+};
+
+struct ChannelKernels {
+    LayoutKernels<CopyKernel> copy;
+    LayoutKernels<CopyMaskedKernel> copyMasked;
+    const Kernel<CopyKernel> &copyC3AC4, &copyAC4C3;
+    const Kernel<CopyKernel> &extractC3, &extractC4, &insertC3, &insertC4;
+    const Kernel<FillKernel> &fillC1;
+    const Kernel<FillPixelsKernel> &fillC3, &fillC4, &fillAC4;
+};
+
+// By the bytes of a sample: 1, 2 or 4.
+const ChannelKernels &channelKernels(std::int32_t sampleBytes);
+
+} // namespace orv

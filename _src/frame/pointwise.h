@@ -1,0 +1,102 @@
+// The frame of operations that work pixel by pixel: it resolves rectangles, channels and masks, and runs a unit's loop
+// over planes or pixels, through scratch where the loop cannot run from image to image.
+#pragma once
+
+#include <cstddef>
+
+#include "area.h"
+#include "channel_kernels.h"
+
+namespace orv {
+
+constexpr std::size_t mostImages = 4; // of one call
+
+// A unit's loop without its type, for the paths through scratch, which are compiled once for all units.
+struct Loop {
+    const void *unit;
+    void (*run)(const void *unit, Layout layout, const Raster *sources, Raster destination, Size size);
+    // Runs under a mask straight into the destination, or null where the unit has no such loop.
+    void (*runMasked)(const void *unit, Layout layout, const Raster *sources, Raster destination, Raster mask,
+                      Size size);
+};
+
+// The images of a call, sources first and the destination last.
+struct PointwiseCall {
+    const OrvImage *const *images;
+    std::size_t sourceCount;
+
+    const OrvImage &destination() const { return *images[sourceCount]; }
+    std::size_t imageCount() const { return sourceCount + 1; }
+
+    bool masked() const;
+    bool inPlanes() const; // the destination is in plane order, or all images have one channel
+    Size commonSize() const;
+};
+
+// Pixel layout of a destination with so many channels to process; false where no layout serves them.
+bool pixelLayout(const OrvImage &destination, std::int32_t channels, Layout &layout);
+
+// How many planes of so many channels are processed: not the alpha plane of the destination.
+inline std::int32_t planesToProcess(const OrvImage &destination, std::int32_t channels)
+{
+    return channels == 4 && destination.alphaChannel != 0 ? 3 : channels;
+}
+
+// Masked calls, and calls on one channel of interleaved pixels. 0, or ORV_STATUS_NO_MEMORY.
+OrvStatus runThroughScratch(const PointwiseCall &call, const Loop &loop);
+
+// Runs `run(layout, sources, destination, size)`: sources and destination are rectangles of `size` pixels of the
+// layout, one source for each source image in turn. A unit that can also write under a mask has `masked(layout,
+// sources, destination, mask, size)`. The result is 0, or ORV_STATUS_NO_MEMORY, which the unit reports.
+//
+// Headers have been validated and agree in their channels to process. Which results a loop gives where rasters overlap
+// at different positions is open, but under a mask and for a single channel of pixels the whole result is there before
+// any of it is written.
+template <class Run, class... Sources>
+OrvStatus pointwise(Run run, const OrvImage *destination, const Sources *...sources)
+{
+    constexpr std::size_t count = sizeof...(Sources);
+    static_assert(count < mostImages);
+    const OrvImage *const images[count + 1] = {sources..., destination};
+    const PointwiseCall call = {images, count};
+
+    const bool planes = call.inPlanes();
+    Start starts[count + 1];
+    for (std::size_t i = 0; i <= count; ++i)
+        starts[i] = orvResolveStart(*images[i]);
+    const std::int32_t channels = starts[count].channels;
+
+    if (call.masked() || (!planes && channels == 1)) {
+        Loop loop = {&run,
+                     [](const void *unit, Layout layout, const Raster *from, Raster to, Size size) {
+                         (*static_cast<const Run *>(unit))(layout, from, to, size);
+                     },
+                     nullptr};
+        if constexpr (requires(const Raster *from, Raster to) { run.masked(Layout::C1, from, to, to, Size()); })
+            loop.runMasked = [](const void *unit, Layout layout, const Raster *from, Raster to, Raster mask,
+                                Size size) { static_cast<const Run *>(unit)->masked(layout, from, to, mask, size); };
+        return runThroughScratch(call, loop);
+    }
+
+    const Size size = call.commonSize();
+    if (size.empty())
+        return ORV_STATUS_OK;
+    Raster rasters[count + 1];
+    for (std::size_t i = 0; i <= count; ++i)
+        rasters[i] = starts[i].raster;
+    if (planes) {
+        const std::int32_t planeCount = planesToProcess(*destination, channels);
+        for (std::int32_t plane = 0;; ++plane) {
+            run(Layout::C1, rasters, rasters[count], size);
+            if (plane + 1 >= planeCount)
+                break;
+            for (std::size_t i = 0; i <= count; ++i)
+                rasters[i].data += starts[i].planeStep;
+        }
+    } else if (Layout layout; pixelLayout(*destination, channels, layout)) {
+        run(layout, rasters, rasters[count], size);
+    }
+    return ORV_STATUS_OK;
+}
+
+} // namespace orv

@@ -1,0 +1,34 @@
+// Scratch memory of one call.
+#pragma once
+
+#include <cstdint>
+#include <limits>
+
+#include "kernels.h"
+
+namespace orv {
+
+// A block that frees itself: whichever way a call ends, it keeps nothing.
+class Scratch {
+public:
+    Scratch() = default;
+    Scratch(const Scratch &) = delete;
+    Scratch &operator=(const Scratch &) = delete;
+    ~Scratch() { krnFree(block_); }
+
+    // False on exhausted memory, for no bytes at all, and for more than 32 bits can say. Called once.
+    bool take(std::int64_t bytes)
+    {
+        if (bytes > std::numeric_limits<std::int32_t>::max())
+            return false;
+        block_ = static_cast<std::uint8_t *>(krnMallocBytes(static_cast<std::int32_t>(bytes)));
+        return block_ != nullptr;
+    }
+
+    std::uint8_t *data() const { return block_; }
+
+private:
+    std::uint8_t *block_ = nullptr;
+};
+
+} // namespace orv

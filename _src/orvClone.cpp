@@ -1,0 +1,66 @@
+// Cloning of images.
+#include <algorithm>
+#include <cstdint>
+
+#include "frame/area.h"
+#include "frame/report.h"
+#include "kernels.h"
+
+namespace {
+
+using namespace orv;
+
+constexpr const char *unitName = "orvClone";
+
+// Rows of the clone are laid by the library's rule. A source whose rows lie otherwise is copied row by row, its samples
+// only: what stands between its rows may not be there to read behind the last one.
+void copyRaster(const OrvImage &source, OrvImage &clone)
+{
+    if (source.widthStep == clone.widthStep) {
+        krnCopyBytes(source.imageData, clone.imageData, std::min(source.imageSize, clone.imageSize));
+        return;
+    }
+    const bool plane = source.dataOrder == ORV_DATA_ORDER_PLANE;
+    const std::int32_t rowBytes = source.width * sampleBytes(source.depth) * (plane ? 1 : source.nChannels);
+    const std::int32_t rows = source.height * (plane ? source.nChannels : 1);
+    krnCopy8uC1(source.imageData, source.widthStep, clone.imageData, clone.widthStep, rowBytes, rows);
+}
+
+} // namespace
+
+extern "C" OrvImage *orvCloneImage(const OrvImage *image)
+{
+    ORV_REFUSE_AS(nullptr, orvCheckImageHeader(image) != ORV_STATUS_OK, orvGetErrStatus(), "Incorrect Image");
+    OrvImage *clone = orvCreateImageHeader(image->nChannels, image->alphaChannel, image->depth, image->colorModel,
+                                           image->channelSeq, image->dataOrder, image->origin, image->align,
+                                           image->width, image->height, nullptr, nullptr, nullptr, nullptr);
+    ORV_REFUSE_AS(nullptr, clone == nullptr, ORV_STATUS_NO_MEMORY,
+                  "Not enough memory to allocate header for clone image");
+    *clone = *image;
+    clone->imageData = nullptr;
+    clone->ID = 0;
+    clone->imageId = nullptr;
+    clone->maskROI = nullptr;
+    clone->tileInfo = nullptr;
+
+    if (const OrvROI *roi = image->roi; roi != nullptr) {
+        clone->roi = orvCreateROI(roi->coi, roi->xOffset, roi->yOffset, roi->width, roi->height);
+        if (clone->roi == nullptr) {
+            ORV_REPORT(ORV_STATUS_NO_MEMORY, "Not enough memory to allocate roi for clone image");
+            orvDeallocate(clone, ORV_IMAGE_HEADER);
+            return nullptr;
+        }
+    }
+    if (clone->depth == ORV_DEPTH_32F)
+        orvAllocateImageFP(clone, 0, 0.0f);
+    else
+        orvAllocateImage(clone, 0, 0);
+    if (clone->imageData == nullptr) {
+        ORV_REPORT(ORV_STATUS_NO_MEMORY, "Not enough memory to allocate imageData for clone image");
+        orvDeallocate(clone, ORV_IMAGE_HEADER | ORV_IMAGE_ROI);
+        return nullptr;
+    }
+    if (image->tileInfo == nullptr)
+        copyRaster(*image, *clone);
+    return clone;
+}

@@ -1,0 +1,270 @@
+// Memory blocks, headers, rectangle and tile records, and rasters.
+#include <cstdint>
+#include <cstring>
+#include <limits>
+
+#include "frame/area.h"
+#include "frame/header_check.h"
+#include "frame/report.h"
+#include "kernels.h"
+#include "memory.h"
+
+namespace {
+
+using namespace orv;
+
+constexpr const char *unitName = "orvalloc";
+
+constexpr std::int32_t headerSize = 112; // as stored in every header, whatever the machine's pointers
+
+struct RasterLayout {
+    std::int64_t widthStep, imageSize;
+    bool representable; // in the 32 bits of the header, with what alignment may add
+};
+
+// Rows rounded up to the image's alignment, and all of them together.
+RasterLayout rasterLayout(const OrvImage &image)
+{
+    bool overflow = false;
+    const auto product = [&overflow](std::int64_t a, std::int64_t b) {
+        std::int64_t result;
+        overflow |= __builtin_mul_overflow(a, b, &result);
+        return result;
+    };
+    const bool pixelOrder = image.dataOrder == ORV_DATA_ORDER_PIXEL;
+    const std::int64_t rowBytes =
+        product(product(sampleBytes(image.depth), image.width), pixelOrder ? image.nChannels : 1);
+    const std::int64_t widthStep = (rowBytes + image.align - 1) & ~std::int64_t{image.align - 1};
+    const std::int64_t rows = product(image.height, pixelOrder ? 1 : image.nChannels);
+    const std::int64_t imageSize = product(widthStep, rows);
+    return {widthStep, imageSize, !overflow && imageSize <= std::numeric_limits<std::int32_t>::max() - image.align + 1};
+}
+
+void fillWords(std::uint8_t *raster, std::int32_t bytes, std::uint32_t word)
+{
+    krnFill32sC1(static_cast<std::int32_t>(word), raster, bytes, bytes / 4, 1);
+}
+
+std::uint32_t fillWord(std::int32_t depth, std::int32_t value)
+{
+    const std::uint32_t bits = static_cast<std::uint32_t>(value);
+    switch (static_cast<std::uint32_t>(depth) & ~ORV_DEPTH_SIGN) {
+    case 1:
+        return (bits & 1) != 0 ? 0xFFFFFFFFu : 0;
+    case 8:
+        return (bits & 0xFF) * 0x01010101u;
+    case 16:
+        return (bits & 0xFFFF) * 0x00010001u;
+    default:
+        return bits;
+    }
+}
+
+// Allocates the raster of a header that may have one, and reports as the exported function of that name does.
+void allocateRaster(OrvImage &image, bool fill, std::uint32_t word, const char *function)
+{
+    const OrvStatus status = orvCheckHeaderFields(image, image.colorModel, image.channelSeq);
+    if (status != ORV_STATUS_OK) {
+        orvError(status, function, "Incorrect data-ins", unitName, __LINE__);
+        return;
+    }
+    const RasterLayout layout = rasterLayout(image);
+    const std::int64_t bytes = image.align + layout.imageSize - 1;
+    void *block = layout.representable ? memoryFunctions.allocateRaster(static_cast<std::size_t>(bytes)) : nullptr;
+    if (block == nullptr) {
+        orvError(ORV_STATUS_NO_MEMORY, function, "for allocate image data", unitName, __LINE__);
+        return;
+    }
+    image.imageDataOrigin = static_cast<std::uint8_t *>(block);
+    const std::uintptr_t mask = static_cast<std::uintptr_t>(image.align) - 1;
+    image.imageData = reinterpret_cast<std::uint8_t *>((reinterpret_cast<std::uintptr_t>(block) + mask) & ~mask);
+    image.widthStep = static_cast<std::int32_t>(layout.widthStep);
+    image.imageSize = static_cast<std::int32_t>(layout.imageSize);
+    if (fill)
+        fillWords(image.imageData, image.imageSize, word);
+}
+
+// What both allocators refuse before they look at the depth.
+const char *notAllocatable(const OrvImage *image)
+{
+    if (image == nullptr)
+        return "( image == ((void *)0) )";
+    if (image->imageData != nullptr)
+        return "( image->imageData != ((void *)0) )";
+    if (image->tileInfo != nullptr)
+        return "( image->tileInfo != ((void *)0) )";
+    return nullptr;
+}
+
+template <class Record> Record *allocateRecord()
+{
+    return static_cast<Record *>(krnMallocBytes(static_cast<std::int32_t>(sizeof(Record))));
+}
+
+void deallocateRaster(OrvImage &image)
+{
+    if (image.imageDataOrigin != nullptr)
+        memoryFunctions.releaseRaster(image.imageDataOrigin);
+    image.imageDataOrigin = nullptr;
+    image.imageData = nullptr;
+}
+
+template <class Record> void deallocateRecord(Record *&record)
+{
+    krnFree(record);
+    record = nullptr;
+}
+
+} // namespace
+
+extern "C" {
+
+void *orvMalloc(std::int32_t count)
+{
+    return krnMallocBytes(count);
+}
+std::int16_t *orvwMalloc(std::int32_t count)
+{
+    return static_cast<std::int16_t *>(krnMalloc16(count));
+}
+std::int32_t *orviMalloc(std::int32_t count)
+{
+    return static_cast<std::int32_t *>(krnMalloc32(count));
+}
+float *orvsMalloc(std::int32_t count)
+{
+    return static_cast<float *>(krnMalloc32f(count));
+}
+double *orvdMalloc(std::int32_t count)
+{
+    return static_cast<double *>(krnMalloc64(count));
+}
+void orvFree(void *block)
+{
+    krnFree(block);
+}
+
+OrvImage *orvCreateImageHeader(std::int32_t nChannels, std::int32_t alphaChannel, std::int32_t depth,
+                               const char *colorModel, const char *channelSeq, std::int32_t dataOrder,
+                               std::int32_t origin, std::int32_t align, std::int32_t width, std::int32_t height,
+                               OrvROI *roi, OrvImage *maskROI, void *imageId, OrvTileInfo *tileInfo)
+{
+    OrvImage header = {};
+    header.nSize = headerSize;
+    header.nChannels = nChannels;
+    header.alphaChannel = alphaChannel;
+    header.depth = depth;
+    header.dataOrder = dataOrder;
+    header.origin = origin;
+    header.align = align;
+    header.width = width;
+    header.height = height;
+    header.roi = roi;
+    header.maskROI = maskROI;
+    header.imageId = imageId;
+    header.tileInfo = tileInfo;
+    const OrvStatus status = orvCheckHeaderFields(header, colorModel, channelSeq);
+    ORV_REFUSE_AS(nullptr, status != ORV_STATUS_OK, status, "Incorrect data-ins");
+    OrvImage *image = allocateRecord<OrvImage>();
+    if (image == nullptr)
+        return nullptr;
+    std::memcpy(header.colorModel, colorModel, sizeof header.colorModel);
+    std::memcpy(header.channelSeq, channelSeq, sizeof header.channelSeq);
+    // The raster of a tiled image exists nowhere and may be of any size; what does not fit is cut off.
+    const RasterLayout layout = rasterLayout(header);
+    header.widthStep = static_cast<std::int32_t>(layout.widthStep);
+    header.imageSize = static_cast<std::int32_t>(layout.imageSize);
+    *image = header;
+    orvSetBorderMode(image, ORV_BORDER_CONSTANT, ORV_SIDE_ALL, 0);
+    return image;
+}
+
+void orvAllocateImage(OrvImage *image, std::int32_t doFill, std::int32_t fillValue)
+{
+    const char *refusal = notAllocatable(image);
+    ORV_REFUSE_AS(, refusal != nullptr, ORV_STATUS_BAD_ARGUMENT, refusal);
+    ORV_REFUSE_AS(, image->depth == ORV_DEPTH_32F, ORV_STATUS_BAD_ARGUMENT, "( image->depth == 32 )");
+    allocateRaster(*image, doFill != 0, fillWord(image->depth, fillValue), __func__);
+}
+
+void orvAllocateImageFP(OrvImage *image, std::int32_t doFill, float fillValue)
+{
+    const char *refusal = notAllocatable(image);
+    ORV_REFUSE_AS(, refusal != nullptr, ORV_STATUS_BAD_ARGUMENT, refusal);
+    ORV_REFUSE_AS(, image->depth != ORV_DEPTH_32F, ORV_STATUS_BAD_ARGUMENT, "( image->depth != 32 )");
+    std::uint32_t bits;
+    std::memcpy(&bits, &fillValue, sizeof bits);
+    allocateRaster(*image, doFill != 0, bits, __func__);
+}
+
+void orvDeallocateImage(OrvImage *image)
+{
+    if (image != nullptr)
+        deallocateRaster(*image);
+}
+
+void orvDeallocate(OrvImage *image, std::int32_t flags)
+{
+    if (image == nullptr)
+        return;
+    if ((flags & ORV_IMAGE_ROI) != 0)
+        deallocateRecord(image->roi);
+    if ((flags & ORV_IMAGE_MASK) != 0 && image->maskROI != nullptr) {
+        // An image that is its own mask goes with its own flags.
+        if (image->maskROI != image)
+            orvDeallocate(image->maskROI, ORV_IMAGE_HEADER | ORV_IMAGE_DATA | ORV_IMAGE_ROI | ORV_IMAGE_TILE);
+        image->maskROI = nullptr;
+    }
+    if ((flags & ORV_IMAGE_TILE) != 0)
+        deallocateRecord(image->tileInfo);
+    if ((flags & ORV_IMAGE_DATA) != 0 && image->imageDataOrigin != nullptr)
+        deallocateRaster(*image);
+    if ((flags & ORV_IMAGE_HEADER) != 0)
+        krnFree(image);
+}
+
+void orvDeallocateHeader(OrvImage *image)
+{
+    orvDeallocate(image, ORV_IMAGE_HEADER);
+}
+
+OrvROI *orvCreateROI(std::int32_t coi, std::int32_t xOffset, std::int32_t yOffset, std::int32_t width,
+                     std::int32_t height)
+{
+    OrvROI *roi = allocateRecord<OrvROI>();
+    orvSetROI(roi, coi, xOffset, yOffset, width, height);
+    return roi;
+}
+
+void orvSetROI(OrvROI *roi, std::int32_t coi, std::int32_t xOffset, std::int32_t yOffset, std::int32_t width,
+               std::int32_t height)
+{
+    if (roi != nullptr)
+        *roi = {coi, xOffset, yOffset, width, height};
+}
+
+void orvDeleteROI(OrvROI *roi)
+{
+    krnFree(roi);
+}
+
+OrvTileInfo *orvCreateTileInfo(OrvTileCallback callback, std::int32_t id, std::int32_t width, std::int32_t height)
+{
+    OrvTileInfo *tile = allocateRecord<OrvTileInfo>();
+    orvSetTileInfo(tile, callback, id, width, height);
+    return tile;
+}
+
+void orvSetTileInfo(OrvTileInfo *tile, OrvTileCallback callback, std::int32_t id, std::int32_t width,
+                    std::int32_t height)
+{
+    if (tile != nullptr)
+        *tile = {callback, id, nullptr, width, height};
+}
+
+void orvDeleteTileInfo(OrvTileInfo *tile)
+{
+    krnFree(tile);
+}
+
+} // extern "C"

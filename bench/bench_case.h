@@ -1,0 +1,27 @@
+// A case of the benchmark: an operation on images of one size. Families list theirs in a source of their own.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <string>
+#include <vector>
+
+namespace bench {
+
+// One call, ready to run, with the images that it works on inside the function.
+struct Job {
+    std::function<void()> call;
+    std::size_t bytes;  // what memcpy moves in comparison: those of the destination, where the case says no other
+    std::size_t pixels; // of the call
+};
+
+struct Case {
+    std::string name;
+    std::function<Job(int side)> prepare; // for an image of side x side pixels
+    bool tiny = false;                    // also timed on one pixel
+};
+
+std::vector<Case> copyingCases();
+std::vector<Case> kernelCases();
+
+} // namespace bench

@@ -1,0 +1,31 @@
+// Images for the benchmark.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+
+#include "orv.h"
+
+namespace bench {
+
+struct ReleaseImage {
+    void operator()(OrvImage *image) const;
+};
+
+using Image = std::shared_ptr<OrvImage>;
+
+// Of random samples; its rows are aligned to 32 bytes.
+Image image(int depth, int channels, int side, bool planes = false);
+
+// The same with an elliptic mask that reaches to the edges.
+Image maskedImage(int depth, int channels, int side);
+
+// Gives the image a rectangle of all of it, and a channel.
+Image withChannel(Image target, int coi);
+
+// Bytes of the samples, without padding.
+std::size_t sampleBytes(const Image &target);
+
+const char *depthName(int depth);
+
+} // namespace bench

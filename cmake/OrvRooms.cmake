@@ -1,0 +1,94 @@
+# The rooms of the house. Each is a target with its own include path, so that an include against the arrows
+# (_src -> kernels -> kernels/services -> platform; all but kernels -> status) does not compile.
+
+# What one room offers to others, by include path.
+set(ORV_PUBLIC_DIR ${PROJECT_SOURCE_DIR}/include)
+set(ORV_PLATFORM_DIR ${PROJECT_SOURCE_DIR}/platform)
+set(ORV_KERNEL_DIRS ${PROJECT_SOURCE_DIR}/kernels/dispatch ${PROJECT_SOURCE_DIR}/kernels/services)
+set(ORV_REGION_DIR ${PROJECT_SOURCE_DIR}/kernels/region)
+
+set(ORV_PLATFORM_SOURCES platform/message_box.cpp)
+set(ORV_STATUS_SOURCES status/reporting.cpp status/handlers.cpp)
+
+# Compiled once, with the target's base instructions.
+set(ORV_PLAIN_KERNEL_SOURCES
+  kernels/dispatch/classify.cpp
+  kernels/dispatch/table.cpp
+  kernels/services/memory.cpp
+  kernels/copy/copy.cpp
+  kernels/copy/jaehne.cpp)
+
+# Compiled once a slot.
+set(ORV_KERNEL_SOURCES
+  kernels/services/convert.cpp
+  kernels/copy/channels.cpp
+  kernels/copy/masked.cpp
+  kernels/arith/abs.cpp)
+
+set(ORV_FRONT_SOURCES
+  _src/frame/area.cpp
+  _src/frame/channel_kernels.cpp
+  _src/frame/header_check.cpp
+  _src/frame/pointwise.cpp
+  _src/orvClone.cpp
+  _src/orvGetPx.cpp
+  _src/orvPutPx.cpp
+  _src/orvabs.cpp
+  _src/orvalloc.cpp
+  _src/orvborde.cpp
+  _src/orvgenim.cpp
+  _src/orvsce.cpp)
+
+# orv_room(name SOURCES ... INCLUDES ...): the objects of one room, position-independent and hidden.
+function(orv_room name)
+  cmake_parse_arguments(ROOM "" "" "SOURCES;INCLUDES" ${ARGN})
+  list(TRANSFORM ROOM_SOURCES PREPEND ${PROJECT_SOURCE_DIR}/)
+  add_library(${name} OBJECT ${ROOM_SOURCES})
+  target_include_directories(${name} PRIVATE ${ROOM_INCLUDES})
+  target_link_libraries(${name} PRIVATE orv_options)
+  set_target_properties(${name} PROPERTIES
+    POSITION_INDEPENDENT_CODE ON
+    CXX_VISIBILITY_PRESET hidden
+    VISIBILITY_INLINES_HIDDEN ON)
+endfunction()
+
+orv_room(orv_platform SOURCES ${ORV_PLATFORM_SOURCES} INCLUDES ${ORV_PLATFORM_DIR})
+orv_room(orv_status SOURCES ${ORV_STATUS_SOURCES}
+  INCLUDES ${ORV_PUBLIC_DIR} ${ORV_PLATFORM_DIR} ${PROJECT_SOURCE_DIR}/status)
+orv_room(orv_kernels_plain SOURCES ${ORV_PLAIN_KERNEL_SOURCES} INCLUDES ${ORV_KERNEL_DIRS})
+target_compile_options(orv_kernels_plain PRIVATE ${ORV_KERNEL_OPTIMISATION})
+orv_room(orv_front SOURCES ${ORV_FRONT_SOURCES}
+  INCLUDES ${ORV_PUBLIC_DIR} ${ORV_KERNEL_DIRS} ${PROJECT_SOURCE_DIR}/_src)
+target_compile_options(orv_front PRIVATE ${ORV_KERNEL_OPTIMISATION})
+
+set(ORV_ROOMS orv_platform orv_status orv_kernels_plain orv_front)
+
+# The six builds. orv_kernel_slots(prefix options...) makes the targets prefix0 to prefix5.
+function(orv_kernel_slots prefix)
+  foreach(slot RANGE 5)
+    orv_room(${prefix}${slot} SOURCES ${ORV_KERNEL_SOURCES} INCLUDES ${ORV_KERNEL_DIRS} ${ORV_REGION_DIR})
+    target_compile_definitions(${prefix}${slot} PRIVATE ORV_SLOT=${slot})
+    target_compile_options(${prefix}${slot} PRIVATE ${ARGN})
+  endforeach()
+endfunction()
+
+orv_kernel_slots(orv_kernels_slot ${ORV_KERNEL_OPTIMISATION})
+foreach(slot RANGE 5)
+  list(APPEND ORV_ROOMS orv_kernels_slot${slot})
+endforeach()
+
+set(ORV_OBJECTS)
+foreach(room IN LISTS ORV_ROOMS)
+  list(APPEND ORV_OBJECTS $<TARGET_OBJECTS:${room}>)
+endforeach()
+
+add_library(orv SHARED ${ORV_OBJECTS})
+add_library(orv_static STATIC ${ORV_OBJECTS})
+set_target_properties(orv PROPERTIES VERSION ${PROJECT_VERSION} SOVERSION ${PROJECT_VERSION_MAJOR})
+set_target_properties(orv_static PROPERTIES OUTPUT_NAME orv)
+foreach(product orv orv_static)
+  target_include_directories(${product} PUBLIC
+    $<BUILD_INTERFACE:${ORV_PUBLIC_DIR}> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
+endforeach()
+add_library(orv::orv ALIAS orv)
+add_library(orv::orv_static ALIAS orv_static)

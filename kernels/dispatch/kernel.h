@@ -1,0 +1,39 @@
+// The callable row of the kernel table, and what all kernels return.
+#pragma once
+
+#include <cstdint>
+
+// Which of the six builds every kernel runs, 0 to 5. Written by krnClassify alone, read unguarded by every call.
+extern "C" {
+#if defined(__GNUC__) && !defined(_WIN32)
+extern __attribute__((visibility("hidden"))) int32_t krnDispatchIndex;
+#else
+extern int32_t krnDispatchIndex;
+#endif
+}
+
+namespace orv {
+
+constexpr int kernelBuilds = 6;
+
+// Result of a kernel: a number space of its own, which the application never sees.
+using KrnStatus = int32_t;
+
+enum : KrnStatus {
+    KRN_OK = 0,
+    KRN_BAD_SIZE = -6,     // width, height or length below 1
+    KRN_NULL_POINTER = -8, // a data pointer is null
+    KRN_NO_MEMORY = -9,    // a scratch allocation failed
+    KRN_BAD_STEP = -14,    // a row step below 1
+};
+
+// One row of the table: six builds of one function. Calling the row costs one load and one indirect jump.
+template <class Signature> struct Kernel;
+
+template <class Result, class... Arguments> struct Kernel<Result(Arguments...)> {
+    Result (*builds[kernelBuilds])(Arguments...);
+
+    Result operator()(Arguments... arguments) const { return builds[krnDispatchIndex](arguments...); }
+};
+
+} // namespace orv

@@ -1,0 +1,68 @@
+// Walking rectangles row by row, and samples at any address. To be included inside the unnamed namespace of whoever
+// uses it: a kernel's region, so that each build compiles these for its own processor, or a source of the front end.
+// The includer has <cstddef> and <cstdint>.
+
+// Rows are independent of each other and a row's samples too, so a loop over them may run in vectors even where source
+// and destination are the same raster.
+#if defined(__clang__)
+#define ORV_INDEPENDENT _Pragma("clang loop vectorize(assume_safety)")
+#elif defined(__GNUC__)
+#define ORV_INDEPENDENT _Pragma("GCC ivdep")
+#else
+#define ORV_INDEPENDENT
+#endif
+
+template <class Sample> inline Sample load(const void *row, std::size_t index)
+{
+    Sample sample;
+    __builtin_memcpy(&sample, static_cast<const unsigned char *>(row) + index * sizeof(Sample), sizeof(Sample));
+    return sample;
+}
+
+template <class Sample> inline void store(void *row, std::size_t index, Sample sample)
+{
+    __builtin_memcpy(static_cast<unsigned char *>(row) + index * sizeof(Sample), &sample, sizeof(Sample));
+}
+
+// A rectangle as a kernel gets it: first row, bytes from row to row, bytes of a pixel.
+template <class Byte> struct Rectangle {
+    Byte *row;
+    std::int32_t step;
+    std::int32_t pixelBytes;
+};
+
+inline Rectangle<const unsigned char> from(const void *source, std::int32_t step, std::int32_t pixelBytes)
+{
+    return {static_cast<const unsigned char *>(source), step, pixelBytes};
+}
+
+inline Rectangle<unsigned char> to(void *destination, std::int32_t step, std::int32_t pixelBytes)
+{
+    return {static_cast<unsigned char *>(destination), step, pixelBytes};
+}
+
+// Runs row(pixels, pointers...) over the rows of rectangles of one size, after the tests that every kernel makes. Where
+// all rows are dense the whole is one row.
+template <class Row, class... Rectangles>
+inline std::int32_t overRows(std::int32_t width, std::int32_t height, Row row, Rectangles... rectangles)
+{
+    enum : std::int32_t { Ok = 0, BadSize = -6, NullPointer = -8, BadStep = -14 };
+    if ((... || (rectangles.row == nullptr)))
+        return NullPointer;
+    if (width < 1 || height < 1)
+        return BadSize;
+    if ((... || (rectangles.step < 1)))
+        return BadStep;
+    std::size_t pixels = static_cast<std::size_t>(width);
+    if ((... &&
+         (static_cast<std::size_t>(rectangles.step) == pixels * static_cast<std::size_t>(rectangles.pixelBytes)))) {
+        pixels *= static_cast<std::size_t>(height);
+        height = 1;
+    }
+    row(pixels, rectangles.row...);
+    while (--height > 0) {
+        ((rectangles.row += rectangles.step), ...);
+        row(pixels, rectangles.row...);
+    }
+    return Ok;
+}

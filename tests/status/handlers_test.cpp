@@ -1,0 +1,295 @@
+// The report handlers: what they write or show to the letter, and when they end the process.
+#include <cstdint>
+#include <cstdlib>
+#include <cstring>
+#include <iostream>
+#include <string>
+#include <vector>
+
+#if defined(__unix__)
+#include <sys/resource.h>
+#endif
+
+#include <gtest/gtest.h>
+
+#include "message_box.h"
+#include "orv.h"
+
+namespace {
+
+using testing::Eq;
+using testing::ExitedWithCode;
+
+constexpr int answerOk = 1, answerCancel = 2, answerYes = 6, answerNo = 7;
+constexpr std::int32_t otherMode = 77;
+
+struct Box {
+    std::string text;
+    std::string caption;
+    unsigned flags;
+
+    bool operator==(const Box &) const = default;
+};
+
+void PrintTo(const Box &box, std::ostream *out)
+{
+    *out << "{" << box.caption << " | " << box.text << " | 0x" << std::hex << box.flags << std::dec << "}";
+}
+
+std::vector<Box> shown;
+int pressed = answerOk;
+
+int recordBox(const char *text, const char *caption, unsigned flags)
+{
+    shown.push_back({text, caption, flags});
+    return pressed;
+}
+
+// For a process that is to end: what it showed is told on its standard error stream.
+int writeBox(const char *text, const char *caption, unsigned flags)
+{
+    std::cerr << "{" << caption << " | " << text << " | 0x" << std::hex << flags << std::dec << "}";
+    return pressed;
+}
+
+class Handlers : public testing::Test {
+protected:
+    Handlers()
+    {
+        shown.clear();
+        orv::messageBoxFunction = recordBox;
+    }
+
+    ~Handlers() override
+    {
+        orv::messageBoxFunction = originalBox;
+        orvSetErrStatus(0);
+        orvSetErrMode(ORV_ErrorModeLeaf);
+        orvRedirectError(nullptr);
+    }
+
+private:
+    int (*originalBox)(const char *, const char *, unsigned) = orv::messageBoxFunction;
+};
+
+using HandlersDeathTest = Handlers;
+
+void sayGoodbyeAtExit()
+{
+    std::atexit([] { std::cerr << "[goodbye]"; });
+}
+
+TEST_F(HandlersDeathTest, SilentHandlerEndsALeafWithoutAWord)
+{
+    EXPECT_EXIT(orvNulDevReport(-5, "f", "c", "u", 1), ExitedWithCode(1), Eq(""));
+    EXPECT_EXIT(orvError(-9, "orvAbs", "Incorrect Image", "orvabs", 1), ExitedWithCode(1), Eq(""));
+    EXPECT_EXIT(
+        {
+            sayGoodbyeAtExit();
+            orvNulDevReport(-5, "f", "c", "u", 1);
+        },
+        ExitedWithCode(1), Eq("[goodbye]"));
+}
+
+TEST_F(Handlers, SilentHandlerReturnsTheStatusInOtherModes)
+{
+    for (std::int32_t mode : {1, 2, -1, otherMode}) {
+        orvSetErrMode(mode);
+        for (OrvStatus status : {-1, -5, 3}) {
+            testing::internal::CaptureStderr();
+            EXPECT_EQ(orvNulDevReport(status, nullptr, nullptr, nullptr, 0), status);
+            EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+        }
+    }
+}
+
+TEST_F(Handlers, StandardErrorHandlerWritesToTheLetter)
+{
+    struct Case {
+        OrvStatus status;
+        const char *func, *context, *file;
+        std::int32_t line;
+        const char *written;
+    };
+    const Case cases[] = {
+        {-9, "orvAbs", "Incorrect Image", "orvabs", 41,
+         "\nORV Library Error: Null pointer to an image header \n\tin function [orvabs:41]:orvAbs(): Incorrect "
+         "Image\n"},
+        {-50, "orvAbs", "", "orvabs", 7,
+         "\nORV Library Error: Not implemented \n\tin function [orvabs:7]:orvAbs(): \n"},
+        {-2, "f", nullptr, "u", 1, "\nORV Library Error: Unknown error or status code \n\tin function [u:1]:f\n"},
+        {0, "f", "c", nullptr, 0, "\nORV Library Error: No Error \n\tin function:f(): c\n"},
+        {-5, "f", "c", nullptr, -3, "\nORV Library Error: Bad argument \n\tin function:f(): c\n"},
+        {-5, "f", "c", nullptr, 1, "\nORV Library Error: Bad argument \n\tin function [(null):1]:f(): c\n"},
+        {-5, "f", "c", "u", 0, "\nORV Library Error: Bad argument \n\tin function [u:0]:f(): c\n"},
+        {-5, "f", "c", "u", -3, "\nORV Library Error: Bad argument \n\tin function [u:-3]:f(): c\n"},
+        {-5, nullptr, "c", "u", 5, "\nORV Library Error: Bad argument \n\tin function [u:5]:<unknown>(): c\n"},
+        {-5, nullptr, nullptr, nullptr, 0, "\nORV Library Error: Bad argument \n\tin function:<unknown>\n"},
+        {-5, "100%s", "%d%n", "%x", 5, "\nORV Library Error: Bad argument \n\tin function [%x:5]:100%s(): %d%n\n"},
+        {-1, "f", "c", "u", 5, "\tcalled from [u:5]:f(): c\n"},
+        {-1, nullptr, nullptr, nullptr, 0, "\tcalled from:<unknown>\n"},
+        {-8, "f", "a, b", "u", 5, "\tcalled from [u:5]:f(a, b)\n"},
+        {-8, "f", "", nullptr, 2, "\tcalled from [(null):2]:f()\n"},
+        {-8, "f", nullptr, "u", 5, "\tcalled from [u:5]:f\n"},
+    };
+    for (std::int32_t mode : {1, -1, otherMode})
+        for (const Case &c : cases) {
+            SCOPED_TRACE(c.written);
+            orvSetErrMode(mode);
+            orvSetErrStatus(-31);
+            testing::internal::CaptureStderr();
+            const OrvStatus result = orvStdErrReport(c.status, c.func, c.context, c.file, c.line);
+            EXPECT_EQ(testing::internal::GetCapturedStderr(), c.written);
+            EXPECT_EQ(result, c.status);
+            EXPECT_EQ(orvGetErrStatus(), -31);
+        }
+}
+
+TEST_F(HandlersDeathTest, StandardErrorHandlerEndsALeaf)
+{
+    const std::string ending = "ORV Library Error\nErrMode=ORV_ErrModeLeaf\nterminating the application";
+    EXPECT_EXIT(
+        {
+            sayGoodbyeAtExit();
+            orvStdErrReport(-4, "orvAbs", "Not enough memory", "orvabs", 12);
+        },
+        ExitedWithCode(1),
+        Eq("\nORV Library Error: Insufficient memory \n\tin function [orvabs:12]:orvAbs(): Not enough memory\n" +
+           ending + "[goodbye]"));
+    EXPECT_EXIT(orvStdErrReport(-1, "f", nullptr, nullptr, 0), ExitedWithCode(1), Eq("\tcalled from:f\n" + ending));
+}
+
+TEST_F(Handlers, SilentModeSilencesTheTalkingHandlers)
+{
+    orvSetErrMode(ORV_ErrorModeSilent);
+    for (OrvErrorCallback handler : {orvStdErrReport, orvGuiBoxReport}) {
+        testing::internal::CaptureStderr();
+        EXPECT_EQ(handler(-5, "f", "c", "u", 1), -5);
+        EXPECT_EQ(handler(-8, nullptr, nullptr, nullptr, 1), -8);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+    }
+    EXPECT_TRUE(shown.empty());
+}
+
+TEST_F(Handlers, BoxHandlerFormatsItsText)
+{
+    struct Case {
+        OrvStatus status;
+        const char *func, *context, *file;
+        std::int32_t line;
+        const char *text;
+    };
+    const Case cases[] = {
+        {-9, "orvAbs", "Incorrect Image", "orvabs", 41,
+         "In function orvAbs(): [file orvabs, line 41]\nIncorrect Image\n\nNull pointer to an image header\n(status: "
+         "-9)"},
+        {-5, nullptr, nullptr, nullptr, -1, "In function <unknown>(): [file , line 0]\n\n\nBad argument\n(status: -5)"},
+        {3, "f", "", "u", INT32_MAX,
+         "In function f(): [file u, line 2147483647]\n\n\nUnknown error or status code\n(status: 3)"},
+        {-1, "f", "c", "u", 2, "Called from f(): [file u, line 2]\nc\n\nBacktrace\n(status: -1)"},
+        {-8, nullptr, "%s%n", nullptr, 0,
+         "Called from <unknown>(): [file , line 0]\n%s%n\n\nAutotrace call\n(status: -8)"},
+    };
+    const struct {
+        std::int32_t mode;
+        int answer;
+        unsigned flags;
+        const char *tail;
+    } asked[] = {
+        {ORV_ErrorModeParent, answerOk, 0x2011, "\n\nErrMode=ORV_ErrorModeParent\n\nContinue?"},
+        {ORV_ErrorModeLeaf, answerNo, 0x2014, "\n\nErrMode=ORV_ErrorModeLeaf\n\nTerminate the application?"},
+    };
+    for (const auto &a : asked)
+        for (const Case &c : cases) {
+            shown.clear();
+            orvSetErrMode(a.mode);
+            pressed = a.answer;
+            testing::internal::CaptureStderr();
+            const OrvStatus result = orvGuiBoxReport(c.status, c.func, c.context, c.file, c.line);
+            EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
+            EXPECT_EQ(result, c.status);
+            EXPECT_EQ(shown, (std::vector<Box>{{std::string(c.text) + a.tail, "ORV 1.0 Beta", a.flags}}));
+        }
+}
+
+TEST_F(Handlers, BoxHandlerShowsNothingInUnknownModes)
+{
+    for (std::int32_t mode : {-1, 3, otherMode}) {
+        orvSetErrMode(mode);
+        EXPECT_EQ(orvGuiBoxReport(-5, "f", "c", "u", 1), -5);
+    }
+    EXPECT_TRUE(shown.empty());
+}
+
+TEST_F(Handlers, BoxHandlerHoldsAnyContextAndCutsLongNames)
+{
+    orvSetErrMode(ORV_ErrorModeParent);
+    pressed = answerOk;
+    const std::string context(100'000, 'c');
+    orvGuiBoxReport(-5, "f", context.c_str(), "u", 1);
+    const std::string whole = "In function f(): [file u, line 1]\n" + context +
+                              "\n\nBad argument\n(status: -5)\n\nErrMode=ORV_ErrorModeParent\n\nContinue?";
+    ASSERT_EQ(shown.size(), 1u);
+    EXPECT_TRUE(shown[0].text == whole);
+
+    // 200 bytes over the context and the status text, one of them for the end of the text.
+    const std::string longName(1000, 'n');
+    shown.clear();
+    orvGuiBoxReport(-5, longName.c_str(), "", longName.c_str(), 1);
+    ASSERT_EQ(shown.size(), 1u);
+    EXPECT_EQ(shown[0].text, ("In function " + longName).substr(0, std::strlen("Bad argument") + 200 - 1));
+}
+
+TEST_F(HandlersDeathTest, BoxHandlerEndsTheProcessOnRequest)
+{
+    const std::string farewell =
+        "{Win32: Application exit | ORV Library: terminating the application | 0x2040}[goodbye]";
+    const std::string report = "{ORV 1.0 Beta | In function f(): [file u, line 1]\nc\n\nBad argument\n(status: -5)\n\n";
+    const struct {
+        std::int32_t mode;
+        int answer;
+        std::string written;
+    } cases[] = {
+        {ORV_ErrorModeLeaf, answerYes, report + "ErrMode=ORV_ErrorModeLeaf\n\nTerminate the application? | 0x2014}"},
+        {ORV_ErrorModeParent, answerCancel, report + "ErrMode=ORV_ErrorModeParent\n\nContinue? | 0x2011}"},
+    };
+    for (const auto &c : cases) {
+        orvSetErrMode(c.mode);
+        pressed = c.answer;
+        EXPECT_EXIT(
+            {
+                orv::messageBoxFunction = writeBox;
+                sayGoodbyeAtExit();
+                orvGuiBoxReport(-5, "f", "c", "u", 1);
+            },
+            ExitedWithCode(1), Eq(c.written + farewell));
+    }
+}
+
+// Where memory is exhausted the box shows the text of the status alone. Memory is taken from a child process by
+// forbidding it to grow; a sanitizer's allocator would not survive that.
+#if defined(__has_feature)
+#define ORV_TEST_HAS_FEATURE(feature) __has_feature(feature)
+#else
+#define ORV_TEST_HAS_FEATURE(feature) 0
+#endif
+#if defined(__unix__) && !defined(__SANITIZE_ADDRESS__) && !ORV_TEST_HAS_FEATURE(address_sanitizer)
+TEST_F(HandlersDeathTest, BoxHandlerAsksAlsoWithExhaustedMemory)
+{
+    const std::string context(64 * 1024 * 1024, 'c');
+    orvSetErrMode(ORV_ErrorModeLeaf);
+    pressed = answerYes;
+    const rlimit none = {};
+    EXPECT_EXIT(
+        {
+            orv::messageBoxFunction = writeBox;
+            if (setrlimit(RLIMIT_AS, &none) == 0)
+                orvGuiBoxReport(-5, "f", context.c_str(), "u", 1);
+        },
+        ExitedWithCode(1),
+        Eq("{ORV 1.0 Beta | Bad argument | 0x2014}"
+           "{Win32: Application exit | ORV Library: terminating the application | 0x2040}"));
+}
+#endif
+
+} // namespace
