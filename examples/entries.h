@@ -1,0 +1,14 @@
+// The families of entries, each the table at the end of its own source.
+#pragma once
+
+#include "entry.h"
+
+namespace sheet {
+
+Family photographFamily();
+Family copyFamily();
+Family fillFamily();
+Family magnitudeFamily();
+Family patternFamily();
+
+} // namespace sheet
