@@ -31,6 +31,7 @@ template <class Sample> void absolute(Layout layout, const Raster *sources, Rast
     const auto allSamples = [=](std::size_t pixels, const unsigned char *in, unsigned char *out) {
         const std::size_t count = pixels * static_cast<std::size_t>(samples);
         ORV_INDEPENDENT
+        ORV_UNROLLED
         for (std::size_t i = 0; i < count; ++i)
             store(out, i, magnitude(load<Sample>(in, i)));
     };

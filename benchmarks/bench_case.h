@@ -13,6 +13,10 @@ struct Job {
     std::function<void()> call;
     std::size_t bytes;  // what memcpy moves in comparison: those of the destination, where the case says no other
     std::size_t pixels; // of the call
+    // Where memcpy reads and writes: best the images of the call themselves, since how well memory lies in the caches
+    // is a matter of its pages. Null for memory of the benchmark's own.
+    const void *from = nullptr;
+    void *to = nullptr;
 };
 
 struct Case {

@@ -43,10 +43,13 @@ void run(benchmark::State &state, const Case &item, int slot, int side)
 {
     krnDispatchIndex = slot;
     const Job job = item.prepare(side);
-    std::vector<unsigned char> from(job.bytes, 1), to(job.bytes);
+    std::vector<unsigned char> spareFrom(job.from == nullptr ? job.bytes : 0, 1),
+        spareTo(job.to == nullptr ? job.bytes : 0);
+    const void *from = job.from != nullptr ? job.from : spareFrom.data();
+    void *to = job.to != nullptr ? job.to : spareTo.data();
     const std::function<void()> copy = [&] {
-        std::memcpy(to.data(), from.data(), job.bytes);
-        benchmark::DoNotOptimize(to.data());
+        std::memcpy(to, from, job.bytes);
+        benchmark::DoNotOptimize(to);
         benchmark::ClobberMemory();
     };
     const int rounds = roundsFor(job.call), copyRounds = roundsFor(copy);

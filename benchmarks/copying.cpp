@@ -14,7 +14,11 @@ using Call = OrvStatus(const OrvImage *, OrvImage *);
 
 Job unary(Call *call, const Image &source, const Image &destination)
 {
-    return {[=] { call(source.get(), destination.get()); }, sampleBytes(destination), pixelsOf(destination->width)};
+    Job job = {[=] { call(source.get(), destination.get()); }, sampleBytes(destination), pixelsOf(destination->width)};
+    job.to = destination->imageData;
+    if (sampleBytes(source) >= job.bytes)
+        job.from = source->imageData;
+    return job;
 }
 
 std::string titled(const char *operation, int depth, int channels, const char *form = "")
@@ -41,6 +45,7 @@ std::vector<Case> copyingCases()
             cases.push_back({titled("orvSet", depth, channels), [=](int side) {
                                  const Image target = image(depth, channels, side);
                                  Job job = {[=] { orvSet(target.get(), 77); }, sampleBytes(target), pixelsOf(side)};
+                                 job.to = target->imageData;
                                  if (depth == ORV_DEPTH_32F)
                                      job.call = [=] { orvSetFP(target.get(), 77); };
                                  return job;
@@ -51,6 +56,8 @@ std::vector<Case> copyingCases()
                                  const Image source = withChannel(image(depth, channels, side), 2);
                                  Job job = unary(orvCopy, source, image(depth, 1, side));
                                  job.bytes = sampleBytes(source);
+                                 job.from = source->imageData;
+                                 job.to = nullptr;
                                  return job;
                              }});
             cases.push_back({titled("orvCopy", depth, channels, " insert"), [=](int side) {

@@ -10,11 +10,13 @@ Case toFloat(const char *name, const orv::Kernel<orv::ConvertKernel> &kernel, in
 {
     return {std::string(name) + " C1", [&kernel, depth](int side) {
                 const Image source = image(depth, 1, side), target = image(ORV_DEPTH_32F, 1, side);
-                return Job{[=, &kernel] {
+                Job job = {[=, &kernel] {
                                kernel(source->imageData, source->widthStep, target->imageData, target->widthStep, side,
                                       side);
                            },
                            sampleBytes(target), sampleBytes(target) / 4};
+                job.to = target->imageData;
+                return job;
             }};
 }
 
@@ -22,11 +24,13 @@ Case fromFloat(const char *name, const orv::Kernel<orv::ConvertRoundKernel> &ker
 {
     return {std::string(name) + " mode " + std::to_string(mode), [&kernel, depth, mode](int side) {
                 const Image source = image(ORV_DEPTH_32F, 1, side), target = image(depth, 1, side);
-                return Job{[=, &kernel] {
+                Job job = {[=, &kernel] {
                                kernel(source->imageData, source->widthStep, target->imageData, target->widthStep, side,
                                       side, mode);
                            },
                            sampleBytes(source), sampleBytes(source) / 4};
+                job.from = source->imageData;
+                return job;
             }};
 }
 

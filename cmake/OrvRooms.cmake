@@ -23,7 +23,14 @@ set(ORV_KERNEL_SOURCES
   kernels/services/convert.cpp
   kernels/copy/channels.cpp
   kernels/copy/masked.cpp
-  kernels/arith/abs.cpp)
+  kernels/arith/abs.cpp
+  kernels/arith/binary.cpp
+  kernels/arith/constants.cpp
+  kernels/arith/fractions.cpp
+  kernels/arith/square.cpp
+  kernels/arith/widen.cpp
+  kernels/logic/logic.cpp
+  kernels/logic/shift.cpp)
 
 set(ORV_FRONT_SOURCES
   _src/frame/area.cpp

@@ -13,4 +13,4 @@ if(CMAKE_SIZEOF_VOID_P EQUAL 4 AND CMAKE_SYSTEM_PROCESSOR MATCHES "86|AMD64|amd6
 endif()
 
 # Loops over samples are optimised in every build type; a debug build of a library like this is of no use otherwise.
-set(ORV_KERNEL_OPTIMISATION -O3 -funroll-loops)
+set(ORV_KERNEL_OPTIMISATION -O3)

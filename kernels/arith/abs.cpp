@@ -2,6 +2,10 @@
 #include <cstddef>
 #include <cstdint>
 
+#if defined(__x86_64__) || defined(__i386__)
+#include <emmintrin.h>
+#endif
+
 #include "signatures.h"
 
 #include "begin.h"
@@ -9,46 +13,29 @@
 namespace {
 
 #include "rows.h"
+#if ORV_SSE_LEVEL >= 2
+#include "vectors.h"
+#endif
+#include "points.h"
 
-constexpr std::uint32_t magnitudeBits = 0x7FFFFFFF;
-
-KrnStatus magnitude(const void *source, std::int32_t sourceStep, void *destination, std::int32_t destinationStep,
-                    std::int32_t width, std::int32_t height, std::int32_t channels)
-{
-    const auto row = [=](std::size_t pixels, const unsigned char *in, unsigned char *out) {
-        const std::size_t samples = pixels * static_cast<std::size_t>(channels);
-        ORV_INDEPENDENT
-        for (std::size_t i = 0; i < samples; ++i)
-            store(out, i, load<std::uint32_t>(in, i) & magnitudeBits);
-    };
-    const std::int32_t pixelBytes = channels * 4;
-    return overRows(width, height, row, from(source, sourceStep, pixelBytes),
-                    to(destination, destinationStep, pixelBytes));
-}
+struct Magnitude {
+    auto vector(auto bits) const { return bits & 0x7FFFFFFF; }
+    std::uint32_t operator()(std::uint32_t bits) const { return bits & 0x7FFFFFFF; }
+};
 
 } // namespace
 
-#define ORV_ABS(name, channels)                                                                                  \
-    KrnStatus name(const void *source, std::int32_t sourceStep, void *destination, std::int32_t destinationStep, \
-                   std::int32_t width, std::int32_t height)                                                      \
-    {                                                                                                            \
-        return magnitude(source, sourceStep, destination, destinationStep, width, height, channels);             \
+#define ORV_ABS(layout)                                                                                        \
+    KrnStatus krnAbs32f##layout(const void *source, std::int32_t sourceStep, void *destination,                \
+                                std::int32_t destinationStep, std::int32_t width, std::int32_t height)         \
+    {                                                                                                          \
+        return compute<std::uint32_t, layout>(width, height, Magnitude(), Given{destination, destinationStep}, \
+                                              Given{source, sourceStep});                                      \
     }
 
-ORV_ABS(krnAbs32fC1, 1)
-ORV_ABS(krnAbs32fC3, 3)
-ORV_ABS(krnAbs32fC4, 4)
-
-KrnStatus krnAbs32fAC4(const void *source, std::int32_t sourceStep, void *destination, std::int32_t destinationStep,
-                       std::int32_t width, std::int32_t height)
-{
-    const auto row = [](std::size_t pixels, const unsigned char *in, unsigned char *out) {
-        ORV_INDEPENDENT
-        for (std::size_t i = 0; i < pixels; ++i)
-            for (std::size_t channel = 0; channel < 3; ++channel)
-                store(out, 4 * i + channel, load<std::uint32_t>(in, 4 * i + channel) & magnitudeBits);
-    };
-    return overRows(width, height, row, from(source, sourceStep, 16), to(destination, destinationStep, 16));
-}
+ORV_ABS(C1)
+ORV_ABS(C3)
+ORV_ABS(C4)
+ORV_ABS(AC4)
 
 #include "end.h"

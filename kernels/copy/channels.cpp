@@ -75,6 +75,14 @@ KrnStatus insertBytes(const void *source, std::int32_t sourceStep, void *destina
 }
 
 template <class Sample>
+KrnStatus copyThreeOfFour(const void *source, std::int32_t sourceStep, void *destination, std::int32_t destinationStep,
+                          std::int32_t width, std::int32_t height)
+{
+    return overRows(width, height, moveThreeOfFour<Sample>, from(source, sourceStep, 4 * sizeof(Sample)),
+                    to(destination, destinationStep, 4 * sizeof(Sample)));
+}
+
+template <class Sample>
 KrnStatus fillThreeOfFour(const void *values, void *destination, std::int32_t step, std::int32_t width,
                           std::int32_t height)
 {

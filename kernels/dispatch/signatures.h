@@ -35,6 +35,56 @@ using ConvertRoundKernel = KrnStatus(const void *source, int32_t sourceStep, voi
 
 using PatternKernel = KrnStatus(void *destination, int32_t step, int32_t width, int32_t height);
 
+// Integer arithmetic takes a scale: its exact results are divided by 2 to the power of it, to nearest with ties to even, and
+// then saturated. 0 is none; a negative scale multiplies.
+
+// Two rasters into a third. A difference takes the subtrahend first.
+using BinaryKernel = KrnStatus(const void *source1, std::int32_t step1, const void *source2, std::int32_t step2,
+                               void *destination, std::int32_t step, std::int32_t width, std::int32_t height);
+using BinaryScaledKernel = KrnStatus(const void *source1, std::int32_t step1, const void *source2, std::int32_t step2,
+                                     void *destination, std::int32_t step, std::int32_t width, std::int32_t height,
+                                     std::int32_t scale);
+// One row of so many samples.
+using BinaryRowKernel = KrnStatus(const void *source1, const void *source2, void *destination, std::int32_t length,
+                                  std::int32_t scale);
+
+using UnaryScaledKernel = KrnStatus(const void *source, std::int32_t sourceStep, void *destination,
+                                    std::int32_t destinationStep, std::int32_t width, std::int32_t height,
+                                    std::int32_t scale);
+
+// A raster and a constant: the value itself for one channel, cut to the sample, else a pointer to one value a channel. Those
+// in place (suffix I) take one raster.
+using ConstantKernel = KrnStatus(const void *source, std::int32_t sourceStep, std::int32_t value, void *destination,
+                                 std::int32_t step, std::int32_t width, std::int32_t height);
+using ConstantsKernel = KrnStatus(const void *source, std::int32_t sourceStep, const void *values, void *destination,
+                                  std::int32_t step, std::int32_t width, std::int32_t height);
+using ConstantScaledKernel = KrnStatus(const void *source, std::int32_t sourceStep, std::int32_t value,
+                                       void *destination, std::int32_t step, std::int32_t width, std::int32_t height,
+                                       std::int32_t scale);
+using ConstantsScaledKernel = KrnStatus(const void *source, std::int32_t sourceStep, const void *values,
+                                        void *destination, std::int32_t step, std::int32_t width, std::int32_t height,
+                                        std::int32_t scale);
+using ConstantScaledInPlaceKernel = KrnStatus(std::int32_t value, void *image, std::int32_t step, std::int32_t width,
+                                              std::int32_t height, std::int32_t scale);
+using ConstantsScaledInPlaceKernel = KrnStatus(const void *values, void *image, std::int32_t step, std::int32_t width,
+                                               std::int32_t height, std::int32_t scale);
+using FloatConstantKernel = KrnStatus(const void *source, std::int32_t sourceStep, float value, void *destination,
+                                      std::int32_t step, std::int32_t width, std::int32_t height);
+using FloatConstantInPlaceKernel = KrnStatus(float value, void *image, std::int32_t step, std::int32_t width,
+                                             std::int32_t height);
+using ConstantsInPlaceKernel = KrnStatus(const void *values, void *image, std::int32_t step, std::int32_t width,
+                                         std::int32_t height);
+using ConstantRowKernel = KrnStatus(const void *source, std::int32_t value, void *destination, std::int32_t length,
+                                    std::int32_t scale);
+using ConstantRowInPlaceKernel = KrnStatus(std::int32_t value, void *row, std::int32_t length, std::int32_t scale);
+using FloatConstantRowKernel = KrnStatus(const void *source, float value, void *destination, std::int32_t length);
+using FloatConstantRowInPlaceKernel = KrnStatus(float value, void *row, std::int32_t length);
+// Products of fractions in place take the raster first.
+using FractionInPlaceKernel = KrnStatus(void *image, std::int32_t step, std::int32_t value, std::int32_t width,
+                                        std::int32_t height);
+using FractionsInPlaceKernel = KrnStatus(void *image, std::int32_t step, const void *values, std::int32_t width,
+                                         std::int32_t height);
+
 using AllocateKernel = void *(int32_t count);
 using ReleaseKernel = void(void *block);
 

@@ -13,6 +13,10 @@
 namespace {
 
 #include "rows.h"
+#if ORV_SSE_LEVEL >= 2
+#include "vectors.h"
+#endif
+#include "points.h"
 
 // The range of a sample type, and the same as floats. The top of 32 bits is one beyond it: floats have no nearer value.
 template <class Sample, std::int32_t low, std::int32_t high> struct Bounds {
@@ -84,7 +88,7 @@ template <class Sample, Rounding rounding> inline __m128i toIntegers4(__m128 val
 
 // Returns how many samples it has done.
 template <class Sample, Rounding rounding>
-inline std::size_t toSixteens(std::size_t samples, const unsigned char *in, unsigned char *out)
+inline std::size_t toSixteens(std::size_t samples, unsigned char *out, const unsigned char *in)
 {
     const unsigned savedControl = krnSetMxcsrRound(mxcsrNearest);
     std::size_t i = 0;
@@ -98,115 +102,68 @@ inline std::size_t toSixteens(std::size_t samples, const unsigned char *in, unsi
     return i;
 }
 
-#else
-
-template <class Sample, Rounding> inline std::size_t toSixteens(std::size_t, const unsigned char *, unsigned char *)
-{
-    return 0;
-}
-
 #endif
 
-template <class Sample, Rounding rounding>
-inline void toSamples(std::size_t samples, const unsigned char *in, unsigned char *out)
-{
-    ORV_INDEPENDENT
-    for (std::size_t i = toSixteens<Sample, rounding>(samples, in, out); i < samples; ++i)
-        store(out, i, toSample<Sample, rounding>(load<float>(in, i)));
-}
+template <class Sample, Rounding rounding> struct ToInteger {
+    Sample operator()(float value) const { return toSample<Sample, rounding>(value); }
+#if ORV_SSE_LEVEL >= 2
+    std::size_t many(std::size_t samples, unsigned char *out, const unsigned char *in) const
+    {
+        return toSixteens<Sample, rounding>(samples, out, in);
+    }
+#endif
+};
 
-template <class Sample, Rounding rounding>
-KrnStatus toIntegers(const void *source, std::int32_t sourceStep, void *destination, std::int32_t destinationStep,
-                     std::int32_t width, std::int32_t height, std::int32_t channels)
-{
-    const auto row = [=](std::size_t pixels, const unsigned char *in, unsigned char *out) {
-        toSamples<Sample, rounding>(pixels * static_cast<std::size_t>(channels), in, out);
-    };
-    return overRows(width, height, row, from(source, sourceStep, channels * 4),
-                    to(destination, destinationStep, channels * static_cast<std::int32_t>(sizeof(Sample))));
-}
+template <class Sample> struct ToFloat {
+    float operator()(Sample value) const { return static_cast<float>(value); }
+};
 
-template <class In, class Out, class Convert>
-KrnStatus threeOfFour(const void *source, std::int32_t sourceStep, void *destination, std::int32_t destinationStep,
-                      std::int32_t width, std::int32_t height, Convert convert)
-{
-    const auto row = [=](std::size_t pixels, const unsigned char *in, unsigned char *out) {
-        ORV_INDEPENDENT
-        for (std::size_t i = 0; i < pixels; ++i)
-            for (std::size_t channel = 0; channel < 3; ++channel)
-                store(out, 4 * i + channel, static_cast<Out>(convert(load<In>(in, 4 * i + channel))));
-    };
-    return overRows(width, height, row, from(source, sourceStep, 4 * sizeof(In)),
-                    to(destination, destinationStep, 4 * sizeof(Out)));
-}
-
-// Picks the loop of a rounding mode; AC4 (channels 0) has its own.
-template <class Sample, std::size_t channels>
+template <class Sample, std::size_t layout>
 KrnStatus convertToIntegers(const void *source, std::int32_t sourceStep, void *destination,
                             std::int32_t destinationStep, std::int32_t width, std::int32_t height,
                             std::int32_t rounding)
 {
-    const auto run = [&]<Rounding mode>() {
-        if constexpr (channels == 0)
-            return threeOfFour<float, Sample>(source, sourceStep, destination, destinationStep, width, height,
-                                              [](float value) { return toSample<Sample, mode>(value); });
-        else
-            return toIntegers<Sample, mode>(source, sourceStep, destination, destinationStep, width, height, channels);
+    const auto run = [=](auto operation) {
+        return compute<Sample, layout, float>(width, height, operation, Given{destination, destinationStep},
+                                              Given{source, sourceStep});
     };
     switch (rounding) {
     case 0:
-        return run.template operator()<Rounding::TowardZero>();
+        return run(ToInteger<Sample, Rounding::TowardZero>());
     case 1:
-        return run.template operator()<Rounding::NearestEven>();
+        return run(ToInteger<Sample, Rounding::NearestEven>());
     default:
-        return run.template operator()<Rounding::NearestAway>();
-    }
-}
-
-template <class Sample, std::size_t channels>
-KrnStatus convertToFloats(const void *source, std::int32_t sourceStep, void *destination, std::int32_t destinationStep,
-                          std::int32_t width, std::int32_t height)
-{
-    if constexpr (channels == 0) {
-        return threeOfFour<Sample, float>(source, sourceStep, destination, destinationStep, width, height,
-                                          [](Sample value) { return static_cast<float>(value); });
-    } else {
-        const auto row = [](std::size_t pixels, const unsigned char *in, unsigned char *out) {
-            ORV_INDEPENDENT
-            for (std::size_t i = 0; i < pixels * channels; ++i)
-                store(out, i, static_cast<float>(load<Sample>(in, i)));
-        };
-        return overRows(width, height, row, from(source, sourceStep, channels * sizeof(Sample)),
-                        to(destination, destinationStep, channels * 4));
+        return run(ToInteger<Sample, Rounding::NearestAway>());
     }
 }
 
 } // namespace
 
-#define ORV_TO_FLOATS(name, Sample, channels)                                                                      \
-    KrnStatus name(const void *source, std::int32_t sourceStep, void *destination, std::int32_t destinationStep,   \
-                   std::int32_t width, std::int32_t height)                                                        \
-    {                                                                                                              \
-        return convertToFloats<Sample, channels>(source, sourceStep, destination, destinationStep, width, height); \
+#define ORV_TO_FLOATS(name, Sample, layout)                                                                          \
+    KrnStatus name(const void *source, std::int32_t sourceStep, void *destination, std::int32_t destinationStep,     \
+                   std::int32_t width, std::int32_t height)                                                          \
+    {                                                                                                                \
+        return compute<float, layout, Sample>(width, height, ToFloat<Sample>(), Given{destination, destinationStep}, \
+                                              Given{source, sourceStep});                                            \
     }
 
-#define ORV_TO_INTEGERS(name, Sample, channels)                                                                     \
-    KrnStatus name(const void *source, std::int32_t sourceStep, void *destination, std::int32_t destinationStep,    \
-                   std::int32_t width, std::int32_t height, std::int32_t rounding)                                  \
-    {                                                                                                               \
-        return convertToIntegers<Sample, channels>(source, sourceStep, destination, destinationStep, width, height, \
-                                                   rounding);                                                       \
+#define ORV_TO_INTEGERS(name, Sample, layout)                                                                     \
+    KrnStatus name(const void *source, std::int32_t sourceStep, void *destination, std::int32_t destinationStep,  \
+                   std::int32_t width, std::int32_t height, std::int32_t rounding)                                \
+    {                                                                                                             \
+        return convertToIntegers<Sample, layout>(source, sourceStep, destination, destinationStep, width, height, \
+                                                 rounding);                                                       \
     }
 
-#define ORV_CONVERSIONS(samples, Sample)                   \
-    ORV_TO_FLOATS(krnConvert##samples##32f, Sample, 1)     \
-    ORV_TO_FLOATS(krnConvert##samples##32fC3, Sample, 3)   \
-    ORV_TO_FLOATS(krnConvert##samples##32fC4, Sample, 4)   \
-    ORV_TO_FLOATS(krnConvert##samples##32fAC4, Sample, 0)  \
-    ORV_TO_INTEGERS(krnConvert32f##samples##C1, Sample, 1) \
-    ORV_TO_INTEGERS(krnConvert32f##samples##C3, Sample, 3) \
-    ORV_TO_INTEGERS(krnConvert32f##samples##C4, Sample, 4) \
-    ORV_TO_INTEGERS(krnConvert32f##samples##AC4, Sample, 0)
+#define ORV_CONVERSIONS(samples, Sample)                    \
+    ORV_TO_FLOATS(krnConvert##samples##32f, Sample, C1)     \
+    ORV_TO_FLOATS(krnConvert##samples##32fC3, Sample, C3)   \
+    ORV_TO_FLOATS(krnConvert##samples##32fC4, Sample, C4)   \
+    ORV_TO_FLOATS(krnConvert##samples##32fAC4, Sample, AC4) \
+    ORV_TO_INTEGERS(krnConvert32f##samples##C1, Sample, C1) \
+    ORV_TO_INTEGERS(krnConvert32f##samples##C3, Sample, C3) \
+    ORV_TO_INTEGERS(krnConvert32f##samples##C4, Sample, C4) \
+    ORV_TO_INTEGERS(krnConvert32f##samples##AC4, Sample, AC4)
 
 ORV_CONVERSIONS(8u, std::uint8_t)
 ORV_CONVERSIONS(8s, std::int8_t)

@@ -6,10 +6,13 @@
 // and destination are the same raster.
 #if defined(__clang__)
 #define ORV_INDEPENDENT _Pragma("clang loop vectorize(assume_safety)")
+#define ORV_UNROLLED _Pragma("clang loop unroll_count(4)")
 #elif defined(__GNUC__)
 #define ORV_INDEPENDENT _Pragma("GCC ivdep")
+#define ORV_UNROLLED _Pragma("GCC unroll 4")
 #else
 #define ORV_INDEPENDENT
+#define ORV_UNROLLED
 #endif
 
 template <class Sample> inline Sample load(const void *row, std::size_t index)
@@ -65,4 +68,26 @@ inline std::int32_t overRows(std::int32_t width, std::int32_t height, Row row, R
         row(pixels, rectangles.row...);
     }
     return Ok;
+}
+
+// Moves three samples of each four; the fourth stays. As words, of whose bits the last quarter stays.
+template <class Sample> inline void moveThreeOfFour(std::size_t pixels, const unsigned char *in, unsigned char *out)
+{
+    if constexpr (sizeof(Sample) < 4) {
+        using Pixel = decltype([] {
+            if constexpr (sizeof(Sample) == 1)
+                return std::uint32_t{};
+            else
+                return std::uint64_t{};
+        }());
+        constexpr Pixel moved = static_cast<Pixel>(~Pixel{0}) >> (8 * sizeof(Sample));
+        ORV_INDEPENDENT
+        for (std::size_t i = 0; i < pixels; ++i)
+            store(out, i, (load<Pixel>(in, i) & moved) | (load<Pixel>(out, i) & ~moved));
+    } else {
+        for (std::size_t i = 0; i < pixels; ++i) {
+            store(out, 2 * i, load<std::uint64_t>(in, 2 * i));
+            store(out, 4 * i + 2, load<std::uint32_t>(in, 4 * i + 2));
+        }
+    }
 }

@@ -13,7 +13,7 @@ struct RasterShape {
 
 struct RowShape {
     RasterShape source, destination;
-    bool floats; // the source holds floats
+    bool sourceFloats, destinationFloats;
 };
 
 inline bool startsWith(const std::string &text, const std::string &start)
@@ -26,34 +26,31 @@ inline bool endsWith(const std::string &text, const std::string &end)
     return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
 }
 
-// The bytes of the first sample type in the name, which goes with all that stands before it.
-inline int takeSampleBytes(std::string &name)
+// The first sample type in the name, which goes with all that stands before it.
+inline std::string takeType(std::string &name)
 {
-    const std::size_t digit = name.find_first_of("123456789", 3);
-    const int bits = std::stoi(name.substr(digit));
-    name = name.substr(name.find_first_not_of("0123456789", digit) + 1);
-    return bits / 8;
+    const std::size_t digit = name.find_first_of("123456789");
+    const std::size_t letter = name.find_first_not_of("0123456789", digit);
+    const std::string type = name.substr(digit, letter + 1 - digit);
+    name = name.substr(letter + 1);
+    return type;
 }
 
-inline int channelsOf(const std::string &layout)
+inline RowShape shapeOf(const std::string &name)
 {
-    return endsWith(layout, "C4") ? 4 : endsWith(layout, "C3") ? 3 : 1;
-}
-
-inline RowShape shapeOf(const char *kernelName)
-{
-    std::string rest = kernelName;
-    const std::string name = rest;
-    const int first = takeSampleBytes(rest);
-    RowShape shape = {
-        {first, 0, false}, {first, 0, false}, startsWith(name, "krnConvert32f") || startsWith(name, "krnAbs32f")};
-    if (startsWith(name, "krnConvert")) {
-        shape.destination.sampleBytes = std::stoi(rest) / 8;
-    }
-    shape.source.channels = shape.destination.channels = channelsOf(rest);
-    if (endsWith(name, "C3AC4"))
+    std::string rest = name.substr(3);
+    const std::string sourceType = takeType(rest);
+    const bool twoTypes = startsWith(name, "krnConvert") || startsWith(name, "krnCvt");
+    const std::string destinationType = twoTypes ? takeType(rest) : sourceType;
+    const std::string layout = endsWith(rest, "I") ? rest.substr(0, rest.size() - 1) : rest;
+    const int channels = endsWith(layout, "C4") ? 4 : endsWith(layout, "C3") ? 3 : 1;
+    RowShape shape = {{std::stoi(sourceType) / 8, channels, false},
+                      {std::stoi(destinationType) / 8, channels, false},
+                      endsWith(sourceType, "f"),
+                      endsWith(destinationType, "f")};
+    if (layout == "C3AC4")
         shape.source.channels = 3;
-    if (endsWith(name, "AC4C3"))
+    if (layout == "AC4C3")
         shape.source.channels = 4;
     if (startsWith(name, "krnExtract")) {
         shape.source.anyChannel = true;

@@ -1,0 +1,57 @@
+// How a kernel of each signature is called with one set of arguments.
+#pragma once
+
+#include "kernels.h"
+
+struct RowRaster {
+    void *data;
+    int step;
+};
+
+struct RowCall {
+    RowRaster sources[2], destination, mask;
+    int width, height;
+    int value; // a constant, a count or a rounding mode
+    int scale;
+    const void *values; // one a channel
+};
+
+using orv::Kernel;
+using orv::KrnStatus;
+
+#define ORV_CALL(Signature, ...)                                                  \
+    inline KrnStatus call(const Kernel<orv::Signature> &kernel, const RowCall &c) \
+    {                                                                             \
+        const auto &[a, b] = c.sources;                                           \
+        const auto &[out, step] = c.destination;                                  \
+        (void)a, (void)b, (void)step;                                             \
+        return kernel(__VA_ARGS__);                                               \
+    }
+
+ORV_CALL(CopyKernel, a.data, a.step, out, step, c.width, c.height)
+ORV_CALL(CopyMaskedKernel, a.data, a.step, out, step, c.width, c.height, c.mask.data, c.mask.step)
+ORV_CALL(FillKernel, c.value, out, step, c.width, c.height)
+ORV_CALL(FillPixelsKernel, c.values, out, step, c.width, c.height)
+// Rounding modes have the signature of scales.
+ORV_CALL(ConvertRoundKernel, a.data, a.step, out, step, c.width, c.height, c.scale)
+ORV_CALL(PatternKernel, out, step, c.width, c.height)
+ORV_CALL(CopyBytesKernel, a.data, out, c.width)
+ORV_CALL(BinaryKernel, a.data, a.step, b.data, b.step, out, step, c.width, c.height)
+ORV_CALL(BinaryScaledKernel, a.data, a.step, b.data, b.step, out, step, c.width, c.height, c.scale)
+ORV_CALL(BinaryRowKernel, a.data, b.data, out, c.width, c.scale)
+ORV_CALL(ConstantKernel, a.data, a.step, c.value, out, step, c.width, c.height)
+ORV_CALL(ConstantsKernel, a.data, a.step, c.values, out, step, c.width, c.height)
+ORV_CALL(ConstantScaledKernel, a.data, a.step, c.value, out, step, c.width, c.height, c.scale)
+ORV_CALL(ConstantsScaledKernel, a.data, a.step, c.values, out, step, c.width, c.height, c.scale)
+ORV_CALL(ConstantScaledInPlaceKernel, c.value, out, step, c.width, c.height, c.scale)
+ORV_CALL(ConstantsScaledInPlaceKernel, c.values, out, step, c.width, c.height, c.scale)
+ORV_CALL(FloatConstantKernel, a.data, a.step, static_cast<float>(c.value), out, step, c.width, c.height)
+ORV_CALL(FloatConstantInPlaceKernel, static_cast<float>(c.value), out, step, c.width, c.height)
+ORV_CALL(ConstantRowKernel, a.data, c.value, out, c.width, c.scale)
+ORV_CALL(ConstantRowInPlaceKernel, c.value, out, c.width, c.scale)
+ORV_CALL(FloatConstantRowKernel, a.data, static_cast<float>(c.value), out, c.width)
+ORV_CALL(FloatConstantRowInPlaceKernel, static_cast<float>(c.value), out, c.width)
+ORV_CALL(FractionInPlaceKernel, out, step, c.value, c.width, c.height)
+ORV_CALL(FractionsInPlaceKernel, out, step, c.values, c.width, c.height)
+
+#undef ORV_CALL
