@@ -1,5 +1,4 @@
 // Cloning of images.
-#include <algorithm>
 #include <cstdint>
 
 #include "frame/area.h"
@@ -16,8 +15,8 @@ constexpr const char *unitName = "orvClone";
 // only: what stands between its rows may not be there to read behind the last one.
 void copyRaster(const OrvImage &source, OrvImage &clone)
 {
-    if (source.widthStep == clone.widthStep) {
-        krnCopyBytes(source.imageData, clone.imageData, std::min(source.imageSize, clone.imageSize));
+    if (source.widthStep == clone.widthStep && source.imageSize == clone.imageSize) {
+        krnCopyBytes(source.imageData, clone.imageData, source.imageSize);
         return;
     }
     const bool plane = source.dataOrder == ORV_DATA_ORDER_PLANE;

@@ -71,11 +71,11 @@ void allocateRaster(OrvImage &image, bool fill, std::uint32_t word, const char *
     const RasterLayout layout = rasterLayout(image);
     const std::int64_t bytes = image.align + layout.imageSize - 1;
     void *block = layout.representable ? memoryFunctions.allocateRaster(static_cast<std::size_t>(bytes)) : nullptr;
+    image.imageDataOrigin = static_cast<std::uint8_t *>(block);
     if (block == nullptr) {
         orvError(ORV_STATUS_NO_MEMORY, function, "for allocate image data", unitName, __LINE__);
         return;
     }
-    image.imageDataOrigin = static_cast<std::uint8_t *>(block);
     const std::uintptr_t mask = static_cast<std::uintptr_t>(image.align) - 1;
     image.imageData = reinterpret_cast<std::uint8_t *>((reinterpret_cast<std::uintptr_t>(block) + mask) & ~mask);
     image.widthStep = static_cast<std::int32_t>(layout.widthStep);
@@ -107,6 +107,19 @@ void deallocateRaster(OrvImage &image)
         memoryFunctions.releaseRaster(image.imageDataOrigin);
     image.imageDataOrigin = nullptr;
     image.imageData = nullptr;
+}
+
+// Takes from a mask what it shares with its image and the image releases itself.
+void disown(const OrvImage &image, OrvImage &mask, std::int32_t flags)
+{
+    if (&mask == &image)
+        return;
+    if ((flags & ORV_IMAGE_ROI) != 0 && mask.roi == image.roi)
+        mask.roi = nullptr;
+    if ((flags & ORV_IMAGE_TILE) != 0 && mask.tileInfo == image.tileInfo)
+        mask.tileInfo = nullptr;
+    if ((flags & ORV_IMAGE_DATA) != 0 && mask.imageDataOrigin == image.imageDataOrigin)
+        mask.imageDataOrigin = nullptr;
 }
 
 template <class Record> void deallocateRecord(Record *&record)
@@ -207,14 +220,16 @@ void orvDeallocate(OrvImage *image, std::int32_t flags)
 {
     if (image == nullptr)
         return;
+    OrvImage *mask = (flags & ORV_IMAGE_MASK) != 0 ? image->maskROI : nullptr;
+    if (mask != nullptr) {
+        image->maskROI = nullptr;
+        disown(*image, *mask, flags);
+    }
     if ((flags & ORV_IMAGE_ROI) != 0)
         deallocateRecord(image->roi);
-    if ((flags & ORV_IMAGE_MASK) != 0 && image->maskROI != nullptr) {
-        // An image that is its own mask goes with its own flags.
-        if (image->maskROI != image)
-            orvDeallocate(image->maskROI, ORV_IMAGE_HEADER | ORV_IMAGE_DATA | ORV_IMAGE_ROI | ORV_IMAGE_TILE);
-        image->maskROI = nullptr;
-    }
+    // An image that is its own mask goes with its own flags.
+    if (mask != nullptr && mask != image)
+        orvDeallocate(mask, ORV_IMAGE_HEADER | ORV_IMAGE_DATA | ORV_IMAGE_ROI | ORV_IMAGE_TILE);
     if ((flags & ORV_IMAGE_TILE) != 0)
         deallocateRecord(image->tileInfo);
     if ((flags & ORV_IMAGE_DATA) != 0 && image->imageDataOrigin != nullptr)

@@ -90,17 +90,18 @@ OrvStatus orvGuiBoxReport(OrvStatus status, const char *func, const char *contex
     if (mode == ORV_ErrorModeSilent)
         return status;
 
+    func = orElse(func, "<unknown>");
     context = orElse(context, "");
-    // Room for every report of the library; an application's own names may be longer and are then cut, not overrun.
-    const std::size_t size = std::strlen(context) + std::strlen(statusText) + 200;
+    file = orElse(file, "");
+    const std::size_t size =
+        std::strlen(context) + std::strlen(statusText) + std::strlen(func) + std::strlen(file) + 200;
     char *const report = static_cast<char *>(std::malloc(size));
     const bool formatted =
         report != nullptr &&
         std::snprintf(report, size,
                       orv::isTraceRecord(status) ? "Called from %s(): [file %s, line %d]\n%s\n\n%s\n(status: %d)%s"
                                                  : "In function %s(): [file %s, line %d]\n%s\n\n%s\n(status: %d)%s",
-                      orElse(func, "<unknown>"), orElse(file, ""), line < 0 ? 0 : line, context, statusText, status,
-                      questionOf(mode)) >= 0;
+                      func, file, line < 0 ? 0 : line, context, statusText, status, questionOf(mode)) >= 0;
 
     // A failure of the report itself, which exhausted memory brings, must not keep the user from being asked.
     const bool ends = isEndWanted(formatted ? report : statusText, mode);

@@ -71,6 +71,13 @@ bool stripsKeepApart(const Operand &read, const Operand &written, Size size, std
            apart + static_cast<std::uintptr_t>(row) <= static_cast<std::uintptr_t>(step);
 }
 
+// Whether a loop may write samples while it still reads: the rasters have no byte in common, or are the same.
+bool samplesKeepApart(const Operand &read, const Operand &written, Size size, std::int32_t planes)
+{
+    return !meet(reach(read, size, planes), reach(written, size, planes)) ||
+           read.start.raster.data == written.start.raster.data;
+}
+
 // A piece of the call's scratch that holds the rows of one strip.
 struct Lane {
     std::int64_t offset = -1; // in bytes a row of all lanes; none where negative
@@ -88,7 +95,7 @@ public:
 
 private:
     bool resolveImages();
-    void planLanes(bool snapshotMask);
+    void planLanes(bool stripsApart, bool samplesApart);
     Lane laneOf(std::int64_t rowBytes);
     Raster maskOfStrip(std::int32_t row, Size strip);
     void runStrip(std::int32_t row, Size strip, std::int32_t plane, Raster mask);
@@ -143,19 +150,20 @@ Lane ScratchCall::laneOf(std::int64_t rowBytes)
     return lane;
 }
 
-void ScratchCall::planLanes(bool snapshotMask)
+void ScratchCall::planLanes(bool stripsApart, bool samplesApart)
 {
     const std::int64_t width = size_.width;
     for (std::size_t i = 0; i < call_.sourceCount; ++i)
         if (images_[i].picked)
             sourceLanes_[i] = laneOf(width * images_[i].sampleBytes);
     const bool masked = maskCount_ > 0;
-    const bool straight = masked && loop_.runMasked != nullptr && !destination().picked && !snapshotMask;
-    if ((masked && !straight) || destination().picked)
+    const bool straight =
+        stripsApart && samplesApart && !destination().picked && (!masked || loop_.runMasked != nullptr);
+    if (!straight)
         resultLane_ = laneOf(width * destination().sampleBytes * samplesPerPixel(resultLayout_));
     if (masked && destination().picked)
         mergeLane_ = laneOf(width * destination().sampleBytes);
-    if (maskCount_ > 1 || (masked && snapshotMask))
+    if (maskCount_ > 1 || (masked && !stripsApart))
         maskLane_ = laneOf(width);
 }
 
@@ -188,7 +196,7 @@ void ScratchCall::deliver(const Raster &result, const Raster &destination, Size 
     const Kernel<CopyKernel> &extract = three ? move.extractC3 : move.extractC4;
     const Kernel<CopyKernel> &insert = three ? move.insertC3 : move.insertC4;
     if (maskCount_ == 0) {
-        copyChannel(insert, result, destination, strip);
+        copyChannel(image.picked ? insert : move.copy[layout_], result, destination, strip);
         return;
     }
     Raster merged = destination;
@@ -239,16 +247,19 @@ OrvStatus ScratchCall::run()
     if (size_.width < 1 || !resolveImages())
         return ORV_STATUS_OK;
 
-    bool sourcesApart = true, masksApart = true;
-    for (std::size_t i = 0; i < call_.sourceCount; ++i)
-        sourcesApart = sourcesApart && stripsKeepApart(images_[i], destination(), size_, planes_);
+    bool stripsApart = true, samplesApart = true;
+    for (std::size_t i = 0; i < call_.sourceCount; ++i) {
+        stripsApart = stripsApart && stripsKeepApart(images_[i], destination(), size_, planes_);
+        // What is picked from among other channels is read before the loop runs.
+        samplesApart =
+            samplesApart && (images_[i].picked || samplesKeepApart(images_[i], destination(), size_, planes_));
+    }
     for (std::size_t i = 0; i < maskCount_; ++i)
-        masksApart = masksApart && !meet(reach(masks_[i], size_, 1), reach(destination(), size_, planes_));
-    const bool apart = sourcesApart && masksApart;
+        stripsApart = stripsApart && !meet(reach(masks_[i], size_, 1), reach(destination(), size_, planes_));
 
-    planLanes(!apart);
+    planLanes(stripsApart, samplesApart);
     stripRows_ = size_.height;
-    if (apart && rowBytes_ > 0)
+    if (stripsApart && rowBytes_ > 0)
         stripRows_ = static_cast<std::int32_t>(std::clamp<std::int64_t>(stripBytes / rowBytes_, 1, size_.height));
     if (rowBytes_ > 0 && !scratch_.take(rowBytes_ * stripRows_))
         return ORV_STATUS_NO_MEMORY;

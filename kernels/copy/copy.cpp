@@ -33,7 +33,8 @@ KrnStatus fill(const unsigned char *pattern, void *destination, std::int32_t ste
         const std::size_t bytes = pixels * period;
         const std::size_t piece = bytes < pieceBytes ? bytes : pieceBytes;
         std::size_t done = 0;
-        if (laid == nullptr) {
+        // Rows that overlap have spoilt it.
+        if (laid == nullptr || static_cast<std::size_t>(step) < bytes) {
             std::memcpy(out, pattern, period);
             for (done = period; done < piece;) {
                 const std::size_t more = done < piece - done ? done : piece - done;

@@ -1,0 +1,258 @@
+// What operations refuse: in which order, with which status and text, and under whose name.
+#include <functional>
+
+#include "front/pointwise_call.h"
+
+namespace front {
+namespace {
+
+void provideNoTile() {}
+
+// Images that an operation serves, to be spoilt: four channels without alpha, of the first depth that has them.
+class Refused {
+public:
+    explicit Refused(const Operation &operation) : operation_(operation)
+    {
+        Form form = {.channels = 4, .width = 9, .height = 5};
+        for (const std::int32_t depth : operation.depths)
+            if (form.depth = depth; depth != ORV_DEPTH_1U)
+                break;
+        Random random(11);
+        for (int i = 0; i <= operation.sources; ++i) {
+            images_.push_back(std::make_shared<TestImage>(form, random));
+            headers_.push_back(&images_.back()->header);
+        }
+    }
+
+    void spoil(const Refusal &refusal)
+    {
+        for (int i = 0; i <= operation_.sources; ++i)
+            if (headers_[static_cast<std::size_t>(i)] != nullptr && (refusal.image == i || refusal.image == allImages))
+                spoil(refusal, headers_[static_cast<std::size_t>(i)]);
+    }
+
+    OrvStatus call() const { return operation_.call(headers_.data(), operation_.constants.front()); }
+    PointwiseCall images() const { return {images_, {}}; }
+    OrvImage &header(int image) { return *headers_[static_cast<std::size_t>(image)]; }
+
+private:
+    void spoil(const Refusal &refusal, OrvImage *&header)
+    {
+        switch (refusal.fault) {
+        case Fault::NullImage:
+            header = nullptr;
+            break;
+        case Fault::BadHeader:
+            header->align = 5;
+            break;
+        case Fault::Depth:
+            header->depth = refusal.depth;
+            if (refusal.depth == ORV_DEPTH_1U) {
+                header->nChannels = 1;
+                header->alphaChannel = header->alphaChannel != 0 ? 1 : 0;
+            }
+            break;
+        case Fault::OtherDepth:
+            header->depth = header->depth == ORV_DEPTH_8U ? ORV_DEPTH_8S : ORV_DEPTH_8U;
+            break;
+        case Fault::Origin:
+            header->origin = 1 - header->origin;
+            break;
+        case Fault::Order:
+            header->dataOrder = 1 - header->dataOrder;
+            break;
+        case Fault::Channels:
+            header->nChannels = 3;
+            header->alphaChannel = header->alphaChannel != 0 ? 3 : 0;
+            break;
+        case Fault::Alpha:
+            header->alphaChannel = header->nChannels;
+            break;
+        case Fault::Tiled:
+            header->tileInfo = &tile_;
+            header->imageData = nullptr;
+            break;
+        }
+    }
+
+    const Operation &operation_;
+    OrvTileInfo tile_ = {provideNoTile, 0, nullptr, 8, 8};
+    std::vector<std::shared_ptr<TestImage>> images_;
+    std::vector<OrvImage *> headers_;
+};
+
+bool isDepth1U(const Refusal &refusal)
+{
+    return refusal.fault == Fault::Depth && refusal.depth == ORV_DEPTH_1U;
+}
+
+// Of an image with one channel neither can be said: three channels, or an alpha channel that makes a difference.
+bool contradict(const Refusal &a, const Refusal &b)
+{
+    const auto needsChannels = [](const Refusal &refusal) {
+        return refusal.fault == Fault::Channels || refusal.fault == Fault::Alpha;
+    };
+    return (isDepth1U(a) && needsChannels(b)) || (isDepth1U(b) && needsChannels(a));
+}
+
+class Refusals : public testing::TestWithParam<Operation> {
+protected:
+    // The call is refused so, and nothing is written.
+    void expectRefused(Refused &call, const Refusal &refusal)
+    {
+        const Operation &operation = GetParam();
+        const PointwiseCall images = call.images();
+        const Snapshot before(images);
+        reports_.clear();
+        EXPECT_EQ(call.call(), refusal.status);
+        EXPECT_EQ(orvGetErrStatus(), refusal.status);
+        EXPECT_EQ(reports_.all(), reportsOf(operation, refusal.status, refusal.context, refusal.byWorker));
+        EXPECT_TRUE(before.unchanged());
+    }
+
+    Reports reports_;
+};
+
+TEST_P(Refusals, Each)
+{
+    for (const Refusal &refusal : GetParam().refusals) {
+        SCOPED_TRACE(testing::PrintToString(refusal.status) + " \"" + refusal.context + "\"");
+        Refused call(GetParam());
+        call.spoil(refusal);
+        expectRefused(call, refusal);
+    }
+}
+
+// Of two faults in one call the earlier check finds its own.
+TEST_P(Refusals, EarlierOneWins)
+{
+    const Operation &operation = GetParam();
+    const std::size_t count = operation.refusals.size();
+    for (std::size_t first = 0; first < count; ++first)
+        for (std::size_t second = first + 1; second < count; ++second) {
+            const Refusal &earlier = operation.refusals[first], &later = operation.refusals[second];
+            if (contradict(earlier, later))
+                continue;
+            SCOPED_TRACE("checks " + std::to_string(first) + " and " + std::to_string(second));
+            Refused call(operation);
+            call.spoil(later);
+            call.spoil(earlier);
+            const bool exempt = operation.orderFreeAtDepth1U && earlier.fault == Fault::Order && isDepth1U(later);
+            expectRefused(call, exempt ? later : earlier);
+        }
+}
+
+// What the handler answers is the result, but what is stored stays the status of the failure.
+TEST_P(Refusals, HandlerChangesTheResult)
+{
+    reports_.answer(77);
+    for (const Refusal &refusal : GetParam().refusals) {
+        Refused call(GetParam());
+        call.spoil(refusal);
+        reports_.clear();
+        const bool traced = refusal.byWorker && GetParam().traces; // then the stored status is the result
+        EXPECT_EQ(call.call(), traced ? refusal.status : 77) << refusal.context;
+        EXPECT_EQ(orvGetErrStatus(), refusal.status) << refusal.context;
+    }
+}
+
+// The tests of the headers come before all others, and take the mask in.
+TEST_P(Refusals, BadMask)
+{
+    const Operation &operation = GetParam();
+    for (int image = 0; image <= operation.sources; ++image) {
+        Refused call(operation);
+        OrvImage mask = call.header(image);
+        mask.depth = ORV_DEPTH_8U;
+        call.header(image).maskROI = &mask;
+        const bool byWorker = operation.traces; // such an operation leaves the headers to its worker
+        expectRefused(call, {Fault::BadHeader, image, ORV_STATUS_BAD_DEPTH + ORV_STATUS_MASK_BASE, "Incorrect Image", 0,
+                             byWorker});
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(All, Refusals, testing::ValuesIn(operations()), nameOf);
+
+class OnItself : public testing::TestWithParam<Operation> {};
+
+// The number of channels comes back, and comes before the test for tiles where copying alone is at work.
+TEST_P(OnItself, GivesTheChannelCount)
+{
+    const Operation &operation = GetParam();
+    const struct {
+        Channels channels;
+        OrvStatus result;
+    } rows[] = {{{1, 0, 0}, 1}, {{3, 0, 0}, 3}, {{3, 0, 2}, 1}, {{4, 0, 0}, 4},
+                {{4, 4, 0}, 3}, {{4, 4, 4}, 1}, {{5, 0, 0}, 5}};
+    Random random(12);
+    Reports reports;
+    for (const auto &[channels, result] : rows)
+        for (const bool masked : {false, true}) {
+            Form form = {.depth = operation.depths.back(), .channels = channels.count, .alpha = channels.alpha};
+            const auto image = std::make_shared<TestImage>(form, random);
+            setRandomRectangle(*image, Rectangles::None, channels.coi, random);
+            if (masked)
+                image->setMask(randomMask(8, 8, random));
+            const PointwiseCall call = {{image, image}, {}};
+            const Snapshot before(call);
+            EXPECT_EQ(call.run(operation), result) << *image;
+            EXPECT_TRUE(before.unchanged());
+        }
+    EXPECT_TRUE(reports.all().empty());
+    EXPECT_EQ(orvGetErrStatus(), ORV_STATUS_OK);
+}
+
+INSTANTIATE_TEST_SUITE_P(Some, OnItself, testing::ValuesIn(operationsWith(&Operation::nothingOnItself, true)), nameOf);
+
+TEST(CopyOnItself, ComesBeforeTheTestForTiles)
+{
+    Random random(13);
+    Reports reports;
+    TestImage image({.channels = 3}, random);
+    OrvTileInfo tile = {provideNoTile, 0, nullptr, 8, 8};
+    image.header.imageData = nullptr;
+    image.header.tileInfo = &tile;
+    EXPECT_EQ(orvCopy(&image.header, &image.header), 3);
+    EXPECT_EQ(orvAbs(&image.header, &image.header), ORV_STATUS_NOT_IMPLEMENTED);
+}
+
+// The fill of a float image gives back whatever status stands stored, though it was done.
+TEST(SetFP, GivesTheStoredStatus)
+{
+    const struct {
+        OrvStatus stored;
+        bool traced;
+    } rows[] = {{ORV_STATUS_OK, false}, {ORV_STATUS_BAD_COI, true}, {ORV_STATUS_BACKTRACE, true}, {5, false}};
+    const std::vector<Report> trace = {{ORV_STATUS_BACKTRACE, "orvSetFP", "", "orvsce"}};
+    Random random(14);
+    for (const bool answering : {false, true})
+        for (const auto &[stored, traced] : rows) {
+            TestImage image({.depth = ORV_DEPTH_32F}, random);
+            Reports reports;
+            if (answering)
+                reports.answer(77);
+            orvSetErrStatus(stored);
+            EXPECT_EQ(orvSetFP(&image.header, 1.5f), stored);
+            EXPECT_EQ(orvGetErrStatus(), stored);
+            EXPECT_EQ(reports.all(), traced ? trace : std::vector<Report>()) << stored;
+            EXPECT_EQ(image.get(7, 7, 0).real(), 1.5);
+            EXPECT_EQ(image.header.depth, ORV_DEPTH_32F);
+        }
+}
+
+// A failure of another call, still stored, is no failure of these.
+TEST(Success, LeavesTheStoredStatus)
+{
+    Random random(15);
+    Reports reports;
+    TestImage source({.depth = ORV_DEPTH_16S}, random), destination({.depth = ORV_DEPTH_16S}, random);
+    orvSetErrStatus(ORV_STATUS_BAD_COI);
+    EXPECT_EQ(orvCopy(&source.header, &destination.header), ORV_STATUS_OK);
+    EXPECT_EQ(orvAbs(&source.header, &destination.header), ORV_STATUS_OK);
+    EXPECT_EQ(orvSet(&destination.header, 3), ORV_STATUS_OK);
+    EXPECT_EQ(orvGetErrStatus(), ORV_STATUS_BAD_COI);
+    EXPECT_TRUE(reports.all().empty());
+}
+
+} // namespace
+} // namespace front

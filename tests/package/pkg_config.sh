@@ -1,0 +1,27 @@
+# Builds an application against the installed tree by pkg-config, with the shared library and with the archive, and runs it.
+#   pkg_config.sh PKG-CONFIG PREFIX READELF BUILD-FOLDER PROGRAM COMPILER FLAG...
+set -euo pipefail
+pkg_config=$1 prefix=$2 readelf=$3 build=$4 program=$5 compiler=$6
+shift 6
+
+rm -rf "$build"
+mkdir -p "$build"
+PKG_CONFIG_PATH=$(dirname "$(find "$prefix" -name orv.pc)")
+export PKG_CONFIG_PATH
+"$pkg_config" --print-errors --exists 'orv >= 1.0'
+read -ra cflags <<<"$("$pkg_config" --cflags orv)"
+read -ra libraries <<<"$("$pkg_config" --libs orv)"
+read -ra static_libraries <<<"$("$pkg_config" --static --libs orv)"
+libdir=$("$pkg_config" --variable=libdir orv)
+
+"$compiler" "$@" "${cflags[@]}" "$program" -o "$build/with_shared" "${libraries[@]}"
+# The archive by its file name: the linker prefers the shared library of that name beside it.
+"$compiler" "$@" "${cflags[@]}" "$program" -o "$build/with_static" "${static_libraries[@]/#-lorv/-l:liborv.a}"
+
+LD_LIBRARY_PATH=$libdir "$build/with_shared"
+"$build/with_static"
+"$readelf" -d "$build/with_shared" | grep 'NEEDED.*\[liborv\.so\.[0-9]*\]'
+if "$readelf" -d "$build/with_static" | grep 'NEEDED.*liborv'; then
+    echo "the archive's application needs the shared library"
+    exit 1
+fi
