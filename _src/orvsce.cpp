@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "frame/checks.h"
+#include "frame/fill.h"
 #include "frame/pointwise.h"
 #include "frame/report.h"
 
@@ -37,28 +37,6 @@ struct CopyBesideAlpha {
     void operator()(Layout, const Raster *sources, Raster out, Size size) const
     {
         copy(sources->data, sources->step, out.data, out.step, size.width, size.height);
-    }
-};
-
-struct FillSamples {
-    const ChannelKernels &kernels;
-    std::int32_t value;
-
-    void operator()(Layout layout, const Raster *, Raster out, Size size) const
-    {
-        if (layout == Layout::C1) {
-            kernels.fillC1(value, out.data, out.step, size.width, size.height);
-            return;
-        }
-        const std::uint32_t bits = static_cast<std::uint32_t>(value);
-        const std::uint32_t word = &kernels == &channelKernels(1)   ? (bits & 0xFF) * 0x01010101u
-                                   : &kernels == &channelKernels(2) ? (bits & 0xFFFF) * 0x00010001u
-                                                                    : bits;
-        const std::uint32_t values[4] = {word, word, word, word};
-        const Kernel<FillPixelsKernel> &fill = layout == Layout::C3   ? kernels.fillC3
-                                               : layout == Layout::C4 ? kernels.fillC4
-                                                                      : kernels.fillAC4;
-        fill(values, out.data, out.step, size.width, size.height);
     }
 };
 
@@ -103,10 +81,10 @@ OrvStatus orvCopy(const OrvImage *srcImage, OrvImage *dstImage)
     const ChannelKernels &kernels = channelKernels(sampleBytes(dstImage->depth));
     const bool pixels = dstImage->dataOrder == ORV_DATA_ORDER_PIXEL;
     if (pixels && channels == 3 && srcImage->nChannels < dstImage->nChannels)
-        ORV_RETURN_LOOP(pointwise(CopyBesideAlpha{kernels.copyC3AC4}, dstImage, srcImage));
+        ORV_RETURN_RUN(pointwise(CopyBesideAlpha{kernels.copyC3AC4}, dstImage, srcImage));
     if (pixels && channels == 3 && srcImage->nChannels > dstImage->nChannels)
-        ORV_RETURN_LOOP(pointwise(CopyBesideAlpha{kernels.copyAC4C3}, dstImage, srcImage));
-    ORV_RETURN_LOOP(pointwise(CopySamples{kernels}, dstImage, srcImage));
+        ORV_RETURN_RUN(pointwise(CopyBesideAlpha{kernels.copyAC4C3}, dstImage, srcImage));
+    ORV_RETURN_RUN(pointwise(CopySamples{kernels}, dstImage, srcImage));
 }
 
 OrvStatus orvSet(OrvImage *dstImage, std::int32_t fillValue)
@@ -115,7 +93,7 @@ OrvStatus orvSet(OrvImage *dstImage, std::int32_t fillValue)
     ORV_REFUSE_IF(dstImage->depth == ORV_DEPTH_32F, ORV_STATUS_BAD_DEPTH, "You should use orvSetFP for this image");
     ORV_REFUSE_IF(anyTiled(dstImage), ORV_STATUS_NOT_IMPLEMENTED, "");
     const ChannelKernels &kernels = channelKernels(sampleBytes(dstImage->depth));
-    ORV_RETURN_LOOP(pointwise(FillSamples{kernels, clampedToDepth(dstImage->depth, fillValue)}, dstImage));
+    ORV_RETURN_RUN(pointwise(FillSamples{kernels, clampedToDepth(dstImage->depth, fillValue)}, dstImage));
 }
 
 OrvStatus orvSetFP(OrvImage *dstImage, float fillValue)

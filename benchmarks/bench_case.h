@@ -26,6 +26,7 @@ struct Case {
 };
 
 std::vector<Case> copyingCases();
+std::vector<Case> arithmeticCases();
 std::vector<Case> kernelCases();
 
 } // namespace bench

@@ -35,16 +35,32 @@ set(ORV_KERNEL_SOURCES
 set(ORV_FRONT_SOURCES
   _src/frame/area.cpp
   _src/frame/channel_kernels.cpp
+  _src/frame/checks.cpp
   _src/frame/header_check.cpp
   _src/frame/pointwise.cpp
   _src/orvClone.cpp
   _src/orvGetPx.cpp
   _src/orvPutPx.cpp
   _src/orvabs.cpp
+  _src/orvadd.cpp
+  _src/orvadds.cpp
+  _src/orvaddsf.cpp
   _src/orvalloc.cpp
+  _src/orvalpha.cpp
+  _src/orvand.cpp
   _src/orvborde.cpp
   _src/orvgenim.cpp
-  _src/orvsce.cpp)
+  _src/orvlshs.cpp
+  _src/orvmul.cpp
+  _src/orvmuls.cpp
+  _src/orvor.cpp
+  _src/orvrshs.cpp
+  _src/orvsce.cpp
+  _src/orvsqr.cpp
+  _src/orvsub.cpp
+  _src/orvsubs.cpp
+  _src/orvsubsf.cpp
+  _src/orvxor.cpp)
 
 # orv_room(name SOURCES ... INCLUDES ...): the objects of one room, position-independent and hidden.
 function(orv_room name)

@@ -29,7 +29,9 @@
  * all; the images of a call must agree in that number, not in `nChannels`. With four channels, a non-zero
  * `alphaChannel` of the destination and no `coi`, three channels are processed and the alpha samples of the destination
  * stay. A pixel is written when the bytes of all masks of the call, combined by bitwise AND, are not zero together. In
- * pixel order the channel counts served are 1, 3 and 4; a call with another count writes nothing and succeeds.
+ * pixel order the channel counts served are 1, 3 and 4; a call with another count writes nothing and succeeds. Rectangles
+ * that have nothing in common are no failure, save that a call with a mask, and a call on one channel of several in pixel
+ * order when no row is in common, ends as one without memory does (-4).
  *
  * **In place.** Source and destination may be the same raster where the function says so. Rasters that overlap at
  * different positions are safe, but the result is unspecified.
@@ -294,7 +296,7 @@ typedef struct OrvImage {
  * channels (-15), more than one at depth 1U (-16); depth (-17); alpha channel (-18); data order (-19); origin (-20);
  * alignment (-21); the mask: its depth (-117), tiles (-26), then all these tests on the mask itself, whose status comes
  * back minus 100; the tile record (-22, -23); the rectangle: channel (-24), size (-25), offset (-11). The rectangle is not
- * compared with the size of the image. A chain of masks that returns to itself is followed once.
+ * compared with the size of the image. A chain of masks that returns to itself is followed once, and none beyond a hundred.
  * @param image  the header, or null
  * @return       0, or the status, which is then stored too; never reported
  */
@@ -362,7 +364,8 @@ ORV_API void orvAllocateImageFP(OrvImage *image, int32_t doFill, float fillValue
  *  @param image the header; null does nothing */
 ORV_API void orvDeallocateImage(OrvImage *image);
 
-/** Releases what the flags name, in the order rectangle, mask, tile record, raster, header.
+/** Releases what the flags name, in the order rectangle, mask, tile record, raster, header, and sets the fields to null.
+ *  Header, rectangle, mask and tile record must come from the library; a raster that does not is left alone.
  *  @param image the header; null does nothing @param flags a sum of `ORV_IMAGE_...` values */
 ORV_API void orvDeallocate(OrvImage *image, int32_t flags);
 
@@ -448,7 +451,7 @@ ORV_API OrvStatus orvPutPixel(OrvImage *image, int32_t x, int32_t y, const void 
  *
  * Statuses: the header's with "Incorrect Image"; -5 for different depth, origin or (unless the depth is 1U or both images
  * have one channel) data order; -15 for different numbers of channels to process; -50 for a tiled image; -4 for exhausted
- * memory or, with a mask, an empty rectangle.
+ * memory, and for the empty rectangles named above.
  * @param srcImage  source
  * @param dstImage  destination
  * @return  0 or the reported status; if both are the same header, the positive number of channels to process
@@ -458,8 +461,8 @@ ORV_API OrvStatus orvCopy(const OrvImage *srcImage, OrvImage *dstImage);
 /**
  * Fills an integer image: dst(x, y) = fillValue, clamped to the range of the depth; at depth 1U a non-zero value becomes 255.
  *
- * Statuses: the header's with "Incorrect Image"; -17 for depth 32F; -50 for a tiled image; -4 for exhausted memory or, with
- * a mask, an empty rectangle.
+ * Statuses: the header's with "Incorrect Image"; -17 for depth 32F; -50 for a tiled image; -4 for exhausted memory, and for
+ * the empty rectangles named above.
  * @param dstImage   destination
  * @param fillValue  the value
  * @return  0 or the reported status
@@ -469,7 +472,7 @@ ORV_API OrvStatus orvSet(OrvImage *dstImage, int32_t fillValue);
 /**
  * Fills a float image: dst(x, y) = fillValue. The header's `depth` is changed during the call. The result is the stored
  * status (orvGetErrStatus()) after the fill, which success does not clear: a failure of an earlier call that still stands
- * there is traced with -1 and comes back, although the fill was done.
+ * there is traced with -1 and comes back, although the fill was done (and in #ORV_ErrorModeLeaf ends the process).
  *
  * Statuses: -5 for a null image; -17 for another depth; those of orvSet(), reported under its name.
  * @param dstImage   destination
@@ -483,12 +486,119 @@ ORV_API OrvStatus orvSetFP(OrvImage *dstImage, float fillValue);
  * orvCopy(), its refusals and result included. Both data orders, in place or not.
  *
  * Statuses: the header's with "Incorrect Image"; -5 for different depth or data order; -15 for different numbers of channels
- * to process; -50 for a tiled image or depth 1U; -4 for exhausted memory or, with a mask, an empty rectangle.
+ * to process; -50 for a tiled image or depth 1U; -4 for exhausted memory, and for the empty rectangles named above.
  * @param srcImage  source
  * @param dstImage  destination
  * @return  0 or the reported status
  */
 ORV_API OrvStatus orvAbs(const OrvImage *srcImage, OrvImage *dstImage);
+/** @} */
+
+/** @defgroup arithmetic Arithmetic
+ *  Sample by sample, for each channel to process. Integer results saturate to the range of the depth; floats do not and
+ *  follow the processor's arithmetic. Pixel and plane order, 1, 3 and 4 channels, rectangles, channels of interest and masks;
+ *  in place or not.
+ *
+ *  Statuses of the functions of two images: the header's with "Incorrect Image"; -5 for different depth or data order; -15
+ *  for different numbers of channels to process; -50 for a tiled image or a depth that is not served; -4 for exhausted memory,
+ *  and for the empty rectangles named above. Those of an image and a constant: the same, and -5 for the depth that the function's
+ *  partner serves (32F for the integer functions, any other for the `FP` ones).
+ *  @{ */
+
+/** dst(x, y) = A(x, y) + B(x, y). Depths 8U, 16S, 32S, 32F.
+ *  @param srcImageA first source @param srcImageB second source @param dstImage destination
+ *  @return 0 or the reported status */
+ORV_API OrvStatus orvAdd(const OrvImage *srcImageA, const OrvImage *srcImageB, OrvImage *dstImage);
+/** dst(x, y) = A(x, y) - B(x, y). Depths 8U, 16S, 32S, 32F.
+ *  @param srcImageA minuend @param srcImageB subtrahend @param dstImage destination
+ *  @return 0 or the reported status */
+ORV_API OrvStatus orvSubtract(const OrvImage *srcImageA, const OrvImage *srcImageB, OrvImage *dstImage);
+/** dst(x, y) = A(x, y) B(x, y), not rescaled. Depths 8U, 16S, 32S, 32F.
+ *  @param srcImageA first source @param srcImageB second source @param dstImage destination
+ *  @return 0 or the reported status */
+ORV_API OrvStatus orvMultiply(const OrvImage *srcImageA, const OrvImage *srcImageB, OrvImage *dstImage);
+/** dst(x, y) = src(x, y)^2. Depths 8U, 8S, 16U, 16S, 32F. Different alpha channels are refused with -5 too.
+ *  @param src source @param dst destination
+ *  @return 0 or the reported status */
+ORV_API OrvStatus orvSquare(const OrvImage *src, OrvImage *dst);
+
+/** dst(x, y) = src(x, y) + value. Depths 8U, 8S, 16U, 16S, 32S. At 16S a value beyond 16 bits is added in two steps that
+ *  saturate each: the clamped value, then what is left of it; exact for values of -65536 to 65535, beyond them the low 16 bits
+ *  of the rest are added.
+ *  @param srcImage source @param dstImage destination @param value the constant
+ *  @return 0 or the reported status */
+ORV_API OrvStatus orvAddS(const OrvImage *srcImage, OrvImage *dstImage, int32_t value);
+/** dst(x, y) = src(x, y) + value. Depth 32F. @param srcImage source @param dstImage destination @param value the constant
+ *  @return 0 or the reported status */
+ORV_API OrvStatus orvAddSFP(const OrvImage *srcImage, OrvImage *dstImage, float value);
+/** dst(x, y) = src(x, y) - value, or value - src(x, y). Depths 8U, 8S, 16U, 16S, 32S. At 16S in the steps of orvAddS(), with
+ *  `flip` after a negation that saturates (so that a source of -32768 counts as -32767).
+ *  @param srcImage source @param dstImage destination @param value the constant @param flip non-zero for value - src
+ *  @return 0 or the reported status */
+ORV_API OrvStatus orvSubtractS(const OrvImage *srcImage, OrvImage *dstImage, int32_t value, int32_t flip);
+/** dst(x, y) = src(x, y) - value, or value - src(x, y). Depth 32F.
+ *  @param srcImage source @param dstImage destination @param value the constant @param flip non-zero for value - src
+ *  @return 0 or the reported status */
+ORV_API OrvStatus orvSubtractSFP(const OrvImage *srcImage, OrvImage *dstImage, float value, int32_t flip);
+/** dst(x, y) = src(x, y) value. Depths 8U (the value clamped to 0 to 255), 16S (clamped to 16 bits), 32S.
+ *  @param srcImage source @param dstImage destination @param value the constant
+ *  @return 0 or the reported status */
+ORV_API OrvStatus orvMultiplyS(const OrvImage *srcImage, OrvImage *dstImage, int32_t value);
+/** dst(x, y) = src(x, y) value. Depth 32F. A null source is -5, and so are different numbers of channels to process.
+ *  @param srcImage source @param dstImage destination @param value the constant
+ *  @return 0 or the reported status */
+ORV_API OrvStatus orvMultiplySFP(const OrvImage *srcImage, OrvImage *dstImage, float value);
+
+/** Product of fractions: with full scale m (255 or 65535), dst(x, y) = A(x, y) B(x, y) / m, rounded: for the product t and
+ *  w bits a sample, (t + t / 2^w + 1) / 2^w in integers. Depths 8U, 16U; others are -5.
+ *  @param srcImageA first source @param srcImageB second source @param dstImage destination
+ *  @return 0 or the reported status */
+ORV_API OrvStatus orvMultiplyScale(const OrvImage *srcImageA, const OrvImage *srcImageB, OrvImage *dstImage);
+/** orvMultiplyScale() with a constant, which is clamped to the range of the depth. Depths 8U, 16U; others are -5.
+ *  @param srcImage source @param dstImage destination @param value the constant
+ *  @return 0 or the reported status */
+ORV_API OrvStatus orvMultiplySScale(const OrvImage *srcImage, OrvImage *dstImage, int32_t value);
+/** @} */
+
+/** @defgroup logic Logic and shifts
+ *  Bit by bit, on the integer depths 8U, 8S, 16U, 16S, 32S; all sources and the destination of one depth. Pixel and plane
+ *  order, 1, 3 and 4 channels, rectangles, channels of interest and masks; in place or not. A constant is cut to the width of
+ *  the sample.
+ *
+ *  Statuses: the header's with "Incorrect Image"; -5 for different depth or data order, or depth 32F; -15 for different
+ *  numbers of channels to process; -50 for a tiled image or depth 1U; -4 for exhausted memory, and for the empty
+ *  rectangles named above. The shifts refuse a null source and different alpha channels with -5 too.
+ *  @{ */
+
+/** dst = A and B. @param srcImageA first source @param srcImageB second source @param dstImage destination
+ *  @return 0 or the reported status */
+ORV_API OrvStatus orvAnd(const OrvImage *srcImageA, const OrvImage *srcImageB, OrvImage *dstImage);
+/** dst = src and value. @param srcImage source @param dstImage destination @param value the constant
+ *  @return 0 or the reported status */
+ORV_API OrvStatus orvAndS(const OrvImage *srcImage, OrvImage *dstImage, int32_t value);
+/** dst = A or B. @param srcImageA first source @param srcImageB second source @param dstImage destination
+ *  @return 0 or the reported status */
+ORV_API OrvStatus orvOr(const OrvImage *srcImageA, const OrvImage *srcImageB, OrvImage *dstImage);
+/** dst = src or value. @param srcImage source @param dstImage destination @param value the constant
+ *  @return 0 or the reported status */
+ORV_API OrvStatus orvOrS(const OrvImage *srcImage, OrvImage *dstImage, int32_t value);
+/** dst = A xor B. @param srcImageA first source @param srcImageB second source @param dstImage destination
+ *  @return 0 or the reported status */
+ORV_API OrvStatus orvXor(const OrvImage *srcImageA, const OrvImage *srcImageB, OrvImage *dstImage);
+/** dst = src xor value. @param srcImage source @param dstImage destination @param value the constant
+ *  @return 0 or the reported status */
+ORV_API OrvStatus orvXorS(const OrvImage *srcImage, OrvImage *dstImage, int32_t value);
+/** dst = not src: orvXorS() with -1, under whose name failures are reported. @param srcImage source
+ *  @param dstImage destination @return 0 or the reported status */
+ORV_API OrvStatus orvNot(const OrvImage *srcImage, OrvImage *dstImage);
+
+/** dst = src shifted to the left; bits shifted out are lost. A count of the sample's width or more gives 0.
+ *  @param src source @param dst destination @param nShift bits @return 0 or the reported status */
+ORV_API OrvStatus orvLShiftS(const OrvImage *src, OrvImage *dst, unsigned int nShift);
+/** dst = src shifted to the right; signed samples keep their sign, and round towards minus infinity. A count of the sample's
+ *  width or more gives 0, or -1 for a negative sample.
+ *  @param src source @param dst destination @param nShift bits @return 0 or the reported status */
+ORV_API OrvStatus orvRShiftS(const OrvImage *src, OrvImage *dst, unsigned int nShift);
 /** @} */
 
 /** @defgroup processor Choice of the processor's build

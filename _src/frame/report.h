@@ -2,6 +2,7 @@
 // defines `unitName`, the name that its reports carry; the function is the exported one in which the line stands.
 #pragma once
 
+#include "checks.h"
 #include "orv.h"
 
 #define ORV_REPORT(status, context) orvError(status, __func__, context, unitName, __LINE__)
@@ -18,6 +19,14 @@
             return ORV_REPORT(status, context);   \
     } while (false)
 
+// A whole list of checks.
+#define ORV_REFUSE(checks)                                      \
+    do {                                                        \
+        const orv::Refusal refusal = (checks);                  \
+        if (refusal.status != ORV_STATUS_OK)                    \
+            return ORV_REPORT(refusal.status, refusal.context); \
+    } while (false)
+
 // The same for functions whose result is no status: `result` is what they return, or nothing.
 #define ORV_REFUSE_AS(result, condition, status, context) \
     do {                                                  \
@@ -27,9 +36,11 @@
         }                                                 \
     } while (false)
 
-// The result of a loop of the frame, which is 0 or exhausted memory, as the result of the call.
-#define ORV_RETURN_LOOP(loop)                                                                                       \
-    do {                                                                                                            \
-        const OrvStatus loopStatus = (loop);                                                                        \
-        return loopStatus == ORV_STATUS_OK ? ORV_STATUS_OK : ORV_REPORT(ORV_STATUS_NO_MEMORY, "Not enough memory"); \
+// The result of a run of the frame as the result of the call: 0, exhausted memory, or a depth that is not served.
+#define ORV_RETURN_RUN(run)                                                                         \
+    do {                                                                                            \
+        const OrvStatus runStatus = (run);                                                          \
+        if (runStatus == ORV_STATUS_OK)                                                             \
+            return ORV_STATUS_OK;                                                                   \
+        return ORV_REPORT(runStatus, runStatus == ORV_STATUS_NO_MEMORY ? "Not enough memory" : ""); \
     } while (false)

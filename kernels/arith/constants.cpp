@@ -50,18 +50,18 @@ KrnStatus integerRow(const void *source, std::int32_t value, void *destination, 
 } // namespace
 
 // One channel takes the constant itself, cut to the sample.
-#define ORV_CONSTANT(stem, Sample, Operator)                                                                           \
-    KrnStatus stem##C1(const void *source, std::int32_t sourceStep, std::int32_t value, void *destination,             \
-                       std::int32_t step, std::int32_t width, std::int32_t height, std::int32_t scale)                 \
-    {                                                                                                                  \
-        const Sample cut = static_cast<Sample>(value);                                                                 \
-        return integerConstants<Sample, C1, Operator>(&cut, Given{source, sourceStep}, Given{destination, step},       \
-                                                      width, height, scale);                                           \
-    }                                                                                                                  \
-    KrnStatus stem##C1I(std::int32_t value, void *image, std::int32_t step, std::int32_t width, std::int32_t height,   \
-                        std::int32_t scale)                                                                            \
-    {                                                                                                                  \
-        return stem##C1(image, step, value, image, step, width, height, scale);                                        \
+#define ORV_CONSTANT(stem, Sample, Operator)                                                                         \
+    KrnStatus stem##C1(const void *source, std::int32_t sourceStep, std::int32_t value, void *destination,           \
+                       std::int32_t step, std::int32_t width, std::int32_t height, std::int32_t scale)               \
+    {                                                                                                                \
+        const Sample cut = static_cast<Sample>(value);                                                               \
+        return integerConstants<Sample, C1, Operator>(&cut, Given{source, sourceStep}, Given{destination, step},     \
+                                                      width, height, scale);                                         \
+    }                                                                                                                \
+    KrnStatus stem##C1I(std::int32_t value, void *image, std::int32_t step, std::int32_t width, std::int32_t height, \
+                        std::int32_t scale)                                                                          \
+    {                                                                                                                \
+        return stem##C1(image, step, value, image, step, width, height, scale);                                      \
     }
 
 #define ORV_CONSTANTS(stem, layout, Sample, Operator)                                                                  \
@@ -77,23 +77,23 @@ KrnStatus integerRow(const void *source, std::int32_t value, void *destination, 
         return stem##layout(image, step, values, image, step, width, height, scale);                                   \
     }
 
-#define ORV_INTEGERS(stem, Sample, Operator)                                                                           \
-    ORV_CONSTANT(stem, Sample, Operator)                                                                               \
-    ORV_CONSTANTS(stem, C3, Sample, Operator)                                                                          \
-    ORV_CONSTANTS(stem, C4, Sample, Operator)                                                                          \
+#define ORV_INTEGERS(stem, Sample, Operator)  \
+    ORV_CONSTANT(stem, Sample, Operator)      \
+    ORV_CONSTANTS(stem, C3, Sample, Operator) \
+    ORV_CONSTANTS(stem, C4, Sample, Operator) \
     ORV_CONSTANTS(stem, AC4, Sample, Operator)
 
-#define ORV_FLOAT_CONSTANTS(stem, layout, Operator)                                                                    \
-    KrnStatus stem##layout(const void *source, std::int32_t sourceStep, const void *values, void *destination,         \
-                           std::int32_t step, std::int32_t width, std::int32_t height)                                 \
-    {                                                                                                                  \
-        return floatConstants<layout, Operator>(values, Given{source, sourceStep}, Given{destination, step}, width,    \
-                                                height);                                                               \
-    }                                                                                                                  \
-    KrnStatus stem##layout##I(const void *values, void *image, std::int32_t step, std::int32_t width,                  \
-                              std::int32_t height)                                                                     \
-    {                                                                                                                  \
-        return stem##layout(image, step, values, image, step, width, height);                                          \
+#define ORV_FLOAT_CONSTANTS(stem, layout, Operator)                                                                 \
+    KrnStatus stem##layout(const void *source, std::int32_t sourceStep, const void *values, void *destination,      \
+                           std::int32_t step, std::int32_t width, std::int32_t height)                              \
+    {                                                                                                               \
+        return floatConstants<layout, Operator>(values, Given{source, sourceStep}, Given{destination, step}, width, \
+                                                height);                                                            \
+    }                                                                                                               \
+    KrnStatus stem##layout##I(const void *values, void *image, std::int32_t step, std::int32_t width,               \
+                              std::int32_t height)                                                                  \
+    {                                                                                                               \
+        return stem##layout(image, step, values, image, step, width, height);                                       \
     }
 
 #define ORV_FLOATS(stem, Operator)                                                                                     \
@@ -123,6 +123,7 @@ KrnStatus integerRow(const void *source, std::int32_t value, void *destination, 
 
 ORV_INTEGERS(krnAddC8u, std::uint8_t, Sum<std::uint8_t>)
 ORV_INTEGERS(krnSubC8u, std::uint8_t, Difference<std::uint8_t>)
+ORV_INTEGERS(krnSubRevC8u, std::uint8_t, Exchanged<Difference<std::uint8_t>>)
 ORV_INTEGERS(krnMulC8u, std::uint8_t, Product<std::uint8_t>)
 ORV_INTEGERS(krnAddC16s, std::int16_t, Sum<std::int16_t>)
 ORV_INTEGERS(krnSubC16s, std::int16_t, Difference<std::int16_t>)

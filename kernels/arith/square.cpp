@@ -35,9 +35,10 @@ struct FloatSquare {
 };
 
 #if ORV_SSE_LEVEL >= 2
-template <class Sample>
-inline auto vectorOf(Square<Sample>, Vector<Sample> a)
-    requires requires { vectorOf(Product<Sample>(), a, a); }
+template <class Sample> inline auto vectorOf(Square<Sample>, Vector<Sample> a) requires requires
+{
+    vectorOf(Product<Sample>(), a, a);
+}
 {
     return vectorOf(Product<Sample>(), a, a);
 }
@@ -56,20 +57,20 @@ inline auto vectorOf(Square<std::uint16_t>, Vector<std::uint16_t> a)
                    std::int32_t width, std::int32_t height, std::int32_t scale)                                        \
     {                                                                                                                  \
         return withScale<Sample>(scale, [=](auto wrap) {                                                               \
-            return compute<Sample, layout>(width, height, wrap(Square<Sample>()),                                      \
-                                           Given{destination, destinationStep}, Given{source, sourceStep});            \
+            return compute<Sample, layout>(width, height, wrap(Square<Sample>()), Given{destination, destinationStep}, \
+                                           Given{source, sourceStep});                                                 \
         });                                                                                                            \
     }
 
-#define ORV_SQUARE_LAYOUT(layout)                                                                                      \
-    ORV_SQUARE(krnSqr8u##layout, std::uint8_t, layout)                                                                 \
-    ORV_SQUARE(krnSqr16u##layout, std::uint16_t, layout)                                                               \
-    ORV_SQUARE(krnSqr16s##layout, std::int16_t, layout)                                                                \
-    KrnStatus krnSqr32f##layout(const void *source, std::int32_t sourceStep, void *destination,                        \
-                                std::int32_t destinationStep, std::int32_t width, std::int32_t height)                 \
-    {                                                                                                                  \
-        return compute<float, layout>(width, height, FloatSquare(), Given{destination, destinationStep},               \
-                                      Given{source, sourceStep});                                                      \
+#define ORV_SQUARE_LAYOUT(layout)                                                                        \
+    ORV_SQUARE(krnSqr8u##layout, std::uint8_t, layout)                                                   \
+    ORV_SQUARE(krnSqr16u##layout, std::uint16_t, layout)                                                 \
+    ORV_SQUARE(krnSqr16s##layout, std::int16_t, layout)                                                  \
+    KrnStatus krnSqr32f##layout(const void *source, std::int32_t sourceStep, void *destination,          \
+                                std::int32_t destinationStep, std::int32_t width, std::int32_t height)   \
+    {                                                                                                    \
+        return compute<float, layout>(width, height, FloatSquare(), Given{destination, destinationStep}, \
+                                      Given{source, sourceStep});                                        \
     }
 
 ORV_SQUARE_LAYOUT(C1)

@@ -30,16 +30,16 @@ struct Narrow {
 
 } // namespace
 
-#define ORV_WIDEN(name, Out, In, layout, Operator)                                                                     \
-    KrnStatus name(const void *source, std::int32_t sourceStep, void *destination, std::int32_t destinationStep,       \
-                   std::int32_t width, std::int32_t height)                                                            \
-    {                                                                                                                  \
-        return compute<Out, layout, In>(width, height, Operator(), Given{destination, destinationStep},                \
-                                        Given{source, sourceStep});                                                    \
+#define ORV_WIDEN(name, Out, In, layout, Operator)                                                               \
+    KrnStatus name(const void *source, std::int32_t sourceStep, void *destination, std::int32_t destinationStep, \
+                   std::int32_t width, std::int32_t height)                                                      \
+    {                                                                                                            \
+        return compute<Out, layout, In>(width, height, Operator(), Given{destination, destinationStep},          \
+                                        Given{source, sourceStep});                                              \
     }
 
-#define ORV_WIDEN_LAYOUT(layout)                                                                                       \
-    ORV_WIDEN(krnCvt8u16s##layout, std::int16_t, std::uint8_t, layout, Widen)                                          \
+#define ORV_WIDEN_LAYOUT(layout)                                              \
+    ORV_WIDEN(krnCvt8u16s##layout, std::int16_t, std::uint8_t, layout, Widen) \
     ORV_WIDEN(krnCvt16s8u##layout, std::uint8_t, std::int16_t, layout, Narrow)
 
 ORV_WIDEN_LAYOUT(C1)

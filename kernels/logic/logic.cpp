@@ -44,35 +44,35 @@ KrnStatus constants(const void *source, std::int32_t sourceStep, const void *val
 
 } // namespace
 
-#define ORV_IMAGES(name, Sample, layout, Operator)                                                                     \
-    KrnStatus name(const void *source1, std::int32_t step1, const void *source2, std::int32_t step2,                   \
-                   void *destination, std::int32_t step, std::int32_t width, std::int32_t height)                      \
-    {                                                                                                                  \
-        return compute<Sample, layout>(width, height, Operator(), Given{destination, step}, Given{source1, step1},     \
-                                       Given{source2, step2});                                                         \
+#define ORV_IMAGES(name, Sample, layout, Operator)                                                                 \
+    KrnStatus name(const void *source1, std::int32_t step1, const void *source2, std::int32_t step2,               \
+                   void *destination, std::int32_t step, std::int32_t width, std::int32_t height)                  \
+    {                                                                                                              \
+        return compute<Sample, layout>(width, height, Operator(), Given{destination, step}, Given{source1, step1}, \
+                                       Given{source2, step2});                                                     \
     }
 
-#define ORV_CONSTANTS(name, Sample, layout, Operator)                                                                  \
-    KrnStatus name(const void *source, std::int32_t sourceStep, const void *values, void *destination,                 \
-                   std::int32_t step, std::int32_t width, std::int32_t height)                                         \
-    {                                                                                                                  \
-        return constants<Sample, layout, Operator>(source, sourceStep, values, destination, step, width, height);      \
+#define ORV_CONSTANTS(name, Sample, layout, Operator)                                                             \
+    KrnStatus name(const void *source, std::int32_t sourceStep, const void *values, void *destination,            \
+                   std::int32_t step, std::int32_t width, std::int32_t height)                                    \
+    {                                                                                                             \
+        return constants<Sample, layout, Operator>(source, sourceStep, values, destination, step, width, height); \
     }
 
-#define ORV_LOGIC(Operator, samples, Sample)                                                                           \
-    ORV_IMAGES(krn##Operator##samples##C1, Sample, C1, Operator)                                                       \
-    ORV_IMAGES(krn##Operator##samples##C3, Sample, C3, Operator)                                                       \
-    ORV_IMAGES(krn##Operator##samples##C4, Sample, C4, Operator)                                                       \
-    ORV_IMAGES(krn##Operator##samples##AC4, Sample, AC4, Operator)                                                     \
-    KrnStatus krn##Operator##C##samples##C1(const void *source, std::int32_t sourceStep, std::int32_t value,           \
-                                            void *destination, std::int32_t step, std::int32_t width,                  \
-                                            std::int32_t height)                                                       \
-    {                                                                                                                  \
-        const Sample cut = static_cast<Sample>(value);                                                                 \
-        return constants<Sample, C1, Operator>(source, sourceStep, &cut, destination, step, width, height);            \
-    }                                                                                                                  \
-    ORV_CONSTANTS(krn##Operator##C##samples##C3, Sample, C3, Operator)                                                 \
-    ORV_CONSTANTS(krn##Operator##C##samples##C4, Sample, C4, Operator)                                                 \
+#define ORV_LOGIC(Operator, samples, Sample)                                                                 \
+    ORV_IMAGES(krn##Operator##samples##C1, Sample, C1, Operator)                                             \
+    ORV_IMAGES(krn##Operator##samples##C3, Sample, C3, Operator)                                             \
+    ORV_IMAGES(krn##Operator##samples##C4, Sample, C4, Operator)                                             \
+    ORV_IMAGES(krn##Operator##samples##AC4, Sample, AC4, Operator)                                           \
+    KrnStatus krn##Operator##C##samples##C1(const void *source, std::int32_t sourceStep, std::int32_t value, \
+                                            void *destination, std::int32_t step, std::int32_t width,        \
+                                            std::int32_t height)                                             \
+    {                                                                                                        \
+        const Sample cut = static_cast<Sample>(value);                                                       \
+        return constants<Sample, C1, Operator>(source, sourceStep, &cut, destination, step, width, height);  \
+    }                                                                                                        \
+    ORV_CONSTANTS(krn##Operator##C##samples##C3, Sample, C3, Operator)                                       \
+    ORV_CONSTANTS(krn##Operator##C##samples##C4, Sample, C4, Operator)                                       \
     ORV_CONSTANTS(krn##Operator##C##samples##AC4, Sample, AC4, Operator)
 
 ORV_LOGIC(And, 8u, std::uint8_t)

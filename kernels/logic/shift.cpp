@@ -44,12 +44,35 @@ template <class Sample> struct ShiftRight {
     }
 };
 
+// Bytes by a product of words, since vectors have no shift of bytes.
+template <> inline std::uint8_t ShiftLeft<std::uint8_t>::operator()(std::uint8_t value) const
+{
+    const std::uint16_t factor = static_cast<std::uint16_t>(count < 8 ? 1 << count : 0);
+    return static_cast<std::uint8_t>(static_cast<std::uint16_t>(value * factor));
+}
+template <> inline std::uint8_t ShiftRight<std::uint8_t>::operator()(std::uint8_t value) const
+{
+    const std::uint16_t factor = static_cast<std::uint16_t>(count < 8 ? 256 >> count : 0);
+    return static_cast<std::uint8_t>(static_cast<std::uint16_t>(value * factor) >> 8);
+}
+template <> inline std::int8_t ShiftRight<std::int8_t>::operator()(std::int8_t value) const
+{
+    const std::int16_t factor = static_cast<std::int16_t>(count < 7 ? 256 >> count : 2);
+    return static_cast<std::int8_t>(static_cast<std::int16_t>(value * factor) >> 8);
+}
+
 #if ORV_SSE_LEVEL >= 2
 
-// The instructions shift words at the least: bytes are shifted as words, and rid of the bits of their neighbour. Their counts
-// saturate as the operators' do.
-inline __m128i shiftCount(std::uint32_t count) { return _mm_cvtsi32_si128(static_cast<int>(count < 64 ? count : 64)); }
-inline __m128i everyByte(unsigned byte) { return _mm_set1_epi8(static_cast<char>(byte)); }
+// The instructions shift words at the least: bytes are shifted as words, and rid of the bits of their neighbour. Their
+// counts saturate as the operators' do.
+inline __m128i shiftCount(std::uint32_t count)
+{
+    return _mm_cvtsi32_si128(static_cast<int>(count < 64 ? count : 64));
+}
+inline __m128i everyByte(unsigned byte)
+{
+    return _mm_set1_epi8(static_cast<char>(byte));
+}
 
 inline auto vectorOf(ShiftLeft<std::uint8_t> shift, Vector<std::uint8_t> a)
 {
@@ -105,21 +128,21 @@ KrnStatus shifts(const void *source, std::int32_t sourceStep, const void *counts
 
 } // namespace
 
-#define ORV_SHIFTS(stem, layout, Sample, Shift)                                                                        \
-    KrnStatus stem##layout(const void *source, std::int32_t sourceStep, const void *counts, void *destination,         \
-                           std::int32_t step, std::int32_t width, std::int32_t height)                                 \
-    {                                                                                                                  \
-        return shifts<Sample, layout, Shift>(source, sourceStep, counts, destination, step, width, height);            \
+#define ORV_SHIFTS(stem, layout, Sample, Shift)                                                                \
+    KrnStatus stem##layout(const void *source, std::int32_t sourceStep, const void *counts, void *destination, \
+                           std::int32_t step, std::int32_t width, std::int32_t height)                         \
+    {                                                                                                          \
+        return shifts<Sample, layout, Shift>(source, sourceStep, counts, destination, step, width, height);    \
     }
 
-#define ORV_SHIFT(stem, Sample, Shift)                                                                                 \
-    KrnStatus stem##C1(const void *source, std::int32_t sourceStep, std::int32_t count, void *destination,             \
-                       std::int32_t step, std::int32_t width, std::int32_t height)                                     \
-    {                                                                                                                  \
-        return shifts<Sample, C1, Shift>(source, sourceStep, &count, destination, step, width, height);                \
-    }                                                                                                                  \
-    ORV_SHIFTS(stem, C3, Sample, Shift)                                                                                \
-    ORV_SHIFTS(stem, C4, Sample, Shift)                                                                                \
+#define ORV_SHIFT(stem, Sample, Shift)                                                                     \
+    KrnStatus stem##C1(const void *source, std::int32_t sourceStep, std::int32_t count, void *destination, \
+                       std::int32_t step, std::int32_t width, std::int32_t height)                         \
+    {                                                                                                      \
+        return shifts<Sample, C1, Shift>(source, sourceStep, &count, destination, step, width, height);    \
+    }                                                                                                      \
+    ORV_SHIFTS(stem, C3, Sample, Shift)                                                                    \
+    ORV_SHIFTS(stem, C4, Sample, Shift)                                                                    \
     ORV_SHIFTS(stem, AC4, Sample, Shift)
 
 ORV_SHIFT(krnLShiftC8u, std::uint8_t, ShiftLeft)

@@ -24,17 +24,32 @@ template <class Sample, class Value> inline Sample saturated(Value value)
     return static_cast<Sample>(value > bottom ? value : bottom);
 }
 
-// 32-bit sums and differences wrap, and are put right where they did: a number and a vector of them alike.
-template <class Value> inline Value saturatingSum32(Value a, Value b)
+// Sums and differences of signed samples wrap, and are put right where they did. In the width of the sample and without
+// branches, so that the compiler's vectors hold as many of them as they can.
+template <class Sample> inline Sample chosen(Sample mask, Sample yes, Sample no)
 {
-    const Value sum = a + b;
-    return ((a ^ sum) & (b ^ sum)) < 0 ? (a >> 31) ^ 0x7FFFFFFF : sum;
+    return static_cast<Sample>((yes & mask) | (no & ~mask));
+}
+template <class Sample> inline Sample signMask(Sample value)
+{
+    return static_cast<Sample>(value >> (8 * sizeof(Sample) - 1));
 }
 
-template <class Value> inline Value saturatingDifference32(Value a, Value b)
+template <class Sample> inline Sample saturatedTowards(Sample sign)
 {
-    const Value difference = a - b;
-    return ((a ^ b) & (a ^ difference)) < 0 ? (a >> 31) ^ 0x7FFFFFFF : difference;
+    return static_cast<Sample>(signMask(sign) ^ static_cast<Sample>(topOf<Sample>));
+}
+template <class Sample> inline Sample saturatingSum(Sample a, Sample b)
+{
+    const Sample sum = static_cast<Sample>(a + b);
+    const Sample wrapped = signMask(static_cast<Sample>((a ^ sum) & (b ^ sum)));
+    return chosen(wrapped, saturatedTowards(a), sum);
+}
+template <class Sample> inline Sample saturatingDifference(Sample a, Sample b)
+{
+    const Sample difference = static_cast<Sample>(a - b);
+    const Sample wrapped = signMask(static_cast<Sample>((a ^ b) & (a ^ difference)));
+    return chosen(wrapped, saturatedTowards(a), difference);
 }
 
 template <class Sample> struct Sum {
@@ -66,17 +81,41 @@ struct FloatProduct {
 
 template <> inline std::int32_t Sum<std::int32_t>::operator()(std::int32_t a, std::int32_t b) const
 {
-    return saturatingSum32(a, b);
+    return saturatingSum(a, b);
+}
+template <> inline std::int16_t Sum<std::int16_t>::operator()(std::int16_t a, std::int16_t b) const
+{
+    return saturatingSum(a, b);
+}
+template <> inline std::uint8_t Sum<std::uint8_t>::operator()(std::uint8_t a, std::uint8_t b) const
+{
+    const std::uint8_t sum = static_cast<std::uint8_t>(a + b);
+    return static_cast<std::uint8_t>(sum | -static_cast<std::uint8_t>(sum < a));
 }
 template <> inline std::int32_t Difference<std::int32_t>::operator()(std::int32_t a, std::int32_t b) const
 {
-    return saturatingDifference32(a, b);
+    return saturatingDifference(a, b);
 }
-// Only the low byte of the word is of interest where the high one is zero, and none of it where not.
+template <> inline std::int16_t Difference<std::int16_t>::operator()(std::int16_t a, std::int16_t b) const
+{
+    return saturatingDifference(a, b);
+}
+template <> inline std::uint8_t Difference<std::uint8_t>::operator()(std::uint8_t a, std::uint8_t b) const
+{
+    const std::uint8_t difference = static_cast<std::uint8_t>(a - b);
+    return static_cast<std::uint8_t>(difference & -static_cast<std::uint8_t>(difference <= a));
+}
 template <> inline std::uint8_t Product<std::uint8_t>::operator()(std::uint8_t a, std::uint8_t b) const
 {
     const std::uint16_t product = static_cast<std::uint16_t>(a * b);
     return static_cast<std::uint8_t>(product > 255 ? 255 : product);
+}
+template <> inline std::int16_t Product<std::int16_t>::operator()(std::int16_t a, std::int16_t b) const
+{
+    const std::int32_t product = std::int32_t{a} * b;
+    const std::int16_t low = static_cast<std::int16_t>(product), high = static_cast<std::int16_t>(product >> 16);
+    const std::int16_t wrapped = static_cast<std::int16_t>(-(high != signMask(low)));
+    return chosen(wrapped, saturatedTowards(high), low);
 }
 template <> inline std::int32_t Product<std::int32_t>::operator()(std::int32_t a, std::int32_t b) const
 {
@@ -98,7 +137,8 @@ inline auto vectorOf(Sum<std::int16_t>, Vector<std::int16_t> a, Vector<std::int1
 }
 inline auto vectorOf(Sum<std::int32_t>, Vector<std::int32_t> a, Vector<std::int32_t> b)
 {
-    return saturatingSum32(a, b);
+    const Vector<std::int32_t> sum = a + b;
+    return ((a ^ sum) & (b ^ sum)) < 0 ? (a >> 31) ^ 0x7FFFFFFF : sum;
 }
 
 inline auto vectorOf(Difference<std::uint8_t>, Vector<std::uint8_t> a, Vector<std::uint8_t> b)
@@ -111,7 +151,8 @@ inline auto vectorOf(Difference<std::int16_t>, Vector<std::int16_t> a, Vector<st
 }
 inline auto vectorOf(Difference<std::int32_t>, Vector<std::int32_t> a, Vector<std::int32_t> b)
 {
-    return saturatingDifference32(a, b);
+    const Vector<std::int32_t> difference = a - b;
+    return ((a ^ b) & (a ^ difference)) < 0 ? (a >> 31) ^ 0x7FFFFFFF : difference;
 }
 
 // Products of bytes fill a word without a sign. The pack takes words with one, so those beyond it are turned into
@@ -119,7 +160,11 @@ inline auto vectorOf(Difference<std::int32_t>, Vector<std::int32_t> a, Vector<st
 inline __m128i byteProducts(__m128i a, __m128i b)
 {
     const __m128i product = _mm_mullo_epi16(a, b);
+#if ORV_SSE_LEVEL >= 5
+    return _mm_min_epu16(product, _mm_set1_epi16(255));
+#else
     return _mm_xor_si128(product, _mm_srai_epi16(product, 15));
+#endif
 }
 inline auto vectorOf(Product<std::uint8_t>, Vector<std::uint8_t> a, Vector<std::uint8_t> b)
 {

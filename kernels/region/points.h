@@ -15,8 +15,10 @@ constexpr std::size_t samplesOf(std::size_t layout)
 
 #if ORV_SSE_LEVEL >= 2
 // An operator whose formula serves numbers and vectors alike has it as a member.
-inline auto vectorOf(auto operation, auto... vectors)
-    requires requires { operation.vector(vectors...); }
+inline auto vectorOf(auto operation, auto... vectors) requires requires
+{
+    operation.vector(vectors...);
+}
 {
     return operation.vector(vectors...);
 }

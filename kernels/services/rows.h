@@ -70,24 +70,23 @@ inline std::int32_t overRows(std::int32_t width, std::int32_t height, Row row, R
     return Ok;
 }
 
-// Moves three samples of each four; the fourth stays. As words, of whose bits the last quarter stays.
+// Moves three samples of each four; the fourth is stored as it is. Pixels of four bytes and of eight are words, of
+// whose bits the last quarter stays.
 template <class Sample> inline void moveThreeOfFour(std::size_t pixels, const unsigned char *in, unsigned char *out)
 {
-    if constexpr (sizeof(Sample) < 4) {
-        using Pixel = decltype([] {
-            if constexpr (sizeof(Sample) == 1)
-                return std::uint32_t{};
-            else
-                return std::uint64_t{};
-        }());
-        constexpr Pixel moved = static_cast<Pixel>(~Pixel{0}) >> (8 * sizeof(Sample));
-        ORV_INDEPENDENT
-        for (std::size_t i = 0; i < pixels; ++i)
-            store(out, i, (load<Pixel>(in, i) & moved) | (load<Pixel>(out, i) & ~moved));
-    } else {
+    if constexpr (sizeof(Sample) == 4) {
         for (std::size_t i = 0; i < pixels; ++i) {
             store(out, 2 * i, load<std::uint64_t>(in, 2 * i));
             store(out, 4 * i + 2, load<std::uint32_t>(in, 4 * i + 2));
         }
+    } else {
+        constexpr std::uint64_t moved = sizeof(Sample) == 1 ? 0x00FFFFFF00FFFFFF : 0x0000FFFFFFFFFFFF;
+        constexpr std::size_t perWord = sizeof(Sample) == 1 ? 2 : 1;
+        ORV_INDEPENDENT
+        for (std::size_t i = 0; i < pixels / perWord; ++i)
+            store(out, i, (load<std::uint64_t>(in, i) & moved) | (load<std::uint64_t>(out, i) & ~moved));
+        if (pixels % perWord != 0)
+            for (std::size_t i = 4 * (pixels - 1); i + 1 < 4 * pixels; ++i)
+                store(out, i, load<Sample>(in, i));
     }
 }
