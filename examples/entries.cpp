@@ -8,7 +8,8 @@ namespace sheet {
 std::span<const Family> families()
 {
     static const Family all[] = {
-        photographFamily(), copyFamily(), fillFamily(), magnitudeFamily(), patternFamily(),
+        photographFamily(), copyFamily(),  fillFamily(),    magnitudeFamily(),
+        arithmeticFamily(), logicFamily(), patternFamily(),
     };
     return all;
 }

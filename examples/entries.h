@@ -9,6 +9,8 @@ Family photographFamily();
 Family copyFamily();
 Family fillFamily();
 Family magnitudeFamily();
+Family arithmeticFamily();
+Family logicFamily();
 Family patternFamily();
 
 } // namespace sheet
