@@ -14,6 +14,9 @@
 namespace {
 
 #include "rows.h"
+#if ORV_SSE_LEVEL >= 2
+#include "vectors.h"
+#endif
 
 // Moves `moved` samples of each pixel between pixels of different lengths.
 template <class Sample, std::size_t inChannels, std::size_t outChannels, std::size_t moved>
@@ -78,7 +81,19 @@ template <class Sample>
 KrnStatus copyThreeOfFour(const void *source, std::int32_t sourceStep, void *destination, std::int32_t destinationStep,
                           std::int32_t width, std::int32_t height)
 {
-    return overRows(width, height, moveThreeOfFour<Sample>, from(source, sourceStep, 4 * sizeof(Sample)),
+    const auto row = [](std::size_t pixels, const unsigned char *in, unsigned char *out) {
+#if ORV_SSE_LEVEL >= 2
+        if constexpr (sizeof(Sample) == 4) {
+            ORV_UNROLLED
+            for (std::size_t i = 0; i < 4 * pixels; i += 4)
+                storeVector<Sample>(out, i,
+                                    keepingFourth<Sample>(loadVector<Sample>(in, i), loadVector<Sample>(out, i)));
+            return;
+        }
+#endif
+        moveThreeOfFour<Sample>(pixels, in, out);
+    };
+    return overRows(width, height, row, from(source, sourceStep, 4 * sizeof(Sample)),
                     to(destination, destinationStep, 4 * sizeof(Sample)));
 }
 

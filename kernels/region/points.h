@@ -24,6 +24,16 @@ inline auto vectorOf(auto operation, auto... vectors) requires requires
 }
 #endif
 
+#if ORV_SSE_LEVEL >= 2
+// Long rows of two sources and a destination of its own fill no cache that serves them all. Stores that pass the caches
+// by save the reading of what they overwrite.
+template <class... Source> inline bool worthStreaming(std::size_t bytes, const unsigned char *out, const Source *...in)
+{
+    constexpr std::size_t longRow = std::size_t{1} << 20;
+    return bytes >= longRow && reinterpret_cast<std::uintptr_t>(out) % 16 == 0 && (... && (in != out));
+}
+#endif
+
 // Not inlined: the layouts of a kernel share it.
 template <class Out, class In, class Operator, class... Source>
 __attribute__((noinline)) void computeRow(std::size_t samples, Operator operation, unsigned char *out,
@@ -34,6 +44,11 @@ __attribute__((noinline)) void computeRow(std::size_t samples, Operator operatio
     if constexpr (requires { operation.many(samples, out, in...); }) {
         i = operation.many(samples, out, in...);
     } else if constexpr (requires { vectorOf(operation, loadVector<In>(in, 0)...); }) {
+        if (sizeof...(in) > 1 && worthStreaming(samples * sizeof(Out), out, in...)) {
+            for (; i + 16 / sizeof(Out) <= samples; i += 16 / sizeof(Out))
+                streamVector<Out>(out, i, vectorOf(operation, loadVector<In>(in, i)...));
+            _mm_sfence();
+        }
         ORV_UNROLLED
         for (; i + 16 / sizeof(Out) <= samples; i += 16 / sizeof(Out))
             storeVector<Out>(out, i, vectorOf(operation, loadVector<In>(in, i)...));

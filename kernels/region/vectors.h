@@ -18,6 +18,13 @@ template <class Sample> inline void storeVector(void *row, std::size_t index, Ve
     __builtin_memcpy(static_cast<unsigned char *>(row) + index * sizeof(Sample), &vector, 16);
 }
 
+// Past the caches, to a multiple of sixteen bytes.
+template <class Sample> inline void streamVector(void *row, std::size_t index, Vector<Sample> vector)
+{
+    _mm_stream_si128(reinterpret_cast<__m128i *>(static_cast<unsigned char *>(row) + index * sizeof(Sample)),
+                     reinterpret_cast<__m128i>(vector));
+}
+
 template <class Sample> inline Vector<Sample> everywhere(Sample sample)
 {
     return sample - Vector<Sample>{};

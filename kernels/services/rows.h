@@ -50,7 +50,7 @@ template <class Row, class... Rectangles>
 inline std::int32_t overRows(std::int32_t width, std::int32_t height, Row row, Rectangles... rectangles)
 {
     enum : std::int32_t { Ok = 0, BadSize = -6, NullPointer = -8, BadStep = -14 };
-    if ((... || (rectangles.row == nullptr)))
+    if ((... || !rectangles.row))
         return NullPointer;
     if (width < 1 || height < 1)
         return BadSize;
