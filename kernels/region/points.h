@@ -29,7 +29,7 @@ inline auto vectorOf(auto operation, auto... vectors) requires requires
 // by save the reading of what they overwrite.
 template <class... Source> inline bool worthStreaming(std::size_t bytes, const unsigned char *out, const Source *...in)
 {
-    constexpr std::size_t longRow = std::size_t{1} << 20;
+    constexpr std::size_t longRow = std::size_t{8} << 20;
     return bytes >= longRow && reinterpret_cast<std::uintptr_t>(out) % 16 == 0 && (... && (in != out));
 }
 #endif

@@ -225,6 +225,31 @@ TEST(KernelRows, TheIndexPicksTheBuild)
     krnDispatchIndex = 0;
 }
 
+// Rows too long for the caches take a way of their own, which starts and ends anywhere.
+TEST(KernelRows, LongRowsAreLikeShortOnes)
+{
+    constexpr int width = 4099, height = 2200;
+    const std::size_t bytes = std::size_t{width} * height;
+    std::vector<std::uint8_t> a(bytes), b(bytes);
+    std::mt19937 random(5);
+    for (std::size_t i = 0; i < bytes; ++i) {
+        a[i] = static_cast<std::uint8_t>(random());
+        b[i] = static_cast<std::uint8_t>(random() >> 7);
+    }
+    const std::size_t offsets[] = {0, 1, 16};
+    for (const std::size_t offset : offsets) {
+        std::vector<std::uint8_t> results[2] = {std::vector<std::uint8_t>(bytes + 64, 0x99),
+                                                std::vector<std::uint8_t>(bytes + 64, 0x99)};
+        for (const int build : {0, 5}) {
+            krnDispatchIndex = build;
+            std::uint8_t *out = results[build != 0].data() + offset;
+            EXPECT_EQ(krnAdd8uC1(a.data(), width, b.data(), width, out, width, width, height, 0), KRN_OK);
+        }
+        krnDispatchIndex = 0;
+        EXPECT_TRUE(results[0] == results[1]) << offset;
+    }
+}
+
 template <class Signature> struct Parameters;
 template <class... A> struct Parameters<KrnStatus(A...)> {
     static constexpr int pointers = (0 + ... + std::is_pointer_v<A>);
