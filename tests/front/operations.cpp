@@ -1,65 +1,11 @@
-// The list of operations, with their formulas and their checks.
-#include "front/operations.h"
+// The list of operations, with the formulas and the checks of copy, fill and magnitude.
+#include "front/operation_entries.h"
 
 #include <cmath>
-#include <limits>
 #include <ostream>
 
 namespace front {
 namespace {
-
-constexpr std::int32_t mostInt = std::numeric_limits<std::int32_t>::max();
-constexpr std::int32_t leastInt = std::numeric_limits<std::int32_t>::min();
-
-// The first failure of a header that Fault::BadHeader has spoilt.
-constexpr OrvStatus spoilt = ORV_STATUS_BAD_ALIGN;
-
-Refusal header(int image)
-{
-    return {Fault::BadHeader, image, spoilt, "Incorrect Image"};
-}
-
-Refusal null(int image, OrvStatus status = ORV_STATUS_NULL_HEADER, const char *context = "Incorrect Image")
-{
-    return {Fault::NullImage, image, status, context};
-}
-
-Refusal differs(Fault fault, int image, const char *context, OrvStatus status = ORV_STATUS_BAD_ARGUMENT)
-{
-    return {fault, image, status, context};
-}
-
-Refusal depth(int image, std::int32_t value, OrvStatus status, const char *context)
-{
-    return {Fault::Depth, image, status, context, value};
-}
-
-Refusal tiled(int image)
-{
-    return {Fault::Tiled, image, ORV_STATUS_NOT_IMPLEMENTED, ""};
-}
-
-Refusal byWorker(Refusal refusal)
-{
-    refusal.byWorker = true;
-    return refusal;
-}
-
-std::vector<Constant> integers(std::initializer_list<std::int32_t> values)
-{
-    std::vector<Constant> constants;
-    for (const std::int32_t value : values)
-        constants.push_back({value, 0, 0});
-    return constants;
-}
-
-std::vector<Constant> reals(std::initializer_list<float> values)
-{
-    std::vector<Constant> constants;
-    for (const float value : values)
-        constants.push_back({0, value, 0});
-    return constants;
-}
 
 Sample copied(std::int32_t, const Sample *sources, const Constant &)
 {
@@ -181,8 +127,13 @@ Operation setFloatOperation()
 
 const std::vector<Operation> &operations()
 {
-    static const std::vector<Operation> all = {copyOperation(), absOperation(), absOfUnsignedOperation(),
-                                               setOperation(), setFloatOperation()};
+    static const std::vector<Operation> all = [] {
+        std::vector<Operation> list = {copyOperation(), absOperation(), absOfUnsignedOperation(), setOperation(),
+                                       setFloatOperation()};
+        for (const auto &part : {imageArithmetic(), scalarArithmetic(), logicAndShifts()})
+            list.insert(list.end(), part.begin(), part.end());
+        return list;
+    }();
     return all;
 }
 
