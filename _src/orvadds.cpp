@@ -43,18 +43,6 @@ auto addWords(std::int32_t value)
     };
 }
 
-auto addLongWords(std::int32_t value)
-{
-    return [value](Layout layout, const Raster *in, Raster out, Size size) {
-        integerRowByRow<1>(layout, in, out, size, [=](const void *const *rows, void *result, std::int32_t samples) {
-            if (rows[0] == result)
-                krnAddC32sRowI(value, result, samples, unscaled);
-            else
-                krnAddC32sRow(rows[0], value, result, samples, unscaled);
-        });
-    };
-}
-
 OrvStatus run(const OrvImage *srcImage, const OrvImage *dstImage, std::int32_t value)
 {
     switch (dstImage->depth) {
@@ -67,7 +55,7 @@ OrvStatus run(const OrvImage *srcImage, const OrvImage *dstImage, std::int32_t v
     case ORV_DEPTH_16S:
         return pointwise(addWords(value), dstImage, srcImage);
     case ORV_DEPTH_32S:
-        return pointwise(addLongWords(value), dstImage, srcImage);
+        return pointwise(runConstantRows(krnAddC32sRow, krnAddC32sRowI, value), dstImage, srcImage);
     default:
         return ORV_STATUS_NOT_IMPLEMENTED;
     }

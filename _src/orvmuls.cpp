@@ -25,18 +25,6 @@ auto multiply(const ScaledConstant &kernels, const ScaledConstantInPlace &inPlac
     };
 }
 
-auto multiplyLongWords(std::int32_t value)
-{
-    return [value](Layout layout, const Raster *in, Raster out, Size size) {
-        integerRowByRow<1>(layout, in, out, size, [=](const void *const *rows, void *result, std::int32_t samples) {
-            if (rows[0] == result)
-                krnMulC32sRowI(value, result, samples, unscaled);
-            else
-                krnMulC32sRow(rows[0], value, result, samples, unscaled);
-        });
-    };
-}
-
 OrvStatus run(const OrvImage *srcImage, const OrvImage *dstImage, std::int32_t value)
 {
     switch (dstImage->depth) {
@@ -45,7 +33,7 @@ OrvStatus run(const OrvImage *srcImage, const OrvImage *dstImage, std::int32_t v
     case ORV_DEPTH_16S:
         return pointwise(multiply(words, wordsInPlace, std::clamp(value, -32768, 32767), 2), dstImage, srcImage);
     case ORV_DEPTH_32S:
-        return pointwise(multiplyLongWords(value), dstImage, srcImage);
+        return pointwise(runConstantRows(krnMulC32sRow, krnMulC32sRowI, value), dstImage, srcImage);
     default:
         return ORV_STATUS_NOT_IMPLEMENTED;
     }

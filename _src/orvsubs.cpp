@@ -76,20 +76,6 @@ auto subtractWords(std::int32_t value)
     };
 }
 
-auto longWords(std::int32_t value, bool flip)
-{
-    return [=](Layout layout, const Raster *in, Raster out, Size size) {
-        const Kernel<ConstantRowKernel> &kernel = flip ? krnSubRevC32sRow : krnSubC32sRow;
-        const Kernel<ConstantRowInPlaceKernel> &inPlace = flip ? krnSubRevC32sRowI : krnSubC32sRowI;
-        integerRowByRow<1>(layout, in, out, size, [&](const void *const *rows, void *result, std::int32_t samples) {
-            if (rows[0] == result)
-                inPlace(value, result, samples, unscaled);
-            else
-                kernel(rows[0], value, result, samples, unscaled);
-        });
-    };
-}
-
 OrvStatus runOnBytes(const OrvImage *srcImage, const OrvImage *dstImage, std::int32_t value, bool flip)
 {
     if (!flip)
@@ -113,7 +99,9 @@ OrvStatus run(const OrvImage *srcImage, const OrvImage *dstImage, std::int32_t v
         return flip ? pointwise(wordsFrom(value), dstImage, srcImage)
                     : pointwise(subtractWords(value), dstImage, srcImage);
     case ORV_DEPTH_32S:
-        return pointwise(longWords(value, flip), dstImage, srcImage);
+        return pointwise(
+            runConstantRows(flip ? krnSubRevC32sRow : krnSubC32sRow, flip ? krnSubRevC32sRowI : krnSubC32sRowI, value),
+            dstImage, srcImage);
     default:
         return ORV_STATUS_NOT_IMPLEMENTED;
     }

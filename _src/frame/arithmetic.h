@@ -136,6 +136,20 @@ void integerRowByRow(Layout layout, const Raster *sources, Raster destination, S
     rowByRow<sourceCount>(layout, whole, inWholeSamples(destination, 4), size, row);
 }
 
+// Rows of 32-bit integers and a constant.
+inline auto runConstantRows(const Kernel<ConstantRowKernel> &kernel, const Kernel<ConstantRowInPlaceKernel> &inPlace,
+                            std::int32_t value)
+{
+    return [&kernel, &inPlace, value](Layout layout, const Raster *in, Raster out, Size size) {
+        integerRowByRow<1>(layout, in, out, size, [&](const void *const *rows, void *result, std::int32_t samples) {
+            if (rows[0] == result)
+                inPlace(value, result, samples, unscaled);
+            else
+                kernel(rows[0], value, result, samples, unscaled);
+        });
+    };
+}
+
 // Calls pass(band) for bands of rows that stay in the nearest cache, so that a second pass finds there what the first
 // left.
 template <class Pass> void inBands(Layout layout, std::int32_t sampleBytes, Size size, Pass pass)
