@@ -549,8 +549,8 @@ ORV_API OrvStatus orvMultiplyS(const OrvImage *srcImage, OrvImage *dstImage, int
  *  @return 0 or the reported status */
 ORV_API OrvStatus orvMultiplySFP(const OrvImage *srcImage, OrvImage *dstImage, float value);
 
-/** Product of fractions: with full scale m (255 or 65535), dst(x, y) = A(x, y) B(x, y) / m, rounded: for the product t and
- *  w bits a sample, (t + t / 2^w + 1) / 2^w in integers. Depths 8U, 16U; others are -5.
+/** Product of fractions: with full scale m (255 or 65535), dst(x, y) = A(x, y) B(x, y) / m, to the whole number below; in
+ *  integers (t + t / 2^w + 1) / 2^w for the product t and w bits a sample. Depths 8U, 16U; others are -5.
  *  @param srcImageA first source @param srcImageB second source @param dstImage destination
  *  @return 0 or the reported status */
 ORV_API OrvStatus orvMultiplyScale(const OrvImage *srcImageA, const OrvImage *srcImageB, OrvImage *dstImage);

@@ -20,8 +20,8 @@ namespace {
 
 #include "operators.h"
 
-// Product divided by the highest sample, rounded: t / 255 is (t + t / 256 + 1) / 256 for every product t of two bytes,
-// and likewise for words.
+// Product divided by the highest sample: t / 255 is (t + t / 256 + 1) / 256 for every product t of two bytes, and likewise
+// for words.
 template <class Sample> struct Fraction {
     Sample operator()(Sample a, Sample b) const
     {
