@@ -79,10 +79,10 @@ orv_room(orv_platform SOURCES ${ORV_PLATFORM_SOURCES} INCLUDES ${ORV_PLATFORM_DI
 orv_room(orv_status SOURCES ${ORV_STATUS_SOURCES}
   INCLUDES ${ORV_PUBLIC_DIR} ${ORV_PLATFORM_DIR} ${PROJECT_SOURCE_DIR}/status)
 orv_room(orv_kernels_plain SOURCES ${ORV_PLAIN_KERNEL_SOURCES} INCLUDES ${ORV_KERNEL_DIRS})
-target_compile_options(orv_kernels_plain PRIVATE ${ORV_KERNEL_OPTIMISATION})
+target_compile_options(orv_kernels_plain PRIVATE ${ORV_KERNEL_OPTIMISATION} ${ORV_PLAIN_OPTIONS})
 orv_room(orv_front SOURCES ${ORV_FRONT_SOURCES}
   INCLUDES ${ORV_PUBLIC_DIR} ${ORV_KERNEL_DIRS} ${PROJECT_SOURCE_DIR}/_src)
-target_compile_options(orv_front PRIVATE ${ORV_KERNEL_OPTIMISATION})
+target_compile_options(orv_front PRIVATE ${ORV_KERNEL_OPTIMISATION} ${ORV_PLAIN_OPTIONS})
 
 set(ORV_ROOMS orv_platform orv_status orv_kernels_plain orv_front)
 
@@ -92,6 +92,9 @@ function(orv_kernel_slots prefix)
     orv_room(${prefix}${slot} SOURCES ${ORV_KERNEL_SOURCES} INCLUDES ${ORV_KERNEL_DIRS} ${ORV_REGION_DIR})
     target_compile_definitions(${prefix}${slot} PRIVATE ORV_SLOT=${slot})
     target_compile_options(${prefix}${slot} PRIVATE ${ARGN})
+    if(slot EQUAL 0)
+      target_compile_options(${prefix}${slot} PRIVATE ${ORV_PLAIN_OPTIONS})
+    endif()
   endforeach()
 endfunction()
 

@@ -55,10 +55,13 @@ template <> inline std::uint8_t ShiftRight<std::uint8_t>::operator()(std::uint8_
     const std::uint16_t factor = static_cast<std::uint16_t>(count < 8 ? 256 >> count : 0);
     return static_cast<std::uint8_t>(static_cast<std::uint16_t>(value * factor) >> 8);
 }
+// The sign, as a bit of its own value at the place where it has gone, is spread by a subtraction.
 template <> inline std::int8_t ShiftRight<std::int8_t>::operator()(std::int8_t value) const
 {
-    const std::int16_t factor = static_cast<std::int16_t>(count < 7 ? 256 >> count : 2);
-    return static_cast<std::int8_t>(static_cast<std::int16_t>(value * factor) >> 8);
+    const std::uint32_t least = count < 7 ? count : 7;
+    const std::uint8_t bits = ShiftRight<std::uint8_t>{least}(static_cast<std::uint8_t>(value));
+    const std::uint8_t sign = static_cast<std::uint8_t>(0x80u >> least);
+    return static_cast<std::int8_t>((bits ^ sign) - sign);
 }
 
 #if ORV_SSE_LEVEL >= 2
@@ -95,7 +98,6 @@ inline auto vectorOf(ShiftRight<std::uint8_t> shift, Vector<std::uint8_t> a)
 {
     return asVector<std::uint8_t>(shiftedBytes(shift.count, asIntegers(a)));
 }
-// The sign, as a bit of its own value at the place where it has gone, is spread by a subtraction.
 inline auto vectorOf(ShiftRight<std::int8_t> shift, Vector<std::int8_t> a)
 {
     const std::uint32_t count = shift.count < 7 ? shift.count : 7;
