@@ -286,11 +286,11 @@ template <class In, class Out = In, class Constant, class Formula>
 ::testing::AssertionResult holdLayouts(const PointwiseRow &row, const std::vector<In> &samples,
                                        const std::vector<Constant> &constants, Formula formula)
 {
-    const int scales[] = {0, 1, 3, -2};
+    const int scales[] = {0, 0, 1, 3, 8, 15, -2};
     std::vector<Place> places = {Place::Apart, Place::OverFirst, Place::OverSecond};
     places.resize(sizeof(In) != sizeof(Out) ? 1 : row.twoImages ? 3 : 2);
     if (row.inPlace)
-        places = {Place::OverFirst};
+        places.assign(3, Place::OverFirst);
     std::seed_seq seed(row.name.begin(), row.name.end());
     std::mt19937 random(seed);
     const auto some = [&](int count) {
@@ -306,12 +306,11 @@ template <class In, class Out = In, class Constant, class Formula>
             trial.place = place;
             trial.spare = static_cast<int>(random() % 2 * (1 + random() % 9));
             trial.scale = scales[random() % std::size(scales)];
-            for (std::size_t i = 0; i < 4; ++i)
-                operands.constants[i] = constants[random() % constants.size()];
-            if (width % 3 != 0)
-                operands.constants[1] = operands.constants[2] = operands.constants[0];
-            if (width % 3 == 1)
-                operands.constants[3] = operands.constants[0];
+            operands.constants.fill(constants[random() % constants.size()]);
+            const int alike = width % 6; // 5: all; 4: none; else all but the one of this channel
+            for (int i = 0; i < 4; ++i)
+                if (alike == 4 || alike == i)
+                    operands.constants[i] = constants[random() % constants.size()];
             const ::testing::AssertionResult outcome = hold<In, Out>(row, trial, operands, formula);
             if (!outcome)
                 return outcome;
