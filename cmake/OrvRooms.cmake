@@ -29,6 +29,7 @@ set(ORV_KERNEL_SOURCES
   kernels/arith/fractions.cpp
   kernels/arith/square.cpp
   kernels/arith/widen.cpp
+  kernels/geometry/mirror.cpp
   kernels/logic/logic.cpp
   kernels/logic/shift.cpp)
 

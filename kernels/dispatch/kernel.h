@@ -25,6 +25,7 @@ enum : KrnStatus {
     KRN_NULL_POINTER = -8, // a data pointer is null
     KRN_NO_MEMORY = -9,    // a scratch allocation failed
     KRN_BAD_STEP = -14,    // a row step below 1
+    KRN_BAD_AXIS = -21,    // a mode out of its range, such as the axis of a mirror
 };
 
 // One row of the table: six builds of one function. Calling the row costs one load and one indirect jump.

@@ -85,6 +85,13 @@ using FractionInPlaceKernel = KrnStatus(void *image, std::int32_t step, std::int
 using FractionsInPlaceKernel = KrnStatus(void *image, std::int32_t step, const void *values, std::int32_t width,
                                          std::int32_t height);
 
+// Flips exchange rows (0), columns (1) or both (2). Those in place (suffix I) take one raster.
+using MirrorKernel = KrnStatus(const void *source, std::int32_t sourceStep, void *destination,
+                               std::int32_t destinationStep, std::int32_t width, std::int32_t height,
+                               std::int32_t flip);
+using MirrorInPlaceKernel = KrnStatus(void *image, std::int32_t step, std::int32_t width, std::int32_t height,
+                                      std::int32_t flip);
+
 using AllocateKernel = void *(int32_t count);
 using ReleaseKernel = void(void *block);
 

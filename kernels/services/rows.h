@@ -44,10 +44,14 @@ inline Rectangle<unsigned char> to(void *destination, std::int32_t step, std::in
     return {static_cast<unsigned char *>(destination), step, pixelBytes};
 }
 
-// Runs row(pixels, pointers...) over the rows of rectangles of one size, after the tests that every kernel makes. Where
-// all rows are dense the whole is one row.
-template <class Row, class... Rectangles>
-inline std::int32_t overRows(std::int32_t width, std::int32_t height, Row row, Rectangles... rectangles)
+template <class Byte> inline Byte *rowOf(Rectangle<Byte> rectangle, std::int32_t y)
+{
+    return rectangle.row + static_cast<std::ptrdiff_t>(y) * rectangle.step;
+}
+
+// The tests that every kernel makes, in their order. 0 where nothing is refused.
+template <class... Rectangles>
+inline std::int32_t testRectangles(std::int32_t width, std::int32_t height, Rectangles... rectangles)
 {
     enum : std::int32_t { Ok = 0, BadSize = -6, NullPointer = -8, BadStep = -14 };
     if ((... || !rectangles.row))
@@ -56,6 +60,16 @@ inline std::int32_t overRows(std::int32_t width, std::int32_t height, Row row, R
         return BadSize;
     if ((... || (rectangles.step < 1)))
         return BadStep;
+    return Ok;
+}
+
+// Runs row(pixels, pointers...) over the rows of rectangles of one size, after those tests. Where all rows are dense
+// the whole is one row.
+template <class Row, class... Rectangles>
+inline std::int32_t overRows(std::int32_t width, std::int32_t height, Row row, Rectangles... rectangles)
+{
+    if (const std::int32_t refusal = testRectangles(width, height, rectangles...); refusal != 0)
+        return refusal;
     std::size_t pixels = static_cast<std::size_t>(width);
     if ((... &&
          (static_cast<std::size_t>(rectangles.step) == pixels * static_cast<std::size_t>(rectangles.pixelBytes)))) {
@@ -67,7 +81,7 @@ inline std::int32_t overRows(std::int32_t width, std::int32_t height, Row row, R
         ((rectangles.row += rectangles.step), ...);
         row(pixels, rectangles.row...);
     }
-    return Ok;
+    return 0;
 }
 
 // Moves three samples of each four; the fourth is stored as it is. Pixels of four bytes and of eight are words, of

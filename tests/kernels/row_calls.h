@@ -1,6 +1,9 @@
 // How a kernel of each signature is called with one set of arguments.
 #pragma once
 
+#include <string>
+#include <type_traits>
+
 #include "kernels.h"
 
 struct RowRaster {
@@ -14,6 +17,7 @@ struct RowCall {
     int value; // a constant, a count or a rounding mode
     int scale;
     const void *values; // one a channel
+    int flip = 0;
 };
 
 using orv::Kernel;
@@ -55,3 +59,17 @@ ORV_CALL(FractionInPlaceKernel, out, step, c.value, c.width, c.height)
 ORV_CALL(FractionsInPlaceKernel, out, step, c.values, c.width, c.height)
 
 #undef ORV_CALL
+
+// Mirrors have the types of other signatures, so that only the name tells what their arguments mean.
+template <class Signature> KrnStatus call(const std::string &name, const Kernel<Signature> &kernel, const RowCall &c)
+{
+    if (name.compare(0, 9, "krnMirror") != 0)
+        return call(kernel, c);
+    const auto &[a, b] = c.sources;
+    if constexpr (std::is_same_v<Signature, orv::MirrorKernel>)
+        return kernel(a.data, a.step, c.destination.data, c.destination.step, c.width, c.height, c.flip);
+    else if constexpr (std::is_same_v<Signature, orv::MirrorInPlaceKernel>)
+        return kernel(c.destination.data, c.destination.step, c.width, c.height, c.flip);
+    else
+        return orv::KRN_BAD_AXIS;
+}

@@ -160,14 +160,15 @@ template <class Signature> void walk(const std::string &name, const Kernel<Signa
                                    height,
                                    values[0],
                                    scale,
-                                   shape.destinationFloats ? static_cast<const void *>(floats) : values};
+                                   shape.destinationFloats ? static_cast<const void *>(floats) : values,
+                                   trial % 3};
 
         const Guarded &memory = destination.memory();
         const std::vector<std::uint8_t> before(memory.data(), memory.data() + memory.size());
         std::vector<std::uint8_t> expected;
         for (krnDispatchIndex = 0; krnDispatchIndex < kernelBuilds; ++krnDispatchIndex) {
             std::memcpy(memory.data(), before.data(), before.size());
-            ASSERT_EQ(call(kernel, arguments), KRN_OK) << name;
+            ASSERT_EQ(call(name, kernel, arguments), KRN_OK) << name;
             if (shape.destinationFloats)
                 makeNaNsAlike(destination, width, height, shape.destination.channels);
             const std::vector<std::uint8_t> result(memory.data(), memory.data() + memory.size());
@@ -258,13 +259,14 @@ template <class... A> struct Parameters<KrnStatus(A...)> {
 // Counts the roles of which `spoil(call, role)` makes the kernel refuse with that status; the others, of which the
 // signature knows nothing, must not matter.
 template <class Signature, class Spoil>
-int refused(const Kernel<Signature> &kernel, const RowCall &good, int roles, KrnStatus status, Spoil spoil)
+int refused(const std::string &name, const Kernel<Signature> &kernel, const RowCall &good, int roles, KrnStatus status,
+            Spoil spoil)
 {
     int count = 0;
     for (int role = 0; role < roles; ++role) {
         RowCall spoilt = good;
         spoil(spoilt, role);
-        const KrnStatus result = call(kernel, spoilt);
+        const KrnStatus result = call(name, kernel, spoilt);
         EXPECT_TRUE(result == KRN_OK || result == status) << result;
         count += result == status;
     }
@@ -282,7 +284,7 @@ template <class Signature> void testRefusals(const std::string &name, const Kern
         SCOPED_TRACE(name + " of build " + std::to_string(krnDispatchIndex));
         std::uint8_t bytes[256] = {}, spare[256] = {};
         const RowCall good = {{{bytes, 64}, {bytes, 64}}, {spare, 64}, {bytes, 64}, 4, 2, 1, 0, bytes};
-        EXPECT_EQ(call(kernel, good), KRN_OK);
+        EXPECT_EQ(call(name, kernel, good), KRN_OK);
 
         const bool fills = startsWith(name, "krnFill") || endsWith(name, "I");
         const bool valued =
@@ -290,21 +292,21 @@ template <class Signature> void testRefusals(const std::string &name, const Kern
             std::is_same_v<Signature, FractionsInPlaceKernel> || (fills && Parameters<Signature>::pointers == 2);
         const bool oneRow = name.find("Row") != std::string::npos || name == "krnCopyBytes";
         EXPECT_EQ(
-            refused(kernel, good, 5, KRN_NULL_POINTER,
+            refused(name, kernel, good, 5, KRN_NULL_POINTER,
                     [](RowCall &c, int role) { role == 4 ? c.values = nullptr : rasterOf(c, role).data = nullptr; }),
             Parameters<Signature>::pointers);
-        EXPECT_EQ(refused(kernel, good, 4, KRN_BAD_STEP,
+        EXPECT_EQ(refused(name, kernel, good, 4, KRN_BAD_STEP,
                           [](RowCall &c, int role) { rasterOf(c, role).step = role == 1 ? -64 : 0; }),
                   oneRow ? 0 : Parameters<Signature>::pointers - valued);
-        EXPECT_EQ(refused(kernel, good, 4, KRN_BAD_SIZE,
+        EXPECT_EQ(refused(name, kernel, good, 4, KRN_BAD_SIZE,
                           [](RowCall &c, int role) { (role % 2 == 0 ? c.width : c.height) = role < 2 ? 0 : -1; }),
                   oneRow ? 2 : 4);
 
         // The earlier test speaks; the pattern looks at its step before its size.
         RowCall bad = {{{bytes, 0}, {bytes, 0}}, {spare, 0}, {bytes, 0}, 0, 0, 1, 0, bytes};
-        EXPECT_EQ(call(kernel, bad), startsWith(name, "krnJaehne") ? KRN_BAD_STEP : KRN_BAD_SIZE);
+        EXPECT_EQ(call(name, kernel, bad), startsWith(name, "krnJaehne") ? KRN_BAD_STEP : KRN_BAD_SIZE);
         bad.destination.data = nullptr;
-        EXPECT_EQ(call(kernel, bad), KRN_NULL_POINTER);
+        EXPECT_EQ(call(name, kernel, bad), KRN_NULL_POINTER);
     }
 }
 
