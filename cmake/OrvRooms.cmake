@@ -29,6 +29,8 @@ set(ORV_KERNEL_SOURCES
   kernels/arith/fractions.cpp
   kernels/arith/square.cpp
   kernels/arith/widen.cpp
+  kernels/filter/convolve.cpp
+  kernels/filter/convolve_floats.cpp
   kernels/geometry/mirror.cpp
   kernels/logic/logic.cpp
   kernels/logic/shift.cpp)
@@ -37,7 +39,11 @@ set(ORV_FRONT_SOURCES
   _src/frame/area.cpp
   _src/frame/channel_kernels.cpp
   _src/frame/checks.cpp
+  _src/frame/delivery.cpp
   _src/frame/header_check.cpp
+  _src/frame/neighbourhood.cpp
+  _src/frame/operand.cpp
+  _src/frame/padded_source.cpp
   _src/frame/pointwise.cpp
   _src/orvClone.cpp
   _src/orvGetPx.cpp

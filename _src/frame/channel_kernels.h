@@ -38,6 +38,8 @@ template <class Signature> struct LayoutKernels {
 struct ChannelKernels {
     LayoutKernels<CopyKernel> copy;
     LayoutKernels<CopyMaskedKernel> copyMasked;
+    LayoutKernels<MirrorKernel> mirror;
+    const Kernel<MirrorInPlaceKernel> &mirrorInPlaceC1;
     const Kernel<CopyKernel> &copyC3AC4, &copyAC4C3;
     const Kernel<CopyKernel> &extractC3, &extractC4, &insertC3, &insertC4;
     const Kernel<FillKernel> &fillC1;

@@ -6,10 +6,9 @@
 
 #include "area.h"
 #include "channel_kernels.h"
+#include "delivery.h"
 
 namespace orv {
-
-constexpr std::size_t mostImages = 4; // of one call
 
 // A unit's loop without its type, for the paths through scratch, which are compiled once for all units.
 struct Loop {

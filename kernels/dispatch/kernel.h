@@ -21,11 +21,14 @@ using KrnStatus = int32_t;
 
 enum : KrnStatus {
     KRN_OK = 0,
-    KRN_BAD_SIZE = -6,     // width, height or length below 1
-    KRN_NULL_POINTER = -8, // a data pointer is null
-    KRN_NO_MEMORY = -9,    // a scratch allocation failed
-    KRN_BAD_STEP = -14,    // a row step below 1
-    KRN_BAD_AXIS = -21,    // a mode out of its range, such as the axis of a mirror
+    KRN_BAD_SIZE = -6,       // width, height or length below 1
+    KRN_NULL_POINTER = -8,   // a data pointer is null
+    KRN_NO_MEMORY = -9,      // a scratch allocation failed
+    KRN_BAD_STEP = -14,      // a row step below 1
+    KRN_BAD_AXIS = -21,      // a mode out of its range, such as the axis of a mirror
+    KRN_BAD_MASK_SIZE = -33, // a side of a window below 1
+    KRN_BAD_ANCHOR = -34,    // an anchor outside its window
+    KRN_ZERO_DIVISOR = -51,
 };
 
 // One row of the table: six builds of one function. Calling the row costs one load and one indirect jump.

@@ -35,8 +35,8 @@ using ConvertRoundKernel = KrnStatus(const void *source, int32_t sourceStep, voi
 
 using PatternKernel = KrnStatus(void *destination, int32_t step, int32_t width, int32_t height);
 
-// Integer arithmetic takes a scale: its exact results are divided by 2 to the power of it, to nearest with ties to even, and
-// then saturated. 0 is none; a negative scale multiplies.
+// Integer arithmetic takes a scale: its exact results are divided by 2 to the power of it, to nearest with ties to
+// even, and then saturated. 0 is none; a negative scale multiplies.
 
 // Two rasters into a third. A difference takes the subtrahend first.
 using BinaryKernel = KrnStatus(const void *source1, std::int32_t step1, const void *source2, std::int32_t step2,
@@ -52,8 +52,8 @@ using UnaryScaledKernel = KrnStatus(const void *source, std::int32_t sourceStep,
                                     std::int32_t destinationStep, std::int32_t width, std::int32_t height,
                                     std::int32_t scale);
 
-// A raster and a constant: the value itself for one channel, cut to the sample, else a pointer to one value a channel. Those
-// in place (suffix I) take one raster.
+// A raster and a constant: the value itself for one channel, cut to the sample, else a pointer to one value a channel.
+// Those in place (suffix I) take one raster.
 using ConstantKernel = KrnStatus(const void *source, std::int32_t sourceStep, std::int32_t value, void *destination,
                                  std::int32_t step, std::int32_t width, std::int32_t height);
 using ConstantsKernel = KrnStatus(const void *source, std::int32_t sourceStep, const void *values, void *destination,
@@ -91,6 +91,27 @@ using MirrorKernel = KrnStatus(const void *source, std::int32_t sourceStep, void
                                std::int32_t flip);
 using MirrorInPlaceKernel = KrnStatus(void *image, std::int32_t step, std::int32_t width, std::int32_t height,
                                       std::int32_t flip);
+
+// With a window of coefficients in rows, which is flipped: the value at the anchor meets the pixel that is computed,
+// one to the right of it a pixel to the left. The source starts at the pixel that is computed first, and has pixels
+// around it.
+using ConvolveKernel = KrnStatus(const void *source, std::int32_t sourceStep, void *destination,
+                                 std::int32_t destinationStep, std::int32_t width, std::int32_t height,
+                                 const void *values, std::int32_t columns, std::int32_t rows, std::int32_t anchorX,
+                                 std::int32_t anchorY, std::int32_t divisor);
+using ConvolveFloatsKernel = KrnStatus(const void *source, std::int32_t sourceStep, void *destination,
+                                       std::int32_t destinationStep, std::int32_t width, std::int32_t height,
+                                       const void *values, std::int32_t columns, std::int32_t rows,
+                                       std::int32_t anchorX, std::int32_t anchorY);
+// A row or a column of coefficients.
+using ConvolveLineKernel = KrnStatus(const void *source, std::int32_t sourceStep, void *destination,
+                                     std::int32_t destinationStep, std::int32_t width, std::int32_t height,
+                                     const void *values, std::int32_t size, std::int32_t anchor, std::int32_t divisor);
+using ConvolveFloatLineKernel = KrnStatus(const void *source, std::int32_t sourceStep, void *destination,
+                                          std::int32_t destinationStep, std::int32_t width, std::int32_t height,
+                                          const void *values, std::int32_t size, std::int32_t anchor);
+using FloatRowKernel = KrnStatus(const void *source, void *destination, std::int32_t length);
+using FloatPairRowKernel = KrnStatus(const void *source1, const void *source2, void *destination, std::int32_t length);
 
 using AllocateKernel = void *(int32_t count);
 using ReleaseKernel = void(void *block);
