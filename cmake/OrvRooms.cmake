@@ -56,6 +56,7 @@ set(ORV_FRONT_SOURCES
   _src/orvalpha.cpp
   _src/orvand.cpp
   _src/orvborde.cpp
+  _src/orvcnv2d_records.cpp
   _src/orvgenim.cpp
   _src/orvlshs.cpp
   _src/orvmul.cpp

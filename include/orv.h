@@ -601,6 +601,185 @@ ORV_API OrvStatus orvLShiftS(const OrvImage *src, OrvImage *dst, unsigned int nS
 ORV_API OrvStatus orvRShiftS(const OrvImage *src, OrvImage *dst, unsigned int nShift);
 /** @} */
 
+/** @defgroup neighbourhood Neighbourhoods and borders
+ *  What the operations share whose result at a pixel comes from the pixels around it. In these, the source at a place means
+ *  the source pixel that lies so many columns and rows from the first pixel of the source's rectangle.
+ *
+ *  **Borders.** Outside the source stands what its #OrvImage::BorderMode and #OrvImage::BorderConst say, side by side; only
+ *  the two low bits of a mode count. The border is that of the image and not of its rectangle: pixels of the image beyond the
+ *  rectangle are read as they are. Over the first row and under the last one, the side top or bottom rules alone, to the left
+ *  and the right of the image too: constant gives its constant, replicate the nearest pixel (that of the image's corner in a
+ *  corner), reflect the image mirrored at its edges in both directions, the edge row and column being repeated, and wrap the
+ *  image continued from its opposite edges in both directions. Beside the image, in its rows, the side left or right rules in
+ *  the same way. A window that is larger than the image finds it mirrored or continued again and again. A constant is the same
+ *  in all channels: its low 8 or 16 bits as a sample of that size, all of them at depth 32S, and its value at depth 32F.
+ *
+ *  **Channel of interest.** A `coi` of the source says that one channel is processed, but not which: it is always the first.
+ *  The result goes to the channel that the destination's `coi` names.
+ *
+ *  **Empty rectangles.** Where the rectangles have nothing in common nothing is written and the call succeeds, save that a
+ *  call with a mask ends as one without memory does (-4).
+ *
+ *  **Memory.** Every call makes a copy of the whole source with its borders. When memory is exhausted the destination stays
+ *  as it was.
+ *  @{ */
+/** @} */
+
+/** @defgroup convolution Convolution
+ *  With the given anchor (anchorX, anchorY) of a record,
+ *
+ *      dst(x, y) = sum over 0 <= r < nRows, 0 <= c < nCols of values[r * nCols + c] src(x + anchorX - c, y + anchorY - r)
+ *
+ *  that is, a true convolution: the coefficient at the anchor meets the pixel itself, and one to its right a pixel to the
+ *  left. Each sum is divided by 2^s, where s is the low five bits of the record's `nShiftR`; records of floats have no such
+ *  divisor.
+ *
+ *  Pixel and plane order, 1, 3 and 4 channels, rectangles and masks; borders and channels of interest as told under
+ *  @ref neighbourhood "Neighbourhoods and borders". Of four channels the last one is neither computed nor written where it is
+ *  an alpha channel: in pixel order the `alphaChannel` of the *source* says so, in plane order that of the destination.
+ *
+ *  **In integers:** the sum is taken in 32 bits (8U, wrapping around) or 64 bits (16S), and the quotient rounded to nearest,
+ *  ties to even, and saturated to the range of the depth.
+ *
+ *  **In floats:** samples and coefficients are converted to 32-bit floats (which hold 24 bits of a number), all is computed in
+ *  these, and the final result alone is converted to an integer depth: rounded to nearest, ties to even, and saturated.
+ *  @{ */
+
+/** A window of integer coefficients. To be made by orvCreateConvKernel() and read by orvGetConvKernel(); one filled by hand
+ *  must hold to what is said here. */
+typedef struct OrvConvKernel {
+    int32_t nCols;   /**< Columns of the window, at least 1. */
+    int32_t nRows;   /**< Rows of the window, at least 1. */
+    int32_t anchorX; /**< The anchor's column counted from the right: `nCols` - 1 - the column given. */
+    int32_t anchorY; /**< The anchor's row counted from below: `nRows` - 1 less the row given. */
+    int32_t *values; /**< `nCols` * `nRows` coefficients row by row, as given. A block of the orvMalloc() family. */
+    int32_t nShiftR; /**< The shift to the right of each result. Any value may stand here, the five low bits count. */
+} OrvConvKernel;
+
+/** A window of float coefficients, else as #OrvConvKernel. */
+typedef struct OrvConvKernelFP {
+    int32_t nCols;   /**< Columns of the window, at least 1. */
+    int32_t nRows;   /**< Rows of the window, at least 1. */
+    int32_t anchorX; /**< The anchor's column counted from the right. */
+    int32_t anchorY; /**< The anchor's row counted from below. */
+    float *values;   /**< `nCols` * `nRows` coefficients. */
+} OrvConvKernelFP;
+
+/** How the results r of several kernels become one. */
+enum {
+    ORV_COMBINE_SUM = 0,       /**< The sum of all r. */
+    ORV_COMBINE_SUMSQ = 1,     /**< The sum of all r^2. */
+    ORV_COMBINE_SUMSQROOT = 2, /**< The square root of the sum of all r^2. */
+    ORV_COMBINE_MAX = 3,       /**< The largest r. */
+    ORV_COMBINE_MIN = 4        /**< The smallest r. */
+};
+
+/**
+ * Creates a record of integer coefficients. Reports, and returns null: -5 for null `values`, a size below 1 or an anchor
+ * outside the window, in this order; -4 for exhausted memory or coefficients beyond 2147483647 bytes.
+ * @param nCols    columns of the window
+ * @param nRows    rows of the window
+ * @param anchorX  column of the anchor, 0 to `nCols` - 1
+ * @param anchorY  row of the anchor, 0 to `nRows` - 1
+ * @param values   `nCols` * `nRows` coefficients row by row, which are copied
+ * @param nShiftR  the shift to the right of each result, unchecked
+ * @return         the record, to be released by orvDeleteConvKernel(), or null
+ */
+ORV_API OrvConvKernel *orvCreateConvKernel(int32_t nCols, int32_t nRows, int32_t anchorX, int32_t anchorY,
+                                           const int32_t *values, int32_t nShiftR);
+/** orvCreateConvKernel() with coefficients of signed bytes; the record is the same.
+ *  @param nCols columns @param nRows rows @param anchorX column of the anchor @param anchorY row of the anchor
+ *  @param values coefficients @param nShiftR shift @return the record or null */
+ORV_API OrvConvKernel *orvCreateConvKernelChar(int32_t nCols, int32_t nRows, int32_t anchorX, int32_t anchorY,
+                                               const signed char *values, int32_t nShiftR);
+/** orvCreateConvKernel() of float coefficients. @param nCols columns @param nRows rows @param anchorX column of the anchor
+ *  @param anchorY row of the anchor @param values coefficients
+ *  @return the record, to be released by orvDeleteConvKernelFP(), or null */
+ORV_API OrvConvKernelFP *orvCreateConvKernelFP(int32_t nCols, int32_t nRows, int32_t anchorX, int32_t anchorY,
+                                               const float *values);
+
+/**
+ * Reads a record: gives what it was created with. Reports -5, in this order, for a null record; for one whose size is
+ * below 1 or whose anchor lies outside its window; for null `nRows` and `nCols`, null `anchorX` and `anchorY` (both of a
+ * pair are reported), null `values`, null `nShiftR`. Then nothing is written. Nor is it when the stored status
+ * (orvGetErrStatus()) is negative from an earlier call: clear it by orvSetErrStatus() first.
+ * @param kernel   the record
+ * @param nCols    receives the columns of the window
+ * @param nRows    receives the rows
+ * @param anchorX  receives the column of the anchor, as it was given
+ * @param anchorY  receives the row of the anchor, as it was given
+ * @param values   points to a pointer to the caller's array, which receives `nCols` * `nRows` coefficients. No coefficient is
+ *                 written where that pointer, or the record's own, is null.
+ * @param nShiftR  receives the shift
+ */
+ORV_API void orvGetConvKernel(const OrvConvKernel *kernel, int32_t *nCols, int32_t *nRows, int32_t *anchorX,
+                              int32_t *anchorY, int32_t **values, int32_t *nShiftR);
+/** orvGetConvKernel() into signed bytes: of each coefficient the low byte, so that 300 is read as 44.
+ *  @param kernel the record @param nCols receives the columns @param nRows receives the rows
+ *  @param anchorX receives the column of the anchor @param anchorY receives the row of the anchor
+ *  @param values pointer to the caller's array @param nShiftR receives the shift */
+ORV_API void orvGetConvKernelChar(const OrvConvKernel *kernel, int32_t *nCols, int32_t *nRows, int32_t *anchorX,
+                                  int32_t *anchorY, signed char **values, int32_t *nShiftR);
+/** orvGetConvKernel() of a record of floats.
+ *  @param kernel the record @param nCols receives the columns @param nRows receives the rows
+ *  @param anchorX receives the column of the anchor @param anchorY receives the row of the anchor
+ *  @param values pointer to the caller's array */
+ORV_API void orvGetConvKernelFP(const OrvConvKernelFP *kernel, int32_t *nCols, int32_t *nRows, int32_t *anchorX,
+                                int32_t *anchorY, float **values);
+
+/** Releases a record and its coefficients. Reports -5 for a null record, and for one without coefficients, which is not
+ *  released. @param kernel the record */
+ORV_API void orvDeleteConvKernel(OrvConvKernel *kernel);
+/** orvDeleteConvKernel() of a record of floats. @param kernel the record */
+ORV_API void orvDeleteConvKernelFP(OrvConvKernelFP *kernel);
+
+/**
+ * Convolves with one kernel, or with up to ten whose results are combined pixel by pixel. Depths 8U, 8S, 16U, 16S, 32S: one
+ * kernel at 8U and 16S works in integers, all else in floats. In place or not.
+ *
+ * Statuses, in this order: the header's with "Incorrect Image"; -5 for depth 32F; -5 for null `kernel`, `nKernels` outside 1
+ * to 10, or an unknown `combineMethod` of several kernels; -5 for different depth or data order; -15 for different numbers of
+ * channels to process; -5 for a null record or one that orvGetConvKernel() would not read; -50 for a tiled image or depth
+ * 1U; -4 for exhausted memory, and for the empty rectangles named above.
+ * @param srcImage       source
+ * @param dstImage       destination
+ * @param kernel         `nKernels` records
+ * @param nKernels       1 to 10
+ * @param combineMethod  an `ORV_COMBINE_...` value; not looked at with one kernel
+ * @return               0 or the reported status
+ */
+ORV_API OrvStatus orvConvolve2D(const OrvImage *srcImage, OrvImage *dstImage, const OrvConvKernel *const *kernel,
+                                int32_t nKernels, int32_t combineMethod);
+/** orvConvolve2D() with float coefficients, at depth 32F (-5 for any other). Works in floats.
+ *  @param srcImage source @param dstImage destination @param kernel records @param nKernels 1 to 10
+ *  @param combineMethod an `ORV_COMBINE_...` value @return 0 or the reported status */
+ORV_API OrvStatus orvConvolve2DFP(const OrvImage *srcImage, OrvImage *dstImage, const OrvConvKernelFP *const *kernel,
+                                  int32_t nKernels, int32_t combineMethod);
+
+/**
+ * Convolves with a row of coefficients, a column of them, or both. Depths 8U and 16S. One vector works in integers. Both
+ * together work in floats: the column first, each sum divided by the divisor of its own record, nothing rounded to an integer
+ * in between. Not with one header for source and destination; two headers may share a raster.
+ *
+ * Statuses, in this order: the header's with "Incorrect Image"; -5 for depth 32F, one header for both images, two null
+ * kernels, different depth, data order or origin; -15 for different numbers of channels to process; -5 for a record without
+ * coefficients, of another shape, or with an anchor outside of it, `xKernel` first; -50 for a tiled image or any other depth;
+ * -4 for exhausted memory, and for the empty rectangles named above.
+ * @param srcImage  source
+ * @param dstImage  destination, another header
+ * @param xKernel   a record of one row and at least two columns, or null
+ * @param yKernel   a record of one column and at least two rows, or null
+ * @return          0 or the reported status
+ */
+ORV_API OrvStatus orvConvolveSep2D(const OrvImage *srcImage, OrvImage *dstImage, const OrvConvKernel *xKernel,
+                                   const OrvConvKernel *yKernel);
+/** orvConvolveSep2D() with float coefficients, at depth 32F (-5 for any other). Works in floats.
+ *  @param srcImage source @param dstImage destination, another header @param xKernel a row, or null
+ *  @param yKernel a column, or null @return 0 or the reported status */
+ORV_API OrvStatus orvConvolveSep2DFP(const OrvImage *srcImage, OrvImage *dstImage, const OrvConvKernelFP *xKernel,
+                                     const OrvConvKernelFP *yKernel);
+/** @} */
+
 /** @defgroup processor Choice of the processor's build
  *  Every kernel exists in six builds: 0 plain, 1 MMX and SSE, 2 SSE2, 3 SSE3, 4 SSSE3, 5 SSE4.1. A library left alone runs
  *  build 0. Results do not depend on the build.
