@@ -40,11 +40,13 @@ set(ORV_FRONT_SOURCES
   _src/frame/channel_kernels.cpp
   _src/frame/checks.cpp
   _src/frame/delivery.cpp
+  _src/frame/float_samples.cpp
   _src/frame/header_check.cpp
   _src/frame/neighbourhood.cpp
   _src/frame/operand.cpp
   _src/frame/padded_source.cpp
   _src/frame/pointwise.cpp
+  _src/orvCSep2.cpp
   _src/orvClone.cpp
   _src/orvGetPx.cpp
   _src/orvPutPx.cpp
@@ -56,6 +58,7 @@ set(ORV_FRONT_SOURCES
   _src/orvalpha.cpp
   _src/orvand.cpp
   _src/orvborde.cpp
+  _src/orvcnv2d.cpp
   _src/orvcnv2d_records.cpp
   _src/orvgenim.cpp
   _src/orvlshs.cpp

@@ -620,8 +620,8 @@ ORV_API OrvStatus orvRShiftS(const OrvImage *src, OrvImage *dst, unsigned int nS
  *  **Empty rectangles.** Where the rectangles have nothing in common nothing is written and the call succeeds, save that a
  *  call with a mask ends as one without memory does (-4).
  *
- *  **Memory.** Every call makes a copy of the whole source with its borders. When memory is exhausted the destination stays
- *  as it was.
+ *  **Memory.** A call copies what the windows of its rectangle read, piece by piece, or all at once where source and
+ *  destination overlap. When memory is exhausted the destination stays as it was.
  *  @{ */
 /** @} */
 

@@ -36,11 +36,13 @@
         }                                                 \
     } while (false)
 
-// The result of a run of the frame as the result of the call: 0, exhausted memory, or a depth that is not served.
-#define ORV_RETURN_RUN(run)                                                                         \
-    do {                                                                                            \
-        const OrvStatus runStatus = (run);                                                          \
-        if (runStatus == ORV_STATUS_OK)                                                             \
-            return ORV_STATUS_OK;                                                                   \
-        return ORV_REPORT(runStatus, runStatus == ORV_STATUS_NO_MEMORY ? "Not enough memory" : ""); \
+// The result of a run of the frame as the result of the call: 0, exhausted memory with its text, or a depth that is not
+// served.
+#define ORV_RETURN_RUN_AS(run, noMemory)                                                 \
+    do {                                                                                 \
+        const OrvStatus runStatus = (run);                                               \
+        if (runStatus == ORV_STATUS_OK)                                                  \
+            return ORV_STATUS_OK;                                                        \
+        return ORV_REPORT(runStatus, runStatus == ORV_STATUS_NO_MEMORY ? noMemory : ""); \
     } while (false)
+#define ORV_RETURN_RUN(run) ORV_RETURN_RUN_AS(run, "Not enough memory")

@@ -1,0 +1,187 @@
+// Convolution with a row of coefficients, a column of them, or both.
+#include <cstdint>
+
+#include "frame/checks.h"
+#include "frame/conv_record.h"
+#include "frame/float_samples.h"
+#include "frame/neighbourhood.h"
+#include "frame/report.h"
+
+namespace {
+
+using namespace orv;
+
+constexpr const char *unitName = "orvCSep2";
+
+template <class Record> Refusal checkVector(const Record &kernel, bool row)
+{
+    if (kernel.values == nullptr)
+        return {ORV_STATUS_BAD_ARGUMENT, "NULL kernel values"};
+    const std::int32_t length = row ? kernel.nCols : kernel.nRows, thickness = row ? kernel.nRows : kernel.nCols;
+    if (length <= 1 || thickness != 1)
+        return {ORV_STATUS_BAD_ARGUMENT, "Invalid kernal size"};
+    if (badStructure(kernel))
+        return {ORV_STATUS_BAD_ARGUMENT, "Invalid kernrl anchor"};
+    return nothingRefused;
+}
+
+// The checks behind those of the headers and of the depths that a function serves.
+template <class Record>
+Refusal checkCall(const OrvImage *source, const OrvImage *destination, const Record *xKernel, const Record *yKernel)
+{
+    if (source == destination)
+        return {ORV_STATUS_BAD_ARGUMENT, "Unsupported in-place mode"};
+    if (xKernel == nullptr && yKernel == nullptr)
+        return {ORV_STATUS_BAD_ARGUMENT, "Kernel pointers are NULL"};
+    if (source->depth != destination->depth)
+        return {ORV_STATUS_BAD_ARGUMENT, "SRC and DST depth are different"};
+    if (source->dataOrder != destination->dataOrder)
+        return {ORV_STATUS_BAD_ARGUMENT, "SRC and DST order are different"};
+    if (source->origin != destination->origin)
+        return {ORV_STATUS_BAD_ARGUMENT, "SRC and DST orign are different"};
+    if (channelsToProcess(*source) != channelsToProcess(*destination))
+        return {ORV_STATUS_BAD_CHANNELS, ""};
+    if (xKernel != nullptr)
+        if (const Refusal refusal = checkVector(*xKernel, true); refusal.status != ORV_STATUS_OK)
+            return refusal;
+    if (yKernel != nullptr)
+        if (const Refusal refusal = checkVector(*yKernel, false); refusal.status != ORV_STATUS_OK)
+            return refusal;
+    if (anyTiled(source, destination))
+        return {ORV_STATUS_NOT_IMPLEMENTED, ""};
+    return nothingRefused;
+}
+
+// One vector: its kernel, called with the anchor as it was given, and with a divisor in integers.
+template <class Signature, class Record> struct OneVector {
+    LayoutKernels<Signature> row, column;
+    const Record &record;
+
+    void operator()(Layout layout, const PaddedSource &source, Raster out, std::uint8_t *) const
+    {
+        const bool across = record.nRows == 1;
+        const auto call = [&](auto... divisor) {
+            (across ? row : column)[layout](source.raster.data, source.raster.step, out.data, out.step,
+                                            source.size.width, source.size.height, record.values,
+                                            record.nCols * record.nRows,
+                                            across ? givenAnchorX(record) : givenAnchorY(record), divisor...);
+        };
+        if constexpr (requires { record.nShiftR; })
+            call(divisorOf(record));
+        else
+            call();
+    }
+};
+
+using IntegerVector = OneVector<ConvolveLineKernel, OrvConvKernel>;
+using FloatVector = OneVector<ConvolveFloatLineKernel, OrvConvKernelFP>;
+
+#define ORV_LINE_KERNELS(samples)                                                              \
+    {krnConvolveRow##samples##C1, krnConvolveRow##samples##C3, krnConvolveRow##samples##C4,    \
+     krnConvolveRow##samples##AC4},                                                            \
+    {                                                                                          \
+        krnConvolveCol##samples##C1, krnConvolveCol##samples##C3, krnConvolveCol##samples##C4, \
+            krnConvolveCol##samples##AC4                                                       \
+    }
+
+constexpr LayoutKernels<ConvolveFloatLineKernel> floatRow = {krnConvolveRow32fC1, krnConvolveRow32fC3,
+                                                             krnConvolveRow32fC4, krnConvolveRow32fAC4};
+
+// Both vectors, in floats: the column first, over all columns that the row will read.
+template <class Record> struct TwoVectors {
+    const Record &x, &y;
+    std::int32_t depth;
+
+    std::int64_t workBytes(Layout layout, const PaddedSource &source) const
+    {
+        const std::int64_t channels = samplesPerPixel(layout), rows = source.size.height;
+        return wholeAsFloatsBytes(source, layout, depth) + FloatRaster::bytes(source.wholeWidth() * channels, rows) +
+               FloatRaster::bytes(source.size.width * channels, rows) + coefficientBytes(x) + coefficientBytes(y);
+    }
+
+    void operator()(Layout layout, const PaddedSource &source, Raster out, std::uint8_t *work) const
+    {
+        const std::int32_t channels = samplesPerPixel(layout);
+        const FloatRaster whole = wholeAsFloats(source, layout, depth, work);
+        const FloatRaster sums = takeFloats(work, {whole.size.width, source.size.height});
+        const Raster from = whole.raster.fromRow(source.margins.top);
+        krnConvolveCol32fC1(from.data, from.step, sums.raster.data, sums.raster.step, sums.size.width, sums.size.height,
+                            coefficientsOf(y, work), y.nRows, givenAnchorY(y));
+        divide(sums, y);
+
+        const Raster rows = {sums.raster.data + std::ptrdiff_t{4} * source.margins.left * channels, sums.raster.step};
+        const auto across = [&](Layout as, const Raster &to) {
+            floatRow[as](rows.data, rows.step, to.data, to.step, source.size.width, source.size.height,
+                         coefficientsOf(x, work), x.nCols, givenAnchorX(x));
+        };
+        if (depth == ORV_DEPTH_32F)
+            return across(layout, out);
+        const FloatRaster result = takeFloats(work, {source.size.width * channels, source.size.height});
+        across(layout == Layout::AC4 ? Layout::C4 : layout, result.raster);
+        divide(result, x);
+        fromFloats(result, layout, depth, out);
+    }
+};
+
+// `one` makes the loop of a single vector.
+template <class Record, class MakeOne>
+OrvStatus run(const OrvImage *source, const OrvImage *destination, const Record *x, const Record *y, MakeOne one)
+{
+    if (x == nullptr || y == nullptr) {
+        const Record &only = x != nullptr ? *x : *y;
+        return neighbourhood(neighbourhoodOf(only, source, destination), one(only));
+    }
+    Neighbourhood call = {source, destination, {}, 0, 0, source->alphaChannel != 0};
+    unite(call, *x);
+    unite(call, *y);
+    return neighbourhood(call, TwoVectors<Record>{*x, *y, destination->depth});
+}
+
+OrvStatus run(const OrvImage *source, const OrvImage *destination, const OrvConvKernel *x, const OrvConvKernel *y)
+{
+    switch (destination->depth) {
+    case ORV_DEPTH_8U:
+        return run(source, destination, x, y, [](const OrvConvKernel &only) {
+            return IntegerVector{ORV_LINE_KERNELS(8u), only};
+        });
+    case ORV_DEPTH_16S:
+        return run(source, destination, x, y, [](const OrvConvKernel &only) {
+            return IntegerVector{ORV_LINE_KERNELS(16s), only};
+        });
+    default:
+        return ORV_STATUS_NOT_IMPLEMENTED;
+    }
+}
+
+OrvStatus run(const OrvImage *source, const OrvImage *destination, const OrvConvKernelFP *x, const OrvConvKernelFP *y)
+{
+    return run(source, destination, x, y, [](const OrvConvKernelFP &only) {
+        return FloatVector{ORV_LINE_KERNELS(32f), only};
+    });
+}
+
+} // namespace
+
+extern "C" {
+
+OrvStatus orvConvolveSep2D(const OrvImage *srcImage, OrvImage *dstImage, const OrvConvKernel *xKernel,
+                           const OrvConvKernel *yKernel)
+{
+    ORV_REFUSE(checkHeaders(srcImage, dstImage));
+    ORV_REFUSE_IF(srcImage->depth == ORV_DEPTH_32F || dstImage->depth == ORV_DEPTH_32F, ORV_STATUS_BAD_ARGUMENT,
+                  "orvConvolveSep2D does not support ORV_DEPTH_32F.\nCall orvConvolveSep2DFP instead");
+    ORV_REFUSE(checkCall(srcImage, dstImage, xKernel, yKernel));
+    ORV_RETURN_RUN(run(srcImage, dstImage, xKernel, yKernel));
+}
+
+OrvStatus orvConvolveSep2DFP(const OrvImage *srcImage, OrvImage *dstImage, const OrvConvKernelFP *xKernel,
+                             const OrvConvKernelFP *yKernel)
+{
+    ORV_REFUSE(checkHeaders(srcImage, dstImage));
+    ORV_REFUSE_IF(srcImage->depth != ORV_DEPTH_32F || dstImage->depth != ORV_DEPTH_32F, ORV_STATUS_BAD_ARGUMENT,
+                  "orvConvolveSep2DFP does support ORV_DEPTH_32F only.\nCall orvConvolveSep2D instead");
+    ORV_REFUSE(checkCall(srcImage, dstImage, xKernel, yKernel));
+    ORV_RETURN_RUN(run(srcImage, dstImage, xKernel, yKernel));
+}
+
+} // extern "C"
