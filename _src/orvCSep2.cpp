@@ -94,32 +94,43 @@ template <class Record> struct TwoVectors {
 
     std::int64_t workBytes(Layout layout, const PaddedSource &source) const
     {
-        const std::int64_t channels = samplesPerPixel(layout), rows = source.size.height;
-        return wholeAsFloatsBytes(source, layout, depth) + FloatRaster::bytes(source.wholeWidth() * channels, rows) +
-               FloatRaster::bytes(source.size.width * channels, rows) + coefficientBytes(x) + coefficientBytes(y);
+        return wholeAsFloatsBytes(source, layout, depth) + sumsOf(layout, source).bytes() +
+               FloatPieces(layout, source.size).bytes() + coefficientBytes(x) + coefficientBytes(y);
     }
 
     void operator()(Layout layout, const PaddedSource &source, Raster out, std::uint8_t *work) const
     {
-        const std::int32_t channels = samplesPerPixel(layout);
         const FloatRaster whole = wholeAsFloats(source, layout, depth, work);
-        const FloatRaster sums = takeFloats(work, {whole.size.width, source.size.height});
-        const Raster from = whole.raster.fromRow(source.margins.top);
-        krnConvolveCol32fC1(from.data, from.step, sums.raster.data, sums.raster.step, sums.size.width, sums.size.height,
-                            coefficientsOf(y, work), y.nRows, givenAnchorY(y));
-        divide(sums, y);
+        const float *const xValues = takeCoefficients(x, work), *const yValues = takeCoefficients(y, work);
+        const FloatPieces pieces = sumsOf(layout, source);
+        const std::ptrdiff_t marginBytes = std::ptrdiff_t{4} * source.margins.left * samplesPerPixel(layout);
+        for (std::int32_t row = 0; row < source.size.height; row += pieces.rows()) {
+            std::uint8_t *free = work;
+            const Size size = {source.size.width, pieces.at(row).height};
+            const FloatRaster sums = pieces.take(free, size);
+            const Raster from = whole.raster.fromRow(source.margins.top + row);
+            krnConvolveCol32fC1(from.data, from.step, sums.raster.data, sums.raster.step, sums.size.width,
+                                sums.size.height, yValues, y.nRows, givenAnchorY(y));
 
-        const Raster rows = {sums.raster.data + std::ptrdiff_t{4} * source.margins.left * channels, sums.raster.step};
-        const auto across = [&](Layout as, const Raster &to) {
-            floatRow[as](rows.data, rows.step, to.data, to.step, source.size.width, source.size.height,
-                         coefficientsOf(x, work), x.nCols, givenAnchorX(x));
-        };
-        if (depth == ORV_DEPTH_32F)
-            return across(layout, out);
-        const FloatRaster result = takeFloats(work, {source.size.width * channels, source.size.height});
-        across(layout == Layout::AC4 ? Layout::C4 : layout, result.raster);
-        divide(result, x);
-        fromFloats(result, layout, depth, out);
+            const auto across = [&](Layout as, const Raster &to) {
+                floatRow[as](sums.raster.data + marginBytes, sums.raster.step, to.data, to.step, size.width,
+                             size.height, xValues, x.nCols, givenAnchorX(x));
+            };
+            if (depth == ORV_DEPTH_32F) {
+                across(layout, out.fromRow(row));
+                continue;
+            }
+            const FloatRaster result = FloatPieces(layout, source.size).take(free, size);
+            across(layout == Layout::AC4 ? Layout::C4 : layout, result.raster);
+            fromFloats(result, layout, depth, out.fromRow(row));
+        }
+    }
+
+private:
+    // The sums of columns, of all columns with the margins.
+    static FloatPieces sumsOf(Layout layout, const PaddedSource &source)
+    {
+        return FloatPieces(layout, {static_cast<std::int32_t>(source.wholeWidth()), source.size.height});
     }
 };
 

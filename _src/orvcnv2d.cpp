@@ -14,6 +14,8 @@ using namespace orv;
 
 constexpr const char *unitName = "orvcnv2d";
 
+constexpr std::int32_t mostKernels = 10;
+
 // The records of a call and how their results become one.
 template <class Record> struct Kernels {
     const Record *const *records;
@@ -29,7 +31,7 @@ Refusal checkCall(const OrvImage &source, const OrvImage &destination, const Ker
 {
     if (kernels.records == nullptr)
         return {ORV_STATUS_BAD_ARGUMENT, "kernel==0"};
-    if (kernels.count <= 0 || kernels.count > 10)
+    if (kernels.count <= 0 || kernels.count > mostKernels)
         return {ORV_STATUS_BAD_ARGUMENT, "(nKernels<=0 || nKernels>10)"};
     if (kernels.count > 1 && (kernels.method < ORV_COMBINE_SUM || kernels.method > ORV_COMBINE_MIN))
         return {ORV_STATUS_BAD_ARGUMENT, "Inadmissible method"};
@@ -58,42 +60,35 @@ struct IntegerEngine {
     }
 };
 
+constexpr LayoutKernels<ConvolveFloatsKernel> convolveFloats = {krnConvolve32fC1, krnConvolve32fC3, krnConvolve32fC4,
+                                                                krnConvolve32fAC4};
+
 // All else.
-template <class Record> struct FloatEngine {
-    const Kernels<Record> &kernels;
-    std::int32_t depth;
+template <class Record> class FloatEngine {
+public:
+    FloatEngine(const Kernels<Record> &kernels, std::int32_t depth) : kernels_(kernels), depth_(depth) {}
 
     std::int64_t workBytes(Layout layout, const PaddedSource &source) const
     {
-        const std::int64_t samples = std::int64_t{source.size.width} * samplesPerPixel(layout);
-        std::int64_t coefficients = 0;
-        for (const Record *kernel : kernels)
-            coefficients = std::max(coefficients, coefficientBytes(*kernel));
-        return wholeAsFloatsBytes(source, layout, depth) + 2 * FloatRaster::bytes(samples, source.size.height) +
-               coefficients;
+        const FloatPieces pieces(layout, source.size);
+        std::int64_t bytes = wholeAsFloatsBytes(source, layout, depth_) + 2 * pieces.bytes();
+        for (const Record *kernel : kernels_)
+            bytes += coefficientBytes(*kernel);
+        return bytes;
     }
 
     void operator()(Layout layout, const PaddedSource &source, Raster out, std::uint8_t *work) const;
 
 private:
-    void combine(const FloatRaster &result, const FloatRaster &next) const;
-    void finish(const FloatRaster &result) const;
+    bool squares() const
+    {
+        return kernels_.count > 1 && (kernels_.method == ORV_COMBINE_SUMSQ || kernels_.method == ORV_COMBINE_SUMSQROOT);
+    }
+    void add(const FloatRaster &next, const FloatRaster &result) const;
+
+    const Kernels<Record> &kernels_;
+    std::int32_t depth_;
 };
-
-constexpr LayoutKernels<ConvolveFloatsKernel> convolveFloats = {krnConvolve32fC1, krnConvolve32fC3, krnConvolve32fC4,
-                                                                krnConvolve32fAC4};
-
-// From the first pixel that is computed, in floats with margins.
-template <class Record>
-void convolve(Layout layout, const PaddedSource &source, const FloatRaster &whole, const Record &kernel, Size size,
-              const Raster &out, std::uint8_t *work)
-{
-    const Raster from = whole.raster.fromRow(source.margins.top);
-    const float *values = coefficientsOf(kernel, work);
-    convolveFloats[layout](from.data + std::ptrdiff_t{4} * source.margins.left * samplesPerPixel(layout), from.step,
-                           out.data, out.step, size.width, size.height, values, kernel.nCols, kernel.nRows,
-                           givenAnchorX(kernel), givenAnchorY(kernel));
-}
 
 void square(const FloatRaster &floats)
 {
@@ -101,53 +96,56 @@ void square(const FloatRaster &floats)
     krnSqr32fC1(raster.data, raster.step, raster.data, raster.step, floats.size.width, floats.size.height);
 }
 
-template <class Record> void FloatEngine<Record>::combine(const FloatRaster &result, const FloatRaster &next) const
+template <class Record> void FloatEngine<Record>::add(const FloatRaster &next, const FloatRaster &result) const
 {
     const Raster &all = result.raster, &one = next.raster;
-    if (kernels.method != ORV_COMBINE_MAX && kernels.method != ORV_COMBINE_MIN) {
+    if (kernels_.method != ORV_COMBINE_MAX && kernels_.method != ORV_COMBINE_MIN) {
         krnAdd32fC1(all.data, all.step, one.data, one.step, all.data, all.step, result.size.width, result.size.height);
         return;
     }
-    const Kernel<FloatPairRowKernel> &pick = kernels.method == ORV_COMBINE_MAX ? krnMaxRow32f : krnMinRow32f;
+    const Kernel<FloatPairRowKernel> &pick = kernels_.method == ORV_COMBINE_MAX ? krnMaxRow32f : krnMinRow32f;
     for (std::int32_t row = 0; row < result.size.height; ++row) {
         std::uint8_t *const of = all.fromRow(row).data;
         pick(of, one.fromRow(row).data, of, result.size.width);
     }
 }
 
-template <class Record> void FloatEngine<Record>::finish(const FloatRaster &result) const
-{
-    for (std::int32_t row = 0; row < result.size.height; ++row) {
-        std::uint8_t *const of = result.raster.fromRow(row).data;
-        krnSqrtRow32f(of, of, result.size.width);
-    }
-}
-
 template <class Record>
 void FloatEngine<Record>::operator()(Layout layout, const PaddedSource &source, Raster out, std::uint8_t *work) const
 {
-    const FloatRaster whole = wholeAsFloats(source, layout, depth, work);
-    if (depth == ORV_DEPTH_32F && kernels.count == 1)
-        return convolve(layout, source, whole, **kernels.begin(), source.size, out, work);
+    const FloatRaster whole = wholeAsFloats(source, layout, depth_, work);
+    const Raster first = firstComputed(whole, source, layout);
+    const float *coefficients[mostKernels];
+    for (std::int32_t i = 0; i < kernels_.count; ++i)
+        coefficients[i] = takeCoefficients(*kernels_.records[i], work);
+    const auto convolve = [&](std::int32_t i, Layout as, const Raster &from, const Raster &to, Size size) {
+        const Record &kernel = *kernels_.records[i];
+        convolveFloats[as](from.data, from.step, to.data, to.step, size.width, size.height, coefficients[i],
+                           kernel.nCols, kernel.nRows, givenAnchorX(kernel), givenAnchorY(kernel));
+    };
+    if (depth_ == ORV_DEPTH_32F && kernels_.count == 1)
+        return convolve(0, layout, first, out, source.size);
 
     // What lies in scratch has all its samples computed.
     const Layout all = layout == Layout::AC4 ? Layout::C4 : layout;
-    const Size samples = {source.size.width * samplesPerPixel(layout), source.size.height};
-    const FloatRaster result = takeFloats(work, samples), next = takeFloats(work, samples);
-    const bool squares =
-        kernels.count > 1 && (kernels.method == ORV_COMBINE_SUMSQ || kernels.method == ORV_COMBINE_SUMSQROOT);
-    for (const Record *const &kernel : kernels) {
-        const FloatRaster &into = &kernel == kernels.begin() ? result : next;
-        convolve(all, source, whole, *kernel, source.size, into.raster, work);
-        divide(into, *kernel);
-        if (squares)
-            square(into);
-        if (&kernel != kernels.begin())
-            combine(result, next);
+    const FloatPieces pieces(layout, source.size);
+    for (std::int32_t row = 0; row < source.size.height; row += pieces.rows()) {
+        std::uint8_t *free = work;
+        const Size size = pieces.at(row);
+        const FloatRaster result = pieces.take(free, size), next = pieces.take(free, size);
+        for (std::int32_t i = 0; i < kernels_.count; ++i) {
+            const FloatRaster &into = i == 0 ? result : next;
+            convolve(i, all, first.fromRow(row), into.raster, size);
+            if (squares())
+                square(into);
+            if (i > 0)
+                add(next, result);
+        }
+        if (squares() && kernels_.method == ORV_COMBINE_SUMSQROOT)
+            krnSqrt32fC1(result.raster.data, result.raster.step, result.raster.data, result.raster.step,
+                         result.size.width, result.size.height);
+        fromFloats(result, layout, depth_, out.fromRow(row));
     }
-    if (kernels.count > 1 && kernels.method == ORV_COMBINE_SUMSQROOT)
-        finish(result);
-    fromFloats(result, layout, depth, out);
 }
 
 template <class Record>
@@ -156,7 +154,7 @@ OrvStatus runFloats(const OrvImage *source, const OrvImage *destination, const K
     Neighbourhood call = {source, destination, {}, 0, 0, source->alphaChannel != 0};
     for (const Record *kernel : kernels)
         unite(call, *kernel);
-    return neighbourhood(call, FloatEngine<Record>{kernels, destination->depth});
+    return neighbourhood(call, FloatEngine<Record>(kernels, destination->depth));
 }
 
 OrvStatus runIntegers(const LayoutKernels<ConvolveKernel> &kernels, const OrvImage *source, const OrvImage *destination,

@@ -82,14 +82,25 @@ void fromFloats(const FloatRaster &floats, Layout layout, std::int32_t depth, co
                                                 size.height, toNearestEven);
 }
 
-const float *coefficientsOf(const OrvConvKernel &kernel, std::uint8_t *work)
+Raster firstComputed(const FloatRaster &whole, const PaddedSource &source, Layout layout)
 {
-    const std::int32_t count = kernel.nCols * kernel.nRows;
-    krnConvert32s32f(kernel.values, count * 4, work, count * 4, count, 1);
-    return reinterpret_cast<const float *>(work);
+    Raster first = whole.raster.fromRow(source.margins.top);
+    first.data += std::ptrdiff_t{4} * source.margins.left * samplesPerPixel(layout);
+    return first;
 }
 
-const float *coefficientsOf(const OrvConvKernelFP &kernel, std::uint8_t *)
+const float *takeCoefficients(const OrvConvKernel &kernel, std::uint8_t *&work)
+{
+    const std::int32_t count = kernel.nCols * kernel.nRows, bytes = count * 4;
+    std::uint8_t *const floats = work;
+    krnConvert32s32f(kernel.values, bytes, floats, bytes, count, 1);
+    const float divisor = static_cast<float>(static_cast<std::uint32_t>(divisorOf(kernel)));
+    krnMulC32fC1I(1.0f / divisor, floats, bytes, count, 1);
+    work += coefficientBytes(kernel);
+    return reinterpret_cast<const float *>(floats);
+}
+
+const float *takeCoefficients(const OrvConvKernelFP &kernel, std::uint8_t *&)
 {
     return kernel.values;
 }
@@ -103,15 +114,5 @@ std::int64_t coefficientBytes(const OrvConvKernelFP &)
 {
     return 0;
 }
-
-void divide(const FloatRaster &sums, const OrvConvKernel &kernel)
-{
-    const int shift = kernel.nShiftR & 31;
-    if (shift != 0)
-        krnMulC32fC1I(1.0f / static_cast<float>(1u << shift), sums.raster.data, sums.raster.step, sums.size.width,
-                      sums.size.height);
-}
-
-void divide(const FloatRaster &, const OrvConvKernelFP &) {}
 
 } // namespace orv

@@ -110,7 +110,6 @@ using ConvolveLineKernel = KrnStatus(const void *source, std::int32_t sourceStep
 using ConvolveFloatLineKernel = KrnStatus(const void *source, std::int32_t sourceStep, void *destination,
                                           std::int32_t destinationStep, std::int32_t width, std::int32_t height,
                                           const void *values, std::int32_t size, std::int32_t anchor);
-using FloatRowKernel = KrnStatus(const void *source, void *destination, std::int32_t length);
 using FloatPairRowKernel = KrnStatus(const void *source1, const void *source2, void *destination, std::int32_t length);
 
 using AllocateKernel = void *(int32_t count);

@@ -2,6 +2,7 @@
 // them.
 #include <cstddef>
 #include <cstdint>
+#include <type_traits>
 
 #if defined(__x86_64__) || defined(__i386__)
 #include <smmintrin.h>
@@ -27,6 +28,7 @@ struct Coefficients {
     Window window;
     std::ptrdiff_t rowBytes, pixelBytes; // of the source
     std::int64_t positive, negative;     // sums of those of one sign
+    std::int64_t largest;                // without its sign
 
     std::int32_t at(std::ptrdiff_t place) const
     {
@@ -37,10 +39,11 @@ struct Coefficients {
 
 Coefficients coefficientsOf(const void *values, const Window &window, std::int32_t rowBytes, std::size_t pixelBytes)
 {
-    Coefficients coefficients = {values, window, rowBytes, static_cast<std::ptrdiff_t>(pixelBytes), 0, 0};
+    Coefficients coefficients = {values, window, rowBytes, static_cast<std::ptrdiff_t>(pixelBytes), 0, 0, 0};
     for (std::ptrdiff_t place = 0; place < std::ptrdiff_t{window.columns} * window.rows; ++place) {
-        const std::int32_t value = coefficients.at(place);
+        const std::int64_t value = coefficients.at(place), size = value < 0 ? -value : value;
         (value > 0 ? coefficients.positive : coefficients.negative) += value;
+        coefficients.largest = size > coefficients.largest ? size : coefficients.largest;
     }
     return coefficients;
 }
@@ -91,8 +94,11 @@ template <class Sum> struct ToWord {
     {
         Sum rounded = sum;
         if (shift > 0) {
-            const Sum half = Sum{1} << (shift - 1), quotient = sum >> shift, rest = sum & (half - 1 + half);
-            rounded = quotient + (((quotient & 1) + rest - 1 + half) >> shift);
+            const Sum half = Sum{1} << (shift - 1), quotient = sum >> shift;
+            if constexpr (sizeof(Sum) == 4) // holds the sum with half of the divisor on top
+                rounded = (sum + (half - 1) + (quotient & 1)) >> shift;
+            else
+                rounded = quotient + (((quotient & 1) + (sum & (2 * half - 1)) - 1 + half) >> shift);
         }
         return static_cast<std::int16_t>(rounded < -32768 ? -32768 : rounded > 32767 ? 32767 : rounded);
     }
@@ -119,41 +125,30 @@ template <class Sample> struct Divided {
     }
 };
 
-// Sums of a type that holds all that the coefficients can sum up to, or that wraps as it is wanted.
-template <class Sum, class Sample, class Finish>
-inline void sumRow(std::size_t samples, const unsigned char *in, unsigned char *out, const Coefficients &coefficients,
-                   Finish finish)
+// Sums of a type that holds all that the coefficients can sum up to, or that wraps as it is wanted; coefficients of a
+// type that holds them, or as much of them as matters to such a sum.
+template <class Sum, class Value, class Sample, class Finish>
+inline void sumPlainly(std::size_t samples, const unsigned char *in, unsigned char *out,
+                       const Coefficients &coefficients, Finish finish)
 {
     constexpr std::size_t most = 512 / sizeof(Sum);
     for (std::size_t i = 0; i < samples; i += most) {
         const std::size_t some = samples - i < most ? samples - i : most;
         const unsigned char *window = in + i * sizeof(Sample);
         Sum sums[most] = {};
-        overPairs(coefficients,
-                  [&](std::ptrdiff_t offset1, std::int32_t value1, std::ptrdiff_t offset2, std::int32_t value2) {
-                      const unsigned char *first = window + offset1, *second = window + offset2;
-                      const Sum by1 = static_cast<Sum>(value1), by2 = static_cast<Sum>(value2);
-                      ORV_INDEPENDENT
-                      for (std::size_t j = 0; j < some; ++j)
-                          sums[j] = static_cast<Sum>(sums[j] + static_cast<Sum>(by1 * load<Sample>(first, j)) +
-                                                     static_cast<Sum>(by2 * load<Sample>(second, j)));
-                  });
+        const auto add = [&](std::ptrdiff_t offset1, std::int32_t value1, std::ptrdiff_t offset2, std::int32_t value2) {
+            const unsigned char *first = window + offset1, *second = window + offset2;
+            const Value by1 = static_cast<Value>(value1), by2 = static_cast<Value>(value2);
+            ORV_INDEPENDENT
+            for (std::size_t j = 0; j < some; ++j)
+                sums[j] = static_cast<Sum>(sums[j] + static_cast<Sum>(by1 * load<Sample>(first, j)) +
+                                           static_cast<Sum>(by2 * load<Sample>(second, j)));
+        };
+        overPairs(coefficients, add);
         ORV_INDEPENDENT
         for (std::size_t j = 0; j < some; ++j)
             store(out, i + j, finish(sums[j]));
     }
-}
-
-// Whether sums of bytes fit words, and may be rounded as such.
-enum class Words { No, Signed, Unsigned };
-
-Words fitWords(const Coefficients &coefficients, int shift)
-{
-    const std::int64_t top = 255 * coefficients.positive, bottom = 255 * coefficients.negative;
-    if (top <= 32767 && bottom >= -32768)
-        return Words::Signed;
-    const std::int64_t half = std::int64_t{1} << shift >> 1;
-    return shift > 0 && bottom == 0 && top + half <= 65535 ? Words::Unsigned : Words::No;
 }
 
 #if ORV_SSE_LEVEL >= 2
@@ -164,97 +159,71 @@ struct CoefficientPair {
     __m128i values;
 };
 
-template <std::size_t most> struct PairList {
+// Coefficients that sum up to so little that narrow sums do are mostly few; it is no matter which way others go.
+struct PairList {
+    static constexpr std::size_t most = 132;
     CoefficientPair pairs[most];
     std::size_t count;
 };
 
-// Coefficients that sum up to so little that words hold the sums are few. False where two of them are too much for one
-// step of the processor all the same.
-constexpr std::size_t mostPairs = 132;
-
-template <class Value> inline bool listPairs(const Coefficients &coefficients, PairList<mostPairs> &list)
-{
-    list.count = 0;
-    bool fits = true;
-    overPairs(coefficients, [&](std::ptrdiff_t offset1, std::int32_t value1, std::ptrdiff_t offset2,
-                                std::int32_t value2) {
-        const std::int32_t size1 = value1 < 0 ? -value1 : value1, size2 = value2 < 0 ? -value2 : value2;
-        fits = fits && list.count < mostPairs && static_cast<Value>(value1) == value1 &&
-               static_cast<Value>(value2) == value2 && (sizeof(Value) == 2 || size1 + size2 <= 128);
-        if (!fits)
-            return;
-        CoefficientPair &pair = list.pairs[list.count++];
-        pair.first = offset1;
-        pair.second = offset2;
-        constexpr int bits = 8 * sizeof(Value);
-        const std::int32_t both = static_cast<std::int32_t>(static_cast<std::uint32_t>(value2) << bits |
-                                                            (static_cast<std::uint32_t>(value1) & ((1u << bits) - 1)));
-        pair.values = sizeof(Value) == 1 ? _mm_set1_epi16(static_cast<std::int16_t>(both)) : _mm_set1_epi32(both);
-    });
-    return fits;
-}
-
-inline __m128i loadIntegers(const unsigned char *at)
-{
-    return _mm_loadu_si128(reinterpret_cast<const __m128i *>(at));
-}
-
-inline void storeIntegers(unsigned char *at, __m128i integers)
-{
-    _mm_storeu_si128(reinterpret_cast<__m128i *>(at), integers);
-}
-
-// Words of a sum that fits 32 bits with half of the divisor on top.
-struct WordsOfSums {
+// Words, summed up in 32 bits that hold the sum with half of the divisor on top.
+struct WordPairs {
+    using Sample = std::int16_t;
     __m128i shift, half, one;
 
-    explicit WordsOfSums(int by)
-        : shift(_mm_cvtsi32_si128(by)), half(_mm_set1_epi32((1 << by >> 1) - (by > 0))), one(_mm_set1_epi32(by > 0))
+    explicit WordPairs(int by)
+        : shift(_mm_cvtsi32_si128(by)), half(_mm_set1_epi32(static_cast<std::int32_t>(1u << by >> 1) - (by > 0))),
+          one(_mm_set1_epi32(by > 0))
     {
     }
 
+    static bool fit(std::int32_t, std::int32_t) { return true; }
+    static __m128i values(std::int32_t first, std::int32_t second)
+    {
+        return _mm_set1_epi32(static_cast<std::int32_t>(static_cast<std::uint32_t>(second) << 16 | (first & 0xFFFF)));
+    }
+    static __m128i lower(__m128i a, __m128i b) { return _mm_unpacklo_epi16(a, b); }
+    static __m128i upper(__m128i a, __m128i b) { return _mm_unpackhi_epi16(a, b); }
+    static __m128i add(__m128i sums, __m128i pairs, __m128i values)
+    {
+        return _mm_add_epi32(sums, _mm_madd_epi16(pairs, values));
+    }
     __m128i rounded(__m128i sums) const
     {
         const __m128i odd = _mm_and_si128(_mm_sra_epi32(sums, shift), one);
         return _mm_sra_epi32(_mm_add_epi32(_mm_add_epi32(sums, half), odd), shift);
     }
+    __m128i finish(__m128i low, __m128i high) const { return _mm_packs_epi32(rounded(low), rounded(high)); }
 };
-
-inline void sumWords(const unsigned char *in, unsigned char *out, const PairList<mostPairs> &list,
-                     const WordsOfSums &finish)
-{
-    __m128i sums[4] = {};
-    for (std::size_t i = 0; i < list.count; ++i) {
-        const CoefficientPair &pair = list.pairs[i];
-        for (std::size_t half = 0; half < 2; ++half) {
-            const __m128i first = loadIntegers(in + pair.first + 16 * half);
-            const __m128i second = loadIntegers(in + pair.second + 16 * half);
-            sums[2 * half] =
-                _mm_add_epi32(sums[2 * half], _mm_madd_epi16(_mm_unpacklo_epi16(first, second), pair.values));
-            sums[2 * half + 1] =
-                _mm_add_epi32(sums[2 * half + 1], _mm_madd_epi16(_mm_unpackhi_epi16(first, second), pair.values));
-        }
-    }
-    for (std::size_t half = 0; half < 2; ++half)
-        storeIntegers(out + 16 * half,
-                      _mm_packs_epi32(finish.rounded(sums[2 * half]), finish.rounded(sums[2 * half + 1])));
-}
-
-#endif
 
 #if ORV_SSE_LEVEL >= 4
 
-// Bytes of a sum that fits a word.
-template <bool positive> struct BytesOfSums {
+// Bytes, summed up in words that hold the sum, and half of the divisor on top where it is not below zero.
+template <bool positive> struct BytePairs {
+    using Sample = std::uint8_t;
     __m128i shift, half, one;
 
-    explicit BytesOfSums(int by)
-        : shift(_mm_cvtsi32_si128(by)), half(_mm_set1_epi16(static_cast<std::int16_t>((1 << by >> 1) - (by > 0)))),
+    explicit BytePairs(int by)
+        : shift(_mm_cvtsi32_si128(by)), half(_mm_set1_epi16(static_cast<std::int16_t>((1u << by >> 1) - (by > 0)))),
           one(_mm_set1_epi16(by > 0))
     {
     }
 
+    // The sum of two products saturates.
+    static bool fit(std::int32_t first, std::int32_t second)
+    {
+        return first <= 127 && second <= 127 && first + second <= 128;
+    }
+    static __m128i values(std::int32_t first, std::int32_t second)
+    {
+        return _mm_set1_epi16(static_cast<std::int16_t>(second * 256 + (first & 0xFF)));
+    }
+    static __m128i lower(__m128i a, __m128i b) { return _mm_unpacklo_epi8(a, b); }
+    static __m128i upper(__m128i a, __m128i b) { return _mm_unpackhi_epi8(a, b); }
+    static __m128i add(__m128i sums, __m128i pairs, __m128i values)
+    {
+        return _mm_add_epi16(sums, _mm_maddubs_epi16(pairs, values));
+    }
     __m128i rounded(__m128i sums) const
     {
         if constexpr (!positive)
@@ -262,26 +231,60 @@ template <bool positive> struct BytesOfSums {
         const __m128i odd = _mm_and_si128(_mm_srl_epi16(sums, shift), one);
         return _mm_srl_epi16(_mm_add_epi16(_mm_add_epi16(sums, half), odd), shift);
     }
+    __m128i finish(__m128i low, __m128i high) const { return _mm_packus_epi16(rounded(low), rounded(high)); }
 };
 
-template <class Finish>
-inline void sumBytes(const unsigned char *in, unsigned char *out, const PairList<mostPairs> &list, const Finish &finish)
+#endif
+
+// False where the pairs are too many, or one of them is too much for a step.
+template <class Pairs> inline bool listPairs(const Coefficients &coefficients, PairList &list)
 {
-    __m128i sums[4] = {};
-    for (std::size_t i = 0; i < list.count; ++i) {
-        const CoefficientPair &pair = list.pairs[i];
-        for (std::size_t half = 0; half < 2; ++half) {
-            const __m128i first = loadIntegers(in + pair.first + 16 * half);
-            const __m128i second = loadIntegers(in + pair.second + 16 * half);
-            sums[2 * half] =
-                _mm_add_epi16(sums[2 * half], _mm_maddubs_epi16(_mm_unpacklo_epi8(first, second), pair.values));
-            sums[2 * half + 1] =
-                _mm_add_epi16(sums[2 * half + 1], _mm_maddubs_epi16(_mm_unpackhi_epi8(first, second), pair.values));
+    list.count = 0;
+    bool fits = true;
+    overPairs(coefficients, [&](std::ptrdiff_t first, std::int32_t value1, std::ptrdiff_t second, std::int32_t value2) {
+        fits = fits && list.count < PairList::most && Pairs::fit(value1, value2);
+        if (fits)
+            list.pairs[list.count++] = {first, second, Pairs::values(value1, value2)};
+    });
+    return fits;
+}
+
+template <std::size_t vectors, class Pairs>
+inline void sumBlock(const unsigned char *in, unsigned char *out, const PairList &list, const Pairs &pairs)
+{
+    __m128i low[vectors] = {}, high[vectors] = {};
+    for (const CoefficientPair *pair = list.pairs; pair != list.pairs + list.count; ++pair)
+        for (std::size_t i = 0; i < vectors; ++i) {
+            const __m128i first = asIntegers(loadVector<std::uint8_t>(in + pair->first, 16 * i));
+            const __m128i second = asIntegers(loadVector<std::uint8_t>(in + pair->second, 16 * i));
+            low[i] = pairs.add(low[i], pairs.lower(first, second), pair->values);
+            high[i] = pairs.add(high[i], pairs.upper(first, second), pair->values);
         }
-    }
-    for (std::size_t half = 0; half < 2; ++half)
-        storeIntegers(out + 16 * half,
-                      _mm_packus_epi16(finish.rounded(sums[2 * half]), finish.rounded(sums[2 * half + 1])));
+    for (std::size_t i = 0; i < vectors; ++i)
+        storeVector<std::uint8_t>(out, 16 * i, asVector<std::uint8_t>(pairs.finish(low[i], high[i])));
+}
+
+// Not inlined: the layouts share it. False where the row is shorter than a vector.
+template <class Pairs>
+__attribute__((noinline)) bool sumPairs(std::size_t samples, const unsigned char *in, unsigned char *out,
+                                        const PairList &list, const Pairs &pairs)
+{
+#if defined(__x86_64__)
+    constexpr std::size_t most = 4; // vectors whose sums stay in registers
+#else
+    constexpr std::size_t most = 2;
+#endif
+    using Sample = typename Pairs::Sample;
+    constexpr std::size_t one = 16 / sizeof(Sample);
+    if (samples >= most * one)
+        overBlocks<Sample, most * one>(samples, in, out, [&](const unsigned char *from, unsigned char *to) {
+            sumBlock<most>(from, to, list, pairs);
+        });
+    else if (samples >= one)
+        overBlocks<Sample, one>(samples, in, out, [&](const unsigned char *from, unsigned char *to) {
+            sumBlock<1>(from, to, list, pairs);
+        });
+    return samples >= one;
 }
 
 #endif
@@ -292,81 +295,75 @@ struct Rasters {
     std::int32_t width, height;
 };
 
-template <class Sample, std::size_t layout, class Row>
-inline KrnStatus overWindows(const Rasters &rasters, const Coefficients &coefficients, Row row)
+template <class Sum, class Value, class Sample, std::size_t layout, class Finish>
+KrnStatus convolvePlainly(const Rasters &rasters, const Coefficients &coefficients, Finish finish)
 {
     return overWindows<Sample, layout>(rasters.source, rasters.destination, rasters.width, rasters.height,
-                                       coefficients.window, row);
-}
-
-template <class Sum, class Sample, std::size_t layout, class Finish>
-KrnStatus sumPlainly(const Rasters &rasters, const Coefficients &coefficients, Finish finish)
-{
-    return overWindows<Sample, layout>(rasters, coefficients,
-                                       [=](std::size_t samples, const unsigned char *in, unsigned char *out) {
-                                           sumRow<Sum, Sample>(samples, in, out, coefficients, finish);
+                                       coefficients.window,
+                                       [&](std::size_t samples, const unsigned char *in, unsigned char *out) {
+                                           sumPlainly<Sum, Value, Sample>(samples, in, out, coefficients, finish);
                                        });
 }
 
-// Rows of fewer samples than a block go the plain way.
-template <class Sum, class Sample, std::size_t layout, std::size_t most, class Block, class Finish>
-KrnStatus sumBlocks(const Rasters &rasters, const Coefficients &coefficients, Block block, Finish finish)
-{
-    return overWindows<Sample, layout>(rasters, coefficients,
-                                       [=](std::size_t samples, const unsigned char *in, unsigned char *out) {
-                                           if (samples >= most)
-                                               overBlocks<Sample, most>(samples, in, out, block);
-                                           else
-                                               sumRow<Sum, Sample>(samples, in, out, coefficients, finish);
-                                       });
-}
-
-template <std::size_t layout>
-KrnStatus convolveRasters(std::uint8_t, const Rasters &rasters, const Coefficients &coefficients, int shift)
-{
-    const Words words = fitWords(coefficients, shift);
-#if ORV_SSE_LEVEL >= 4
-    PairList<mostPairs> list;
-    if (words != Words::No && listPairs<std::int8_t>(coefficients, list)) {
-        const auto run = [&](auto finish, auto plainly) {
-            const auto block = [&list, finish](const unsigned char *in, unsigned char *out) {
-                sumBytes(in, out, list, finish);
-            };
-            using Sum = decltype(plainly);
-            return sumBlocks<Sum, std::uint8_t, layout, 32>(rasters, coefficients, block, ToByte<Sum>{shift});
-        };
-        return words == Words::Signed ? run(BytesOfSums<false>(shift), std::int16_t())
-                                      : run(BytesOfSums<true>(shift), std::uint16_t());
-    }
-#endif
-    switch (words) {
-    case Words::Signed:
-        return sumPlainly<std::int16_t, std::uint8_t, layout>(rasters, coefficients, ToByte<std::int16_t>{shift});
-    case Words::Unsigned:
-        return sumPlainly<std::uint16_t, std::uint8_t, layout>(rasters, coefficients, ToByte<std::uint16_t>{shift});
-    default:
-        return sumPlainly<std::int32_t, std::uint8_t, layout>(rasters, coefficients, ToByte<std::int32_t>{shift});
-    }
-}
-
-template <std::size_t layout>
-KrnStatus convolveRasters(std::int16_t, const Rasters &rasters, const Coefficients &coefficients, int shift)
-{
-    const std::int64_t most = 32768 * (coefficients.positive - coefficients.negative);
-    if (most + (std::int64_t{1} << shift) > 2147483647)
-        return sumPlainly<std::int64_t, std::int16_t, layout>(rasters, coefficients, ToWord<std::int64_t>{shift});
 #if ORV_SSE_LEVEL >= 2
-    PairList<mostPairs> list;
-    if (listPairs<std::int16_t>(coefficients, list)) {
-        const WordsOfSums finish(shift);
-        const auto block = [&list, finish](const unsigned char *in, unsigned char *out) {
-            sumWords(in, out, list, finish);
-        };
-        return sumBlocks<std::int32_t, std::int16_t, layout, 16>(rasters, coefficients, block,
-                                                                 ToWord<std::int32_t>{shift});
-    }
+template <class Sum, class Pairs, std::size_t layout, class Finish>
+KrnStatus convolvePairs(const Rasters &rasters, const Coefficients &coefficients, const Pairs &pairs, Finish finish)
+{
+    using Sample = typename Pairs::Sample;
+    PairList list;
+    if (!listPairs<Pairs>(coefficients, list))
+        return convolvePlainly<Sum, std::int16_t, Sample, layout>(rasters, coefficients, finish);
+    return overWindows<Sample, layout>(
+        rasters.source, rasters.destination, rasters.width, rasters.height, coefficients.window,
+        [&](std::size_t samples, const unsigned char *in, unsigned char *out) {
+            if (!sumPairs(samples, in, out, list, pairs))
+                sumPlainly<Sum, std::int16_t, Sample>(samples, in, out, coefficients, finish);
+        });
+}
 #endif
-    return sumPlainly<std::int32_t, std::int16_t, layout>(rasters, coefficients, ToWord<std::int32_t>{shift});
+
+// Sums of bytes that fit words, with half of the divisor on top where they are not below zero.
+template <class Word, std::size_t layout>
+KrnStatus convolveInWords(const Rasters &rasters, const Coefficients &coefficients, int shift)
+{
+#if ORV_SSE_LEVEL >= 4
+    constexpr bool positive = static_cast<Word>(-1) > 0;
+    return convolvePairs<Word, BytePairs<positive>, layout>(rasters, coefficients, BytePairs<positive>(shift),
+                                                            ToByte<Word>{shift});
+#else
+    return convolvePlainly<Word, std::int16_t, std::uint8_t, layout>(rasters, coefficients, ToByte<Word>{shift});
+#endif
+}
+
+template <std::size_t layout>
+KrnStatus convolveBy(std::uint8_t, const Rasters &rasters, const Coefficients &coefficients, int shift)
+{
+    constexpr std::int64_t sample = 255;
+    if (coefficients.positive <= 32767 / sample && coefficients.negative >= -32767 / sample)
+        return convolveInWords<std::int16_t, layout>(rasters, coefficients, shift);
+    const std::int64_t half = std::int64_t{1} << shift >> 1;
+    if (shift > 0 && coefficients.negative == 0 && coefficients.positive <= (65535 - half) / sample)
+        return convolveInWords<std::uint16_t, layout>(rasters, coefficients, shift);
+    return convolvePlainly<std::int32_t, std::int32_t, std::uint8_t, layout>(rasters, coefficients,
+                                                                             ToByte<std::int32_t>{shift});
+}
+
+template <std::size_t layout>
+KrnStatus convolveBy(std::int16_t, const Rasters &rasters, const Coefficients &coefficients, int shift)
+{
+    constexpr std::int64_t sample = 32768;
+    const std::int64_t half = std::int64_t{1} << shift >> 1;
+    if (coefficients.largest > 32767 ||
+        coefficients.positive - coefficients.negative > (2147483647 - half - 1) / sample)
+        return convolvePlainly<std::int64_t, std::int64_t, std::int16_t, layout>(rasters, coefficients,
+                                                                                 ToWord<std::int64_t>{shift});
+#if ORV_SSE_LEVEL >= 2
+    return convolvePairs<std::int32_t, WordPairs, layout>(rasters, coefficients, WordPairs(shift),
+                                                          ToWord<std::int32_t>{shift});
+#else
+    return convolvePlainly<std::int32_t, std::int16_t, std::int16_t, layout>(rasters, coefficients,
+                                                                             ToWord<std::int32_t>{shift});
+#endif
 }
 
 // Sums of bytes wrap at 32 bits, those of words at 64.
@@ -385,11 +382,9 @@ KrnStatus convolve(const Rasters &rasters, const void *values, const Window &giv
     const Coefficients coefficients =
         coefficientsOf(values, window, rasters.source.step, samplesOf(layout) * sizeof(Sample));
     if ((bits & (bits - 1)) == 0)
-        return convolveRasters<layout>(Sample(), rasters, coefficients, __builtin_ctz(bits));
-    if constexpr (sizeof(Sample) == 1)
-        return sumPlainly<std::int32_t, Sample, layout>(rasters, coefficients, Divided<Sample>{divisor});
-    else
-        return sumPlainly<std::int64_t, Sample, layout>(rasters, coefficients, Divided<Sample>{divisor});
+        return convolveBy<layout>(Sample(), rasters, coefficients, __builtin_ctz(bits));
+    using Sum = std::conditional_t<sizeof(Sample) == 1, std::int32_t, std::int64_t>;
+    return convolvePlainly<Sum, Sum, Sample, layout>(rasters, coefficients, Divided<Sample>{divisor});
 }
 
 } // namespace

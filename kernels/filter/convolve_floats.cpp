@@ -37,8 +37,43 @@ struct FloatWindow {
     }
 };
 
-inline void sumRow(std::size_t samples, const unsigned char *in, unsigned char *out, const FloatWindow &window)
+#if ORV_SSE_LEVEL >= 2
+// So many vectors that their sums stay in registers.
+#if defined(__x86_64__)
+constexpr std::size_t mostVectors = 8;
+#else
+constexpr std::size_t mostVectors = 4;
+#endif
+
+template <std::size_t vectors>
+inline void sumBlock(const unsigned char *in, unsigned char *out, const FloatWindow &window)
 {
+    Vector<float> sums[vectors] = {};
+    window.walk([&](std::ptrdiff_t offset, float value) {
+        const Vector<float> by = everywhere(value);
+        for (std::size_t i = 0; i < vectors; ++i)
+            sums[i] += by * loadVector<float>(in + offset, 4 * i);
+    });
+    for (std::size_t i = 0; i < vectors; ++i)
+        storeVector<float>(out, 4 * i, sums[i]);
+}
+
+template <std::size_t vectors>
+inline void sumBlocks(std::size_t samples, const unsigned char *in, unsigned char *out, const FloatWindow &window)
+{
+    overBlocks<float, 4 * vectors>(
+        samples, in, out, [&](const unsigned char *from, unsigned char *to) { sumBlock<vectors>(from, to, window); });
+}
+#endif
+
+void sumRow(std::size_t samples, const unsigned char *in, unsigned char *out, const FloatWindow &window)
+{
+#if ORV_SSE_LEVEL >= 2
+    if (samples >= 4 * mostVectors)
+        return sumBlocks<mostVectors>(samples, in, out, window);
+    if (samples >= 4)
+        return sumBlocks<1>(samples, in, out, window);
+#endif
     constexpr std::size_t most = 64;
     for (std::size_t i = 0; i < samples; i += most) {
         const std::size_t some = samples - i < most ? samples - i : most;
@@ -52,23 +87,6 @@ inline void sumRow(std::size_t samples, const unsigned char *in, unsigned char *
         __builtin_memcpy(out + i * sizeof(float), sums, some * sizeof(float));
     }
 }
-
-#if ORV_SSE_LEVEL >= 2
-// Four vectors, whose sums stay in registers.
-constexpr std::size_t blockSamples = 16;
-
-inline void sumBlock(const unsigned char *in, unsigned char *out, const FloatWindow &window)
-{
-    Vector<float> sums[4] = {};
-    window.walk([&](std::ptrdiff_t offset, float value) {
-        const Vector<float> by = everywhere(value);
-        for (std::size_t quarter = 0; quarter < 4; ++quarter)
-            sums[quarter] += by * loadVector<float>(in + offset, 4 * quarter);
-    });
-    for (std::size_t quarter = 0; quarter < 4; ++quarter)
-        storeVector<float>(out, 4 * quarter, sums[quarter]);
-}
-#endif
 
 template <std::size_t layout>
 KrnStatus convolve(Given<const void *> source, Given<void *> destination, std::int32_t width, std::int32_t height,
@@ -84,17 +102,7 @@ KrnStatus convolve(Given<const void *> source, Given<void *> destination, std::i
                               static_cast<std::ptrdiff_t>(samplesOf(layout) * sizeof(float))};
     return overWindows<float, layout>(
         source, destination, width, height, window,
-        [&taps](std::size_t samples, const unsigned char *in, unsigned char *out) {
-#if ORV_SSE_LEVEL >= 2
-            if (samples >= blockSamples) {
-                overBlocks<float, blockSamples>(
-                    samples, in, out,
-                    [&taps](const unsigned char *from, unsigned char *to) { sumBlock(from, to, taps); });
-                return;
-            }
-#endif
-            sumRow(samples, in, out, taps);
-        });
+        [&taps](std::size_t samples, const unsigned char *in, unsigned char *out) { sumRow(samples, in, out, taps); });
 }
 
 struct Lower {
@@ -148,9 +156,10 @@ KrnStatus krnMaxRow32f(const void *source1, const void *source2, void *destinati
     return computeOneRow<float>(length, Higher(), destination, source1, source2);
 }
 
-KrnStatus krnSqrtRow32f(const void *source, void *destination, std::int32_t length)
+KrnStatus krnSqrt32fC1(const void *source, std::int32_t sourceStep, void *destination, std::int32_t destinationStep,
+                       std::int32_t width, std::int32_t height)
 {
-    return computeOneRow<float>(length, Root(), destination, source);
+    return compute<float, C1>(width, height, Root(), Given{destination, destinationStep}, Given{source, sourceStep});
 }
 
 #include "end.h"
