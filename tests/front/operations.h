@@ -18,6 +18,7 @@ struct Constant {
     std::int32_t integer = 0;
     float real = 0;
     std::int32_t flip = 0;
+    unsigned spoilt = 0; // arguments to be refused, by bits of the operation's own
 };
 
 // What is done to the images of a call that an operation serves, to make it refuse them.
@@ -30,7 +31,9 @@ enum class Fault {
     Order,      // likewise
     Channels,   // three of them, where the rest have four
     Alpha,      // the last of four channels an alpha channel, where the rest have none
-    Tiled
+    Tiled,
+    OneHeader, // of the source, for the destination too
+    Arguments  // `argument` told to the operation beside its constant
 };
 
 inline constexpr int allImages = -1;
@@ -48,6 +51,7 @@ struct Refusal {
     const char *context;
     std::int32_t depth = 0; // for Fault::Depth
     bool byWorker = false;  // reported by Operation::worker
+    unsigned argument = 0;  // for Fault::Arguments: a bit that Operation::call knows
 };
 
 // Which numbers of channels agree, of a source and the destination; a channel of interest is one channel in any case.
@@ -61,6 +65,10 @@ enum class Agreement {
 struct Channels {
     std::int32_t count, alpha, coi;
 };
+
+inline constexpr Channels choicesOfChannels[] = {{1, 0, 0}, {1, 1, 0}, {1, 0, 1}, {2, 0, 0}, {2, 2, 0}, {2, 0, 2},
+                                                 {3, 0, 0}, {3, 3, 0}, {3, 0, 1}, {3, 0, 3}, {4, 0, 0}, {4, 4, 0},
+                                                 {4, 0, 2}, {4, 4, 4}, {4, 4, 1}, {5, 0, 0}, {5, 5, 0}, {5, 0, 5}};
 
 struct Operation {
     std::string name; // in the tests' names

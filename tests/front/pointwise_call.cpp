@@ -29,75 +29,37 @@ int rows(const TestImage &image)
     return count;
 }
 
-std::int32_t left(const TestImage &image)
-{
-    return image.header.roi == nullptr ? 0 : image.header.roi->xOffset;
-}
-
-std::int32_t top(const TestImage &image)
-{
-    return image.header.roi == nullptr ? 0 : image.header.roi->yOffset;
-}
-
-std::int32_t coi(const TestImage &image)
-{
-    return image.header.roi == nullptr ? 0 : image.header.roi->coi;
-}
-
 struct Model {
     const Operation &operation;
     const PointwiseCall &call;
     const Snapshot &before;
     const bool planes = call.inPlanes();
-    int width = columns(call.destination());
-    int height = rows(call.destination());
-    std::vector<const TestImage *> masks = {};
+    const CommonArea area = CommonArea(call, before);
 
     OrvStatus status = ORV_STATUS_OK;
     Bytes expected = before.of(call.destination()); // of the destination's memory
     std::vector<bool> written = std::vector<bool>(expected.size());
 
-    void shrink(const TestImage &image)
-    {
-        width = std::min(width, columns(image));
-        height = std::min(height, rows(image));
-    }
-
     // The channels of the destination that are written.
     int channels() const
     {
         const TestImage &image = call.destination();
-        const int all = coi(image) != 0 ? 1 : image.form.channels;
+        const int all = coiOf(image) != 0 ? 1 : image.form.channels;
         return all == 4 && image.form.alpha != 0 ? 3 : all;
-    }
-
-    bool served() const
-    {
-        const auto known = [](std::int32_t count) { return count == 1 || count == 3 || count == 4; };
-        return planes || std::all_of(call.images.begin(), call.images.end(),
-                                     [&](const auto &image) { return known(image->form.channels); });
-    }
-
-    bool selected(int x, int y) const
-    {
-        std::uint32_t all = 0xFF;
-        for (const TestImage *mask : masks)
-            all &= mask->read(before.of(*mask), left(*mask) + x, top(*mask) + y, 0).bits;
-        return all != 0;
     }
 
     Sample source(const TestImage &image, const Bytes &bytes, int x, int y, int channel) const
     {
-        return image.read(bytes, left(image) + x, top(image) + y, coi(image) != 0 ? coi(image) - 1 : channel);
+        return image.read(bytes, leftOf(image) + x, topOf(image) + y, coiOf(image) != 0 ? coiOf(image) - 1 : channel);
     }
 
     void writeChannel(int channel, const Bytes &destinationMemory)
     {
         const TestImage &destination = call.destination();
-        const int to = coi(destination) != 0 ? coi(destination) - 1 : channel;
-        for (int y = 0; y < height; ++y)
-            for (int x = 0; x < width; ++x) {
-                if (!selected(x, y))
+        const int to = coiOf(destination) != 0 ? coiOf(destination) - 1 : channel;
+        for (int y = 0; y < area.height; ++y)
+            for (int x = 0; x < area.width; ++x) {
+                if (!area.selected(x, y))
                     continue;
                 Sample samples[3] = {};
                 for (std::size_t i = 0; i + 1 < call.images.size(); ++i) {
@@ -105,7 +67,7 @@ struct Model {
                     const bool shared = image.memory() == destination.memory();
                     samples[i] = source(image, shared ? destinationMemory : before.of(image), x, y, channel);
                 }
-                const std::int32_t column = left(destination) + x, row = top(destination) + y;
+                const std::int32_t column = leftOf(destination) + x, row = topOf(destination) + y;
                 Sample result = operation.expected(destination.form.depth, samples, call.constant);
                 if (const Sample actual = destination.get(column, row, to);
                     operation.anyNan && result.isNan() && actual.isNan())
@@ -118,17 +80,10 @@ struct Model {
 
     void run()
     {
-        for (const auto &image : call.images) {
-            shrink(*image);
-            if (image->mask() != nullptr) {
-                masks.push_back(image->mask());
-                shrink(*image->mask());
-            }
-        }
         // Scratch of no bytes cannot be had: no mask bytes, or no rows of a channel.
-        if ((call.masked() && (width == 0 || height == 0)) || (!call.straight() && height == 0))
+        if ((call.masked() && area.empty()) || (!call.straight() && area.height == 0))
             status = ORV_STATUS_NO_MEMORY;
-        if (width == 0 || height == 0 || !served())
+        if (area.empty() || !call.served())
             return;
         // Plane after plane is finished; pixels are all read before any is written.
         Bytes read = expected;
@@ -175,9 +130,16 @@ bool PointwiseCall::inPlanes() const
            std::all_of(images.begin(), images.end(), [](const auto &image) { return image->form.channels == 1; });
 }
 
+bool PointwiseCall::served() const
+{
+    const auto known = [](std::int32_t count) { return count == 1 || count == 3 || count == 4; };
+    return inPlanes() ||
+           std::all_of(images.begin(), images.end(), [&](const auto &image) { return known(image->form.channels); });
+}
+
 bool PointwiseCall::straight() const
 {
-    const bool oneChannel = coi(destination()) != 0 || destination().form.channels == 1;
+    const bool oneChannel = coiOf(destination()) != 0 || destination().form.channels == 1;
     return !masked() && (inPlanes() || !oneChannel);
 }
 
@@ -230,6 +192,47 @@ testing::AssertionResult Snapshot::unchanged(const TestImage *excepted) const
         if (std::memcmp(record, kept.data(), kept.size()) != 0)
             return testing::AssertionFailure() << "a header or a rectangle changed";
     return testing::AssertionSuccess();
+}
+
+std::int32_t leftOf(const TestImage &image)
+{
+    return image.header.roi == nullptr ? 0 : image.header.roi->xOffset;
+}
+
+std::int32_t topOf(const TestImage &image)
+{
+    return image.header.roi == nullptr ? 0 : image.header.roi->yOffset;
+}
+
+std::int32_t coiOf(const TestImage &image)
+{
+    return image.header.roi == nullptr ? 0 : image.header.roi->coi;
+}
+
+CommonArea::CommonArea(const PointwiseCall &call, const Snapshot &before)
+    : width(columns(call.destination())), height(rows(call.destination())), before_(before)
+{
+    for (const auto &image : call.images) {
+        shrink(*image);
+        if (image->mask() != nullptr) {
+            masks_.push_back(image->mask());
+            shrink(*image->mask());
+        }
+    }
+}
+
+void CommonArea::shrink(const TestImage &image)
+{
+    width = std::min(width, columns(image));
+    height = std::min(height, rows(image));
+}
+
+bool CommonArea::selected(int x, int y) const
+{
+    std::uint32_t all = 0xFF;
+    for (const TestImage *mask : masks_)
+        all &= mask->read(before_.of(*mask), leftOf(*mask) + x, topOf(*mask) + y, 0).bits;
+    return all != 0;
 }
 
 testing::AssertionResult runs(const Operation &operation, const PointwiseCall &call, Reports &reports, int &written,

@@ -20,6 +20,8 @@ struct PointwiseCall {
     OrvStatus run(const Operation &operation) const;
     bool masked() const;
     bool inPlanes() const;
+    // No image has a number of channels that pixel order does not serve.
+    bool served() const;
     // Straight from image to image: neither a mask, nor a single channel of interleaved pixels.
     bool straight() const;
 };
@@ -41,6 +43,28 @@ private:
 
     std::vector<std::pair<std::shared_ptr<Bytes>, Bytes>> memories_;
     std::vector<std::pair<const void *, Bytes>> records_; // headers and rectangles
+};
+
+// The column, row and channel of an image where a call begins.
+std::int32_t leftOf(const TestImage &image);
+std::int32_t topOf(const TestImage &image);
+std::int32_t coiOf(const TestImage &image);
+
+// The pixels that the rectangles of all images of a call and of their masks have in common.
+class CommonArea {
+public:
+    CommonArea(const PointwiseCall &call, const Snapshot &before);
+
+    bool empty() const { return width == 0 || height == 0; }
+    bool selected(int x, int y) const; // by the masks
+
+    int width, height;
+
+private:
+    void shrink(const TestImage &image);
+
+    const Snapshot &before_;
+    std::vector<const TestImage *> masks_;
 };
 
 // Runs the call, and compares status, reports, and every byte of all memory with what the operation promises. Where

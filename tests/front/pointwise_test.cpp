@@ -5,23 +5,6 @@
 namespace front {
 namespace {
 
-constexpr Channels choicesOfChannels[] = {{1, 0, 0}, {1, 1, 0}, {1, 0, 1}, {2, 0, 0}, {2, 2, 0}, {2, 0, 2},
-                                          {3, 0, 0}, {3, 3, 0}, {3, 0, 1}, {3, 0, 3}, {4, 0, 0}, {4, 4, 0},
-                                          {4, 0, 2}, {4, 4, 4}, {4, 4, 1}, {5, 0, 0}, {5, 5, 0}, {5, 0, 5}};
-
-Rectangles randomKind(Random &random)
-{
-    constexpr Rectangles kinds[] = {Rectangles::None,    Rectangles::None,    Rectangles::Inside, Rectangles::Inside,
-                                    Rectangles::Clipped, Rectangles::Clipped, Rectangles::Absurd};
-    return random.once(24) ? Rectangles::Outside : random.oneOf(kinds);
-}
-
-std::int32_t randomAlign(Random &random)
-{
-    constexpr std::int32_t aligns[] = {4, 8, 16, 32};
-    return random.oneOf(aligns);
-}
-
 // Long rows, and many of them, run through what a kernel or a strip of scratch does more than once.
 enum class Shape { Small, Wide, Tall };
 
@@ -79,7 +62,7 @@ Form Sweep::formFor(std::int32_t depth, std::int32_t order, const Channels &chan
     form.channels = channels.count;
     form.alpha = channels.alpha;
     form.order = order;
-    form.align = randomAlign(random_);
+    form.align = anyAlign(random_);
     const Extent extent = randomExtent(shape_, random_);
     form.width = extent.width;
     form.height = extent.height;
@@ -114,7 +97,7 @@ std::shared_ptr<TestImage> Sweep::mask()
 {
     const Extent extent = randomExtent(shape_, random_);
     const auto image = randomMask(extent.width, extent.height, random_);
-    setRandomRectangle(*image, randomKind(random_), random_.between(0, 1), random_);
+    setRandomRectangle(*image, anyRectangles(random_), random_.between(0, 1), random_);
     if (random_.once(8))
         image->setMask(randomMask(1, 1, random_)); // masks of masks count for nothing
     return image;
@@ -139,7 +122,7 @@ PointwiseCall Sweep::randomCall(std::int32_t depth, std::int32_t order, const Ch
         }
         if (image == nullptr) {
             image = std::make_shared<TestImage>(form, random_);
-            setRandomRectangle(*image, randomKind(random_), channels.coi, random_);
+            setRandomRectangle(*image, anyRectangles(random_), channels.coi, random_);
         }
         if ((masks & (1u << i)) != 0)
             image->setMask(mask());

@@ -1,6 +1,7 @@
 // What operations refuse: in which order, with which status and text, and under whose name.
 #include <functional>
 
+#include "front/neighbourhood_model.h"
 #include "front/pointwise_call.h"
 
 namespace front {
@@ -26,12 +27,18 @@ public:
 
     void spoil(const Refusal &refusal)
     {
+        spoiltArguments_ |= refusal.argument;
         for (int i = 0; i <= operation_.sources; ++i)
             if (headers_[static_cast<std::size_t>(i)] != nullptr && (refusal.image == i || refusal.image == allImages))
                 spoil(refusal, headers_[static_cast<std::size_t>(i)]);
     }
 
-    OrvStatus call() const { return operation_.call(headers_.data(), operation_.constants.front()); }
+    OrvStatus call() const
+    {
+        Constant constant = operation_.constants.front();
+        constant.spoilt = spoiltArguments_;
+        return operation_.call(headers_.data(), constant);
+    }
     PointwiseCall images() const { return {images_, {}}; }
     OrvImage &header(int image) { return *headers_[static_cast<std::size_t>(image)]; }
 
@@ -72,6 +79,11 @@ private:
             header->tileInfo = &tile_;
             header->imageData = nullptr;
             break;
+        case Fault::OneHeader:
+            header = headers_.front();
+            break;
+        case Fault::Arguments:
+            break;
         }
     }
 
@@ -79,6 +91,7 @@ private:
     OrvTileInfo tile_ = {provideNoTile, 0, nullptr, 8, 8};
     std::vector<std::shared_ptr<TestImage>> images_;
     std::vector<OrvImage *> headers_;
+    unsigned spoiltArguments_ = 0;
 };
 
 bool isDepth1U(const Refusal &refusal)
@@ -172,6 +185,7 @@ TEST_P(Refusals, BadMask)
 }
 
 INSTANTIATE_TEST_SUITE_P(All, Refusals, testing::ValuesIn(operations()), nameOf);
+INSTANTIATE_TEST_SUITE_P(Neighbourhoods, Refusals, testing::ValuesIn(refusalsOfNeighbourhoods()), nameOf);
 
 class OnItself : public testing::TestWithParam<Operation> {};
 

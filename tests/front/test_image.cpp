@@ -221,6 +221,19 @@ std::shared_ptr<TestImage> randomMask(std::int32_t width, std::int32_t height, R
     return std::make_shared<TestImage>(form, random);
 }
 
+Rectangles anyRectangles(Random &random)
+{
+    constexpr Rectangles kinds[] = {Rectangles::None,    Rectangles::None,    Rectangles::Inside, Rectangles::Inside,
+                                    Rectangles::Clipped, Rectangles::Clipped, Rectangles::Absurd};
+    return random.once(24) ? Rectangles::Outside : random.oneOf(kinds);
+}
+
+std::int32_t anyAlign(Random &random)
+{
+    constexpr std::int32_t aligns[] = {4, 8, 16, 32};
+    return random.oneOf(aligns);
+}
+
 void setRandomRectangle(TestImage &image, Rectangles kind, std::int32_t coi, Random &random)
 {
     const std::int32_t width = image.form.width, height = image.form.height;

@@ -116,11 +116,14 @@ private:
     std::shared_ptr<TestImage> mask_;
 };
 
+std::int32_t anyAlign(Random &random);
+
 // A mask of the bytes that matter: none, single bits that share nothing, and all.
 std::shared_ptr<TestImage> randomMask(std::int32_t width, std::int32_t height, Random &random);
 
 // What rectangles a test gives its images.
 enum class Rectangles { None, Inside, Clipped, Outside, Absurd };
+Rectangles anyRectangles(Random &random);
 void setRandomRectangle(TestImage &image, Rectangles kind, std::int32_t coi, Random &random);
 
 std::ostream &operator<<(std::ostream &out, const TestImage &image);

@@ -1,0 +1,156 @@
+// Convolutions by numbers: roundings, anchors, ways of combining, and records as applications make them.
+#include <vector>
+
+#include <gtest/gtest.h>
+
+#include "front/reports.h"
+#include "front/test_image.h"
+
+namespace front {
+namespace {
+
+// The convolution of an image of one pixel, whose value is the sum, with a kernel of the one coefficient 1.
+long long quotient(std::int32_t depth, long long sum, std::int32_t shift, int kernels = 1)
+{
+    Random random(1);
+    TestImage image({.depth = depth, .width = 1, .height = 1}, random);
+    image.fill(integerSample(depth, sum));
+    const std::int32_t one = 1;
+    OrvConvKernel *kernel = orvCreateConvKernel(1, 1, 0, 0, &one, shift);
+    const OrvConvKernel *const both[] = {kernel, kernel};
+    EXPECT_EQ(orvConvolve2D(&image.header, &image.header, both, kernels, kernels > 1 ? ORV_COMBINE_MAX : 99),
+              ORV_STATUS_OK);
+    orvDeleteConvKernel(kernel);
+    return image.get(0, 0, 0).integer();
+}
+
+// The same in integers and in floats.
+TEST(Convolution, RoundsToNearestTiesToEven)
+{
+    const struct {
+        std::int32_t depth;
+        long long sum;
+        std::int32_t shift;
+        long long result;
+    } rows[] = {{ORV_DEPTH_8U, 3, 1, 2},         {ORV_DEPTH_8U, 5, 1, 2},      {ORV_DEPTH_8U, 7, 1, 4},
+                {ORV_DEPTH_8U, 6, 2, 2},         {ORV_DEPTH_8U, 10, 2, 2},     {ORV_DEPTH_8U, 11, 2, 3},
+                {ORV_DEPTH_8U, 255, 9, 0},       {ORV_DEPTH_8U, 255, 0, 255},  {ORV_DEPTH_8U, 200, 32, 200},
+                {ORV_DEPTH_8U, 200, -31, 100},   {ORV_DEPTH_16S, -3, 1, -2},   {ORV_DEPTH_16S, -1, 1, 0},
+                {ORV_DEPTH_16S, -5, 1, -2},      {ORV_DEPTH_16S, -7, 2, -2},   {ORV_DEPTH_16S, -10, 2, -2},
+                {ORV_DEPTH_16S, -32768, 15, -1}, {ORV_DEPTH_16S, 32767, 15, 1}};
+    for (const auto &row : rows)
+        for (const int kernels : {1, 2})
+            EXPECT_EQ(quotient(row.depth, row.sum, row.shift, kernels), row.result)
+                << row.sum << " >> " << row.shift << ", kernels " << kernels;
+}
+
+// The coefficients in a field of zeros appear as they were given, around the pixel by the anchor.
+TEST(Convolution, ImpulseGivesTheKernel)
+{
+    const std::int32_t values[] = {1, 2, 3, 4, 5, 6};
+    const float floats[] = {1, 2, 3, 4, 5, 6};
+    Random random(2);
+    for (std::int32_t anchorX = 0; anchorX < 3; ++anchorX)
+        for (std::int32_t anchorY = 0; anchorY < 2; ++anchorY)
+            for (const std::int32_t depth : {ORV_DEPTH_8U, ORV_DEPTH_16S, ORV_DEPTH_32S, ORV_DEPTH_32F}) {
+                TestImage source({.depth = depth, .width = 9, .height = 8}, random);
+                TestImage destination({.depth = depth, .width = 9, .height = 8}, random);
+                source.fill({depth, 0});
+                source.set(4, 4, 0, depth == ORV_DEPTH_32F ? realSample(1) : integerSample(depth, 1));
+                OrvConvKernel *kernel = orvCreateConvKernel(3, 2, anchorX, anchorY, values, 0);
+                OrvConvKernelFP *kernelFP = orvCreateConvKernelFP(3, 2, anchorX, anchorY, floats);
+                const OrvConvKernel *const kernels[] = {kernel};
+                const OrvConvKernelFP *const kernelsFP[] = {kernelFP};
+                EXPECT_EQ(depth == ORV_DEPTH_32F ? orvConvolve2DFP(&source.header, &destination.header, kernelsFP, 1, 0)
+                                                 : orvConvolve2D(&source.header, &destination.header, kernels, 1, 0),
+                          ORV_STATUS_OK);
+                for (std::int32_t y = 0; y < 8; ++y)
+                    for (std::int32_t x = 0; x < 9; ++x) {
+                        const std::int32_t column = x - 4 + anchorX, row = y - 4 + anchorY;
+                        const bool within = column >= 0 && column < 3 && row >= 0 && row < 2;
+                        const double expected = within ? values[3 * row + column] : 0;
+                        const Sample actual = destination.get(x, y, 0);
+                        EXPECT_EQ(depth == ORV_DEPTH_32F ? actual.real() : double(actual.integer()), expected)
+                            << x << "," << y << " depth " << depth;
+                    }
+                orvDeleteConvKernel(kernel);
+                orvDeleteConvKernelFP(kernelFP);
+            }
+}
+
+TEST(Convolution, CombinesResults)
+{
+    const struct {
+        std::int32_t method;
+        long long result;
+    } rows[] = {{ORV_COMBINE_SUM, 1},
+                {ORV_COMBINE_SUMSQ, 25},
+                {ORV_COMBINE_SUMSQROOT, 5},
+                {ORV_COMBINE_MAX, 4},
+                {ORV_COMBINE_MIN, -3}};
+    const std::int32_t weights[] = {4, -6}; // the second halved
+    Random random(3);
+    for (const auto &row : rows) {
+        TestImage image({.depth = ORV_DEPTH_16S}, random);
+        image.fill(integerSample(ORV_DEPTH_16S, 1));
+        OrvConvKernel *first = orvCreateConvKernel(1, 1, 0, 0, &weights[0], 0);
+        OrvConvKernel *second = orvCreateConvKernel(1, 1, 0, 0, &weights[1], 1);
+        const OrvConvKernel *const kernels[] = {first, second};
+        EXPECT_EQ(orvConvolve2D(&image.header, &image.header, kernels, 2, row.method), ORV_STATUS_OK);
+        EXPECT_EQ(image.get(5, 5, 0).integer(), row.result) << row.method;
+        orvDeleteConvKernel(first);
+        orvDeleteConvKernel(second);
+    }
+}
+
+// Halves of two results make a whole: only their sum is rounded.
+TEST(Convolution, OfSeveralIsRoundedOnce)
+{
+    const std::int32_t one = 1;
+    Random random(4);
+    TestImage image({}, random);
+    image.fill({ORV_DEPTH_8U, 1});
+    OrvConvKernel *half = orvCreateConvKernel(1, 1, 0, 0, &one, 1);
+    const OrvConvKernel *const kernels[] = {half, half};
+    EXPECT_EQ(orvConvolve2D(&image.header, &image.header, kernels, 2, ORV_COMBINE_SUM), ORV_STATUS_OK);
+    EXPECT_EQ(image.get(3, 3, 0).integer(), 1);
+    orvDeleteConvKernel(half);
+}
+
+// The sum of 8U samples is of 32 bits, that of 16S samples of 64.
+TEST(Convolution, WrapsAroundAt8U)
+{
+    const std::int32_t values[] = {1 << 30, 1 << 30, 1 << 30, 1 << 30, 7};
+    Random random(5);
+    for (const std::int32_t depth : {ORV_DEPTH_8U, ORV_DEPTH_16S}) {
+        TestImage image({.depth = depth}, random);
+        image.fill(integerSample(depth, 1));
+        for (std::int32_t &mode : image.header.BorderMode)
+            mode = ORV_BORDER_REPLICATE;
+        OrvConvKernel *kernel = orvCreateConvKernel(5, 1, 2, 0, values, 0);
+        const OrvConvKernel *const kernels[] = {kernel};
+        EXPECT_EQ(orvConvolve2D(&image.header, &image.header, kernels, 1, 0), ORV_STATUS_OK);
+        EXPECT_EQ(image.get(0, 0, 0).integer(), depth == ORV_DEPTH_8U ? 7 : 32767);
+        orvDeleteConvKernel(kernel);
+    }
+}
+
+// Both vectors: the quarters of the columns, 0.5, 2.5 and 0.5, are not rounded before those of the row.
+TEST(SeparableConvolution, IsRoundedOnce)
+{
+    const std::int32_t values[] = {1, 2, 1};
+    const long long samples[] = {2, 10, 2, 0, 0, 0, 0, 0, 0};
+    Random random(6);
+    TestImage source({.width = 3, .height = 3}, random), destination({.width = 3, .height = 3}, random);
+    for (std::int32_t i = 0; i < 9; ++i)
+        source.set(i % 3, i / 3, 0, integerSample(ORV_DEPTH_8U, samples[i]));
+    OrvConvKernel *row = orvCreateConvKernel(3, 1, 1, 0, values, 2);
+    OrvConvKernel *column = orvCreateConvKernel(1, 3, 0, 1, values, 2);
+    EXPECT_EQ(orvConvolveSep2D(&source.header, &destination.header, row, column), ORV_STATUS_OK);
+    EXPECT_EQ(destination.get(1, 1, 0).integer(), 2); // 24 / 16; 0, 2 and 0 would make 1
+    orvDeleteConvKernel(row);
+    orvDeleteConvKernel(column);
+}
+
+} // namespace
+} // namespace front
