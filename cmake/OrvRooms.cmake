@@ -62,6 +62,7 @@ set(ORV_FRONT_SOURCES
   _src/orvcnv2d_records.cpp
   _src/orvgenim.cpp
   _src/orvlshs.cpp
+  _src/orvmirr.cpp
   _src/orvmul.cpp
   _src/orvmuls.cpp
   _src/orvor.cpp

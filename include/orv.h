@@ -780,6 +780,33 @@ ORV_API OrvStatus orvConvolveSep2DFP(const OrvImage *srcImage, OrvImage *dstImag
                                      const OrvConvKernelFP *yKernel);
 /** @} */
 
+/** @defgroup geometry Geometry
+ *  @{ */
+
+/**
+ * Flips the common rectangle, of width W and height H: dst(x, y) = src(x, H-1-y) for axis 0, which exchanges the rows,
+ * src(W-1-x, y) for axis 1, which exchanges the columns, and src(W-1-x, H-1-y) for axis -1, which does both. Samples move bit
+ * for bit. Depths 8U, 8S, 16U, 16S, 32S, 32F. Pixel and plane order, 1, 3 and 4 channels, rectangles, channels of interest
+ * and masks. The data orders may differ where either image has one channel; a channel that the source has in plane order is
+ * then read as its plane, but one of several in pixel order beside a destination in plane order is read as if it were a
+ * plane: W samples on end in each row.
+ *
+ * In place where both headers have the same `imageData`: the rectangle of the destination is then flipped in itself, also
+ * where that of the source is another one. Under a mask, and with one channel of several in pixel order, the pixels of the
+ * source's own rectangle are read in place too, all of them before any is written. One header for both images with a mask is
+ * refused.
+ *
+ * Statuses, which orvGetErrStatus() tells after the call: the header's with "Incorrect Image"; -5 for one header twice with a
+ * mask, different depth, an axis other than -1, 0 and 1, depth 1U with an alpha channel, different data orders with several
+ * channels in both images, and different origin; -15 for different numbers of channels to process; -50 for a tiled image or
+ * depth 1U; -4 for exhausted memory, and for the empty rectangles named above. Nothing is written after a failure.
+ * @param srcImage  source
+ * @param dstImage  destination
+ * @param flipAxis  0, 1 or -1
+ */
+ORV_API void orvMirror(const OrvImage *srcImage, OrvImage *dstImage, int32_t flipAxis);
+/** @} */
+
 /** @defgroup processor Choice of the processor's build
  *  Every kernel exists in six builds: 0 plain, 1 MMX and SSE, 2 SSE2, 3 SSE3, 4 SSSE3, 5 SSE4.1. A library left alone runs
  *  build 0. Results do not depend on the build.

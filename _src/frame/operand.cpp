@@ -16,8 +16,10 @@ std::int64_t rowReach(const Operand &operand, Size size)
 Operand resolve(const OrvImage &image, bool planes)
 {
     Operand operand = {&image, orvResolveStart(image), sampleBytes(image.depth), 0, false};
-    operand.pixelBytes = operand.sampleBytes * (planes ? 1 : image.nChannels);
-    operand.picked = !planes && operand.start.channels == 1 && image.nChannels > 1;
+    // Beside pixels of one channel a source may have its channel as a plane.
+    const bool plane = planes || image.dataOrder == ORV_DATA_ORDER_PLANE;
+    operand.pixelBytes = operand.sampleBytes * (plane ? 1 : image.nChannels);
+    operand.picked = !plane && operand.start.channels == 1 && image.nChannels > 1;
     return operand;
 }
 

@@ -68,8 +68,8 @@ void ScratchCall::planLanes(bool stripsApart, bool samplesApart)
     for (std::size_t i = 0; i < call_.sourceCount; ++i)
         if (images_[i].picked)
             sourceLanes_[i] = lanes_.add(width * images_[i].sampleBytes);
-    const bool straight =
-        stripsApart && samplesApart && !destination().picked && (!delivery_.masked() || loop_.runMasked != nullptr);
+    const bool straight = stripsApart && samplesApart && !loop_.movesPixels && !destination().picked &&
+                          (!delivery_.masked() || loop_.runMasked != nullptr);
     if (!straight)
         resultLane_ = lanes_.add(width * destination().sampleBytes * samplesPerPixel(resultLayout_));
     delivery_.plan(lanes_, destination(), layout_, size_.width, stripsApart);
@@ -120,7 +120,7 @@ OrvStatus ScratchCall::run()
 
     planLanes(stripsApart, samplesApart);
     stripRows_ = size_.height;
-    if (stripsApart && lanes_.rowBytes > 0)
+    if (stripsApart && !loop_.movesPixels && lanes_.rowBytes > 0)
         stripRows_ = static_cast<std::int32_t>(std::clamp<std::int64_t>(stripBytes / lanes_.rowBytes, 1, size_.height));
     if (lanes_.rowBytes > 0 && !scratch_.take(lanes_.rowBytes * stripRows_))
         return ORV_STATUS_NO_MEMORY;

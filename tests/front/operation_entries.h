@@ -13,6 +13,7 @@ namespace front {
 std::vector<Operation> imageArithmetic();
 std::vector<Operation> scalarArithmetic();
 std::vector<Operation> logicAndShifts();
+std::vector<Operation> geometry();
 
 using Call = decltype(Operation::call);
 using Expected = decltype(Operation::expected);

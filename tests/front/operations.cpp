@@ -130,7 +130,7 @@ const std::vector<Operation> &operations()
     static const std::vector<Operation> all = [] {
         std::vector<Operation> list = {copyOperation(), absOperation(), absOfUnsignedOperation(), setOperation(),
                                        setFloatOperation()};
-        for (const auto &part : {imageArithmetic(), scalarArithmetic(), logicAndShifts()})
+        for (const auto &part : {imageArithmetic(), scalarArithmetic(), logicAndShifts(), geometry()})
             list.insert(list.end(), part.begin(), part.end());
         return list;
     }();

@@ -70,6 +70,11 @@ inline constexpr Channels choicesOfChannels[] = {{1, 0, 0}, {1, 1, 0}, {1, 0, 1}
                                                  {3, 0, 0}, {3, 3, 0}, {3, 0, 1}, {3, 0, 3}, {4, 0, 0}, {4, 4, 0},
                                                  {4, 0, 2}, {4, 4, 4}, {4, 4, 1}, {5, 0, 0}, {5, 5, 0}, {5, 0, 5}};
 
+// A pixel of the common rectangle.
+struct Position {
+    int x, y;
+};
+
 struct Operation {
     std::string name; // in the tests' names
     Reporter reporter;
@@ -88,7 +93,12 @@ struct Operation {
     Agreement channels = Agreement::All;
     bool nothingOnItself = false;     // given one header twice it does nothing and returns the channel count
     bool stepsOfWholeSamples = false; // rows at other steps are its family's own matter
-    bool anyNan = false;              // which not-a-number a float result is remains open
+    // Where a result comes from in a rectangle of that size; null where pixels stay at their places. Operations that
+    // move pixels do so in the destination's own rectangle when a straight call has one raster for both images.
+    Position (*origin)(Position at, int width, int height, const Constant &constant) = nullptr;
+    bool noMaskOnItself = false; // given one header twice it refuses a mask
+    bool returnsNothing = false; // `call` gives the stored status
+    bool anyNan = false;         // which not-a-number a float result is remains open
 };
 
 const std::vector<Operation> &operations();

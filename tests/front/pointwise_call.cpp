@@ -48,6 +48,12 @@ struct Model {
         return all == 4 && image.form.alpha != 0 ? 3 : all;
     }
 
+    bool inPlace(const TestImage &image) const
+    {
+        return operation.origin != nullptr && call.straight() &&
+               image.header.imageData == call.destination().header.imageData;
+    }
+
     Sample source(const TestImage &image, const Bytes &bytes, int x, int y, int channel) const
     {
         return image.read(bytes, leftOf(image) + x, topOf(image) + y, coiOf(image) != 0 ? coiOf(image) - 1 : channel);
@@ -61,11 +67,14 @@ struct Model {
             for (int x = 0; x < area.width; ++x) {
                 if (!area.selected(x, y))
                     continue;
+                const Position from = operation.origin == nullptr
+                                          ? Position{x, y}
+                                          : operation.origin({x, y}, area.width, area.height, call.constant);
                 Sample samples[3] = {};
                 for (std::size_t i = 0; i + 1 < call.images.size(); ++i) {
-                    const TestImage &image = *call.images[i];
+                    const TestImage &image = inPlace(*call.images[i]) ? destination : *call.images[i];
                     const bool shared = image.memory() == destination.memory();
-                    samples[i] = source(image, shared ? destinationMemory : before.of(image), x, y, channel);
+                    samples[i] = source(image, shared ? destinationMemory : before.of(image), from.x, from.y, channel);
                 }
                 const std::int32_t column = leftOf(destination) + x, row = topOf(destination) + y;
                 Sample result = operation.expected(destination.form.depth, samples, call.constant);
@@ -133,8 +142,9 @@ bool PointwiseCall::inPlanes() const
 bool PointwiseCall::served() const
 {
     const auto known = [](std::int32_t count) { return count == 1 || count == 3 || count == 4; };
-    return inPlanes() ||
-           std::all_of(images.begin(), images.end(), [&](const auto &image) { return known(image->form.channels); });
+    return inPlanes() || std::all_of(images.begin(), images.end(), [&](const auto &image) {
+               return image->form.order == ORV_DATA_ORDER_PLANE || known(image->form.channels);
+           });
 }
 
 bool PointwiseCall::straight() const
