@@ -124,6 +124,23 @@ TEST(Mirror, OrdersThatDiffer)
     EXPECT_GT(writing, calls / 2);
 }
 
+// The first plane of a source, under the header of a destination of one channel in pixel order: read before it is
+// written.
+TEST(Mirror, PlaneUnderPixels)
+{
+    Random random(37);
+    Reports reports;
+    for (const Constant &constant : mirror().constants) {
+        const Form planes = {.channels = 3, .order = ORV_DATA_ORDER_PLANE, .width = 25, .height = 7};
+        const Form pixels = {.width = 25, .height = 7};
+        const auto source = std::make_shared<TestImage>(planes, random);
+        source->setWholeRectangle(1);
+        const auto destination = std::make_shared<TestImage>(pixels, source->memory(), source->start());
+        int written = 0;
+        EXPECT_TRUE(runs(mirror(), {{source, destination}, constant}, reports, written));
+    }
+}
+
 // One channel of pixels beside a destination in planes is read as a plane: samples on end, from the channel's first.
 TEST(Mirror, PixelsBesidePlanesAreReadOnEnd)
 {
