@@ -11,6 +11,7 @@ Family fillFamily();
 Family magnitudeFamily();
 Family arithmeticFamily();
 Family logicFamily();
+Family geometryFamily();
 Family patternFamily();
 
 } // namespace sheet
