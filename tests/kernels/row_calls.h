@@ -11,13 +11,22 @@ struct RowRaster {
     int step;
 };
 
+// A window of coefficients; a row or a column of them has a side of 1.
+struct RowWindow {
+    int columns = 1, rows = 1, anchorX = 0, anchorY = 0;
+    int divisor = 1;
+
+    int size() const { return columns * rows; }
+};
+
 struct RowCall {
     RowRaster sources[2], destination, mask;
     int width, height;
     int value; // a constant, a count or a rounding mode
     int scale;
-    const void *values; // one a channel
+    const void *values; // one a channel, or those of the window
     int flip = 0;
+    RowWindow window = {};
 };
 
 using orv::Kernel;
@@ -57,6 +66,15 @@ ORV_CALL(FloatConstantRowKernel, a.data, static_cast<float>(c.value), out, c.wid
 ORV_CALL(FloatConstantRowInPlaceKernel, static_cast<float>(c.value), out, c.width)
 ORV_CALL(FractionInPlaceKernel, out, step, c.value, c.width, c.height)
 ORV_CALL(FractionsInPlaceKernel, out, step, c.values, c.width, c.height)
+ORV_CALL(ConvolveKernel, a.data, a.step, out, step, c.width, c.height, c.values, c.window.columns, c.window.rows,
+         c.window.anchorX, c.window.anchorY, c.window.divisor)
+ORV_CALL(ConvolveFloatsKernel, a.data, a.step, out, step, c.width, c.height, c.values, c.window.columns, c.window.rows,
+         c.window.anchorX, c.window.anchorY)
+ORV_CALL(ConvolveLineKernel, a.data, a.step, out, step, c.width, c.height, c.values, c.window.size(),
+         c.window.anchorX + c.window.anchorY, c.window.divisor)
+ORV_CALL(ConvolveFloatLineKernel, a.data, a.step, out, step, c.width, c.height, c.values, c.window.size(),
+         c.window.anchorX + c.window.anchorY)
+ORV_CALL(FloatPairRowKernel, a.data, b.data, out, c.width)
 
 #undef ORV_CALL
 

@@ -21,6 +21,12 @@ inline bool startsWith(const std::string &text, const std::string &start)
     return text.compare(0, start.size(), start) == 0;
 }
 
+// A kernel that takes one row of samples, and not a rectangle.
+inline bool takesOneRow(const std::string &name)
+{
+    return name.find("Row") != std::string::npos && !startsWith(name, "krnConvolve");
+}
+
 inline bool endsWith(const std::string &text, const std::string &end)
 {
     return text.size() >= end.size() && text.compare(text.size() - end.size(), end.size(), end) == 0;
