@@ -1,13 +1,18 @@
 // Convolutions by numbers: roundings, anchors, ways of combining, and records as applications make them.
+#include <limits>
+#include <string>
 #include <vector>
 
 #include <gtest/gtest.h>
 
+#include "front/memory_watch.h"
 #include "front/reports.h"
 #include "front/test_image.h"
 
 namespace front {
 namespace {
+
+constexpr std::int32_t mostInt = std::numeric_limits<std::int32_t>::max();
 
 // The convolution of an image of one pixel, whose value is the sum, with a kernel of the one coefficient 1.
 long long quotient(std::int32_t depth, long long sum, std::int32_t shift, int kernels = 1)
@@ -132,6 +137,48 @@ TEST(Convolution, WrapsAroundAt8U)
         EXPECT_EQ(orvConvolve2D(&image.header, &image.header, kernels, 1, 0), ORV_STATUS_OK);
         EXPECT_EQ(image.get(0, 0, 0).integer(), depth == ORV_DEPTH_8U ? 7 : 32767);
         orvDeleteConvKernel(kernel);
+    }
+}
+
+// Windows of which no copy of a source with its margins could be had: refused as memory that is exhausted, before a
+// coefficient is read.
+TEST(Convolution, OfWindowsBeyondAllMemory)
+{
+    const struct {
+        std::int32_t columns, rows;
+    } sizes[] = {{50000, 50000}, {1 << 16, 1 << 16}, {1 << 30, 1}, {1, 1 << 30}, {mostInt, 2}, {mostInt, mostInt}};
+    std::int32_t noCoefficients = 0;
+    float noFloats = 0;
+    Random random(7);
+    Reports reports;
+    MemoryWatch watch;
+    TestImage image({.width = 20, .height = 20}, random), other({.width = 20, .height = 20}, random);
+    TestImage floats({.depth = ORV_DEPTH_32F}, random), otherFloats({.depth = ORV_DEPTH_32F}, random);
+    const auto expectStarved = [&](OrvStatus status, const char *function, const char *context, const char *unit) {
+        EXPECT_EQ(status, ORV_STATUS_NO_MEMORY);
+        EXPECT_EQ(reports.all(), (std::vector<Report>{{ORV_STATUS_NO_MEMORY, function, context, unit}}));
+        EXPECT_EQ(watch.live(), 0u);
+        reports.clear();
+    };
+    for (const auto &size : sizes) {
+        SCOPED_TRACE(testing::PrintToString(size.columns) + " x " + testing::PrintToString(size.rows));
+        OrvConvKernel kernel = {size.columns, size.rows, size.columns / 2, size.rows / 2, &noCoefficients, 0};
+        OrvConvKernelFP kernelFP = {size.columns, size.rows, size.columns / 2, size.rows / 2, &noFloats};
+        const OrvConvKernel *const kernels[] = {&kernel, &kernel};
+        const OrvConvKernelFP *const kernelsFP[] = {&kernelFP};
+        for (const int count : {1, 2})
+            expectStarved(orvConvolve2D(&image.header, &other.header, kernels, count, 0), "orvConvolve2D",
+                          "Allocation failure", "orvcnv2d");
+        expectStarved(orvConvolve2DFP(&floats.header, &otherFloats.header, kernelsFP, 1, 0), "orvConvolve2DFP",
+                      "Allocation failure", "orvcnv2d");
+        if (size.columns != 1 && size.rows != 1)
+            continue;
+        const bool row = size.rows == 1;
+        expectStarved(orvConvolveSep2D(&image.header, &other.header, row ? &kernel : nullptr, row ? nullptr : &kernel),
+                      "orvConvolveSep2D", "Not enough memory", "orvCSep2");
+        expectStarved(orvConvolveSep2DFP(&floats.header, &otherFloats.header, row ? &kernelFP : nullptr,
+                                         row ? nullptr : &kernelFP),
+                      "orvConvolveSep2DFP", "Not enough memory", "orvCSep2");
     }
 }
 

@@ -50,7 +50,8 @@ struct WeightedTerm {
     FloatRange value;
 };
 
-// The sum of all products. Weights are whole numbers where values have a unit.
+// The sum of all products, weights and values being converted to floats before. Weights are whole numbers where values
+// have a unit.
 inline FloatRange weightedSum(const std::vector<WeightedTerm> &terms)
 {
     double low = 0, high = 0, magnitude = 0, unit = std::numeric_limits<double>::infinity();
@@ -60,7 +61,7 @@ inline FloatRange weightedSum(const std::vector<WeightedTerm> &terms)
         magnitude += std::fabs(weight) * value.magnitude();
         unit = std::min(unit, value.unit);
     }
-    return rounded(low, high, magnitude, unit, static_cast<double>(terms.size()) + 1);
+    return rounded(low, high, magnitude, unit, static_cast<double>(terms.size()) + 3);
 }
 
 inline FloatRange sum(const FloatRange &a, const FloatRange &b)

@@ -76,9 +76,9 @@ std::vector<NeighbourhoodOperation> convolutions();
 std::vector<Operation> refusalsOfConvolutions();
 
 // Runs the call, a source and a destination, and compares status, reports and every byte of all memory with what the
-// operation promises.
+// operation promises. Of large images only every so many results may be judged, some of them in each row.
 testing::AssertionResult runs(const NeighbourhoodOperation &operation, const NeighbourhoodArguments &arguments,
-                              const PointwiseCall &images, Reports &reports, int &written);
+                              const PointwiseCall &images, Reports &reports, int &written, int judgedOneIn = 1);
 
 // For INSTANTIATE_TEST_SUITE_P over neighbourhoodOperations().
 std::string nameOfNeighbourhood(const testing::TestParamInfo<NeighbourhoodOperation> &info);

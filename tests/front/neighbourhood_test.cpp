@@ -6,13 +6,21 @@
 namespace front {
 namespace {
 
-// Floats of ordinary sizes, whose sums mean something.
-void tame(TestImage &image, Random &random)
+// Among other content: floats of ordinary sizes, whose sums mean something, and the integers that make the largest
+// sums.
+void drawContent(TestImage &image, Random &random)
 {
+    const std::int32_t depth = image.form.depth;
+    const bool oneEnd = random.once(12), bothEnds = random.once(8), high = random.once(2);
+    if (depth == ORV_DEPTH_32F ? random.once(8) : !oneEnd && !bothEnds)
+        return;
     for (std::int32_t y = 0; y < image.form.height; ++y)
         for (std::int32_t x = 0; x < image.form.width; ++x)
             for (std::int32_t channel = 0; channel < image.form.channels; ++channel)
-                image.set(x, y, channel, realSample(random.between(-9999, 9999) / 64.0));
+                image.set(x, y, channel,
+                          depth == ORV_DEPTH_32F             ? realSample(random.between(-9999, 9999) / 64.0)
+                          : (oneEnd ? high : random.once(2)) ? integerSample(depth, highestOf(depth))
+                                                             : integerSample(depth, lowestOf(depth)));
 }
 
 void drawBorders(OrvImage &header, Random &random)
@@ -57,8 +65,7 @@ std::shared_ptr<TestImage> Sweep::image(std::int32_t depth, std::int32_t order, 
     form.height = random_.between(1, isWide ? 6 : most);
     form.extraStep = random_.once(3) ? 0 : random_.between(1, 13);
     const auto made = std::make_shared<TestImage>(form, random_);
-    if (depth == ORV_DEPTH_32F && !random_.once(8))
-        tame(*made, random_);
+    drawContent(*made, random_);
     drawBorders(made->header, random_);
     return made;
 }
@@ -145,6 +152,36 @@ TEST_P(Neighbourhoods, OneHeaderForBoth)
                     int written = 0;
                     ASSERT_TRUE(runs(operation, operation.draw(depth, sweep.random()), call, reports_, written));
                 }
+}
+
+// Images of which no cache that a call may think of holds much more than a part.
+TEST_P(Neighbourhoods, ManyRows)
+{
+    const NeighbourhoodOperation &operation = GetParam();
+    Random random(6);
+    for (const std::int32_t depth : operation.depths)
+        for (const Channels &channels : {Channels{1, 0, 0}, Channels{3, 0, 0}, Channels{4, 4, 0}, Channels{3, 0, 2}})
+            for (const std::int32_t order : {ORV_DATA_ORDER_PIXEL, ORV_DATA_ORDER_PLANE}) {
+                constexpr std::int32_t bytes = 200000, width = 90;
+                Form form = {.depth = depth, .channels = channels.count, .alpha = channels.alpha, .order = order};
+                form.width = width;
+                form.height = bytes / (width * bytesOf(depth) * (order == ORV_DATA_ORDER_PIXEL ? channels.count : 1));
+                PointwiseCall call;
+                for (int i = 0; i < 2; ++i) {
+                    call.images.push_back(std::make_shared<TestImage>(form, random));
+                    setRandomRectangle(*call.images.back(), random.once(2) ? Rectangles::None : Rectangles::Clipped,
+                                       channels.coi, random);
+                    drawBorders(call.images.back()->header, random);
+                }
+                if (random.once(3)) // in place
+                    call.images.back() = operation.onItself ? call.images.front() : call.images.back();
+                if (random.once(3))
+                    call.images.back()->setMask(randomMask(width, form.height, random));
+                const Slot slot(random.between(0, Slot::best()));
+                int written = 0;
+                ASSERT_TRUE(runs(operation, operation.draw(depth, random), call, reports_, written, 37));
+                EXPECT_GT(written, 0);
+            }
 }
 
 // Each allocation fails in turn: the destination stays, nothing is kept, and the failure is told in the family's words.

@@ -11,13 +11,22 @@
 namespace front {
 namespace {
 
+// Small ones, large ones, those of a blur, whose sum is that of a few bytes, and those at the ends of narrower
+// integers.
 void drawCoefficients(std::vector<std::int32_t> &values, Random &random)
 {
-    const int kind = random.between(1, 8);
-    for (std::int32_t &value : values)
+    static const std::int32_t ends[] = {-32769, -32768, -129, -128, -127, 127, 128, 129, 32767, 32768};
+    const int kind = random.between(1, 10), ofBlur = 1 + 500 / static_cast<int>(values.size());
+    const bool sparse = random.once(4);
+    for (std::int32_t &value : values) {
         value = kind == 1   ? static_cast<std::int32_t>(random.bits())
-                : kind <= 3 ? random.between(-300, 300)
+                : kind == 2 ? random.oneOf(ends)
+                : kind <= 4 ? random.between(-300, 300)
+                : kind <= 6 ? random.between(0, ofBlur)
                             : random.between(-3, 4);
+        if (sparse && random.once(2))
+            value = 0;
+    }
 }
 
 void drawCoefficients(std::vector<float> &values, Random &random)
@@ -27,29 +36,24 @@ void drawCoefficients(std::vector<float> &values, Random &random)
         value = std::ldexp(static_cast<float>(random.between(-999, 999)), ofManySizes ? random.between(-30, 15) : -8);
 }
 
-// The sign of the divisor 2^31 depends on the type that holds it; in floats nobody is to rely on either.
-enum class Arithmetic { Integers, Floats };
-
 // More often than not such that the samples' weight in a result is about 1, which keeps it from the ends of the range.
-std::int32_t drawShift(const std::vector<std::int32_t> &values, Arithmetic arithmetic, Random &random)
+std::int32_t drawShift(const std::vector<std::int32_t> &values, Random &random)
 {
     double sum = 1;
     for (const std::int32_t value : values)
         sum += std::fabs(value);
-    const int most = arithmetic == Arithmetic::Floats ? 30 : 31;
     const int fitting = static_cast<int>(std::log2(sum)) + random.between(-3, 1);
-    const int shift = random.once(4) ? 0 : random.once(8) ? random.between(0, most) : std::clamp(fitting, 0, most);
+    const int shift = random.once(4) ? 0 : random.once(8) ? random.between(0, 31) : std::clamp(fitting, 0, 31);
     return shift + (random.once(4) ? 32 * random.between(-3, 3) : 0); // five low bits count
 }
 
-template <class Value>
-Window<Value> drawWindow(std::int32_t columns, std::int32_t rows, Arithmetic arithmetic, Random &random)
+template <class Value> Window<Value> drawWindow(std::int32_t columns, std::int32_t rows, Random &random)
 {
     Window<Value> window = {columns, rows, random.between(0, columns - 1), random.between(0, rows - 1), 0, {}};
     window.values.resize(static_cast<std::size_t>(columns * rows));
     drawCoefficients(window.values, random);
     if constexpr (std::is_same_v<Value, std::int32_t>)
-        window.shift = drawShift(window.values, arithmetic, random);
+        window.shift = drawShift(window.values, random);
     return window;
 }
 
@@ -126,8 +130,7 @@ template <class Value> NeighbourhoodArguments arguments2D(std::int32_t depth, st
     std::ostringstream text;
     text << "method " << method;
     for (int i = 0; i < count; ++i) {
-        windows->push_back(drawWindow<Value>(anyLength(random, 6), anyLength(random, 5),
-                                             integers ? Arithmetic::Integers : Arithmetic::Floats, random));
+        windows->push_back(drawWindow<Value>(anyLength(random, 6), anyLength(random, 5), random));
         text << "\nkernel " << windows->back();
     }
     const auto call = [=](const OrvImage *source, OrvImage *destination) {
@@ -172,9 +175,8 @@ enum Vectors { rowOnly = 1, columnOnly = 2, bothVectors = 3 };
 
 template <class Value, Vectors given> NeighbourhoodArguments argumentsSep(std::int32_t depth, Random &random)
 {
-    const Arithmetic kind = given == bothVectors ? Arithmetic::Floats : Arithmetic::Integers;
-    const auto row = std::make_shared<Window<Value>>(drawWindow<Value>(1 + anyLength(random, 6), 1, kind, random));
-    const auto column = std::make_shared<Window<Value>>(drawWindow<Value>(1, 1 + anyLength(random, 6), kind, random));
+    const auto row = std::make_shared<Window<Value>>(drawWindow<Value>(1 + anyLength(random, 6), 1, random));
+    const auto column = std::make_shared<Window<Value>>(drawWindow<Value>(1, 1 + anyLength(random, 6), random));
     std::ostringstream text;
     if ((given & rowOnly) != 0)
         text << "row " << *row << "\n";
