@@ -22,12 +22,15 @@ namespace {
 
 enum : std::int32_t { flipRows = 0, flipColumns = 1, flipBoth = 2 };
 
-// A row is mirrored piece by piece, each of as many pixels as it can hold. What is left of it behind pixels of three
-// bytes and multiples of that comes to lie before them.
+// A row is mirrored piece by piece, each of as many pixels as it can hold. Beside pixels of three bytes and multiples
+// of that a piece has bytes to spare: behind its pixels at the front of a row, before them at its back.
 template <class Piece, std::size_t pixelBytes> constexpr std::size_t pixelsOf = sizeof(Piece) / pixelBytes;
 template <class Piece, std::size_t pixelBytes> constexpr std::size_t spareOf = sizeof(Piece) % pixelBytes;
 
-template <std::size_t pixelBytes> inline std::uint64_t mirrored(std::uint64_t piece)
+enum class End { Front, Back };
+
+// A piece for one end of a row, from the other.
+template <std::size_t pixelBytes, End target> inline std::uint64_t mirrored(std::uint64_t piece)
 {
     if constexpr (pixelBytes == 1) {
         return __builtin_bswap64(piece);
@@ -36,48 +39,53 @@ template <std::size_t pixelBytes> inline std::uint64_t mirrored(std::uint64_t pi
         piece = piece << 32 | piece >> 32;
         return (piece & evenWords) << 16 | (piece >> 16 & evenWords);
     } else if constexpr (pixelBytes == 3) {
-        return piece << 40 | (piece >> 24 & 0xFFFFFF) << 16;
+        constexpr std::uint64_t pixel = 0xFFFFFF;
+        return target == End::Back ? piece << 40 | (piece >> 24 & pixel) << 16
+                                   : piece >> 40 | (piece >> 16 & pixel) << 24;
     } else if constexpr (pixelBytes == 4) {
         return piece << 32 | piece >> 32;
     } else {
-        return piece << 8 * (8 - pixelBytes);
+        constexpr std::size_t spareBits = 8 * (8 - pixelBytes);
+        return target == End::Back ? piece << spareBits : piece >> spareBits;
     }
 }
 
 #if ORV_SSE_LEVEL >= 4
 
-// Where byte `at` of a mirrored piece comes from.
-template <std::size_t pixelBytes> constexpr int originOf(std::size_t at)
+// Where byte `at` of such a piece comes from.
+template <std::size_t pixelBytes, End target> constexpr int originOf(std::size_t at)
 {
-    constexpr std::size_t spare = spareOf<Bytes16, pixelBytes>, pixels = pixelsOf<Bytes16, pixelBytes>;
-    return at < spare
-               ? 0
-               : static_cast<int>((pixels - 1 - (at - spare) / pixelBytes) * pixelBytes + (at - spare) % pixelBytes);
+    constexpr std::size_t spare = spareOf<Bytes16, pixelBytes>, last = pixelsOf<Bytes16, pixelBytes> - 1;
+    const std::size_t before = target == End::Back ? spare : 0, byte = at - before;
+    if (at < before || byte >= 16 - spare)
+        return static_cast<int>(at);
+    return static_cast<int>(spare - before + (last - byte / pixelBytes) * pixelBytes + byte % pixelBytes);
 }
 
-template <std::size_t pixelBytes, std::size_t... at> inline Bytes16 shuffled(Bytes16 piece, std::index_sequence<at...>)
+template <std::size_t pixelBytes, End target, std::size_t... at>
+inline Bytes16 shuffled(Bytes16 piece, std::index_sequence<at...>)
 {
-    return __builtin_shufflevector(piece, piece, originOf<pixelBytes>(at)...);
+    return __builtin_shufflevector(piece, piece, originOf<pixelBytes, target>(at)...);
 }
 
 #endif
 
 #if ORV_SSE_LEVEL >= 2
 
-template <std::size_t pixelBytes> inline Bytes16 mirrored(Bytes16 piece)
+template <std::size_t pixelBytes, End target> inline Bytes16 mirrored(Bytes16 piece)
 {
     const __m128i bytes = reinterpret_cast<__m128i>(piece);
     if constexpr (pixelBytes == 16)
         return piece;
     else if constexpr (pixelBytes == 12)
-        return reinterpret_cast<Bytes16>(_mm_slli_si128(bytes, 4));
+        return reinterpret_cast<Bytes16>(target == End::Back ? _mm_slli_si128(bytes, 4) : _mm_srli_si128(bytes, 4));
     else if constexpr (pixelBytes == 8)
         return reinterpret_cast<Bytes16>(_mm_shuffle_epi32(bytes, 0x4E));
     else if constexpr (pixelBytes == 4)
         return reinterpret_cast<Bytes16>(_mm_shuffle_epi32(bytes, 0x1B));
     else {
 #if ORV_SSE_LEVEL >= 4
-        return shuffled<pixelBytes>(piece, std::make_index_sequence<16>());
+        return shuffled<pixelBytes, target>(piece, std::make_index_sequence<16>());
 #else
         static_assert(pixelBytes <= 2);
         const __m128i words =
@@ -98,6 +106,8 @@ template <std::size_t> using PieceFor = std::uint64_t;
 
 #endif
 
+template <std::size_t pixelBytes> constexpr bool hasPieces = sizeof(PieceFor<pixelBytes>) >= pixelBytes;
+
 // The result, but its pixels' bytes from `moved` on as they were before.
 template <std::size_t pixelBytes, std::size_t moved, class Piece> inline Piece keeping(Piece result, Piece before)
 {
@@ -110,39 +120,68 @@ template <std::size_t pixelBytes, std::size_t moved, class Piece> inline Piece k
     return (result & mask.all) | (before & ~mask.all);
 }
 
-template <std::size_t pixelBytes, std::size_t moved, class Piece>
-inline void mirrorPiece(const unsigned char *in, unsigned char *out)
+template <std::size_t pixelBytes, std::size_t moved, End target, class Piece>
+inline void storeMirrored(Piece piece, unsigned char *out)
 {
-    Piece piece = mirrored<pixelBytes>(load<Piece>(in, 0));
+    piece = mirrored<pixelBytes, target>(piece);
     if constexpr (moved < pixelBytes)
         piece = keeping<pixelBytes, moved>(piece, load<Piece>(out, 0));
     store(out, 0, piece);
 }
 
-// Pixels from the first one on go to the end of the destination and before it. Spare bytes of a piece fall on pixels
-// that are still to come. Not inlined: kernels in place and not in place and layouts of one pixel size share it.
+// Pixels from `first` on to before `outEnd`, and pixels before `end` to `outFirst` and on, as many of `pixels` each as
+// fill pieces: how many is the result. Spare bytes fall on pixels that are still to come. Both pieces are read before
+// either is written, so rows without spare bytes can also change places with themselves. Working from both ends reads
+// no place of a page whose like in the other raster has just been written, which processors take for the same place.
+template <std::size_t pixelBytes, std::size_t moved>
+inline std::size_t mirrorEnds(std::size_t pixels, const unsigned char *first, const unsigned char *end,
+                              unsigned char *outFirst, unsigned char *outEnd)
+{
+    using Piece = PieceFor<pixelBytes>;
+    constexpr std::size_t some = pixelsOf<Piece, pixelBytes>, size = sizeof(Piece);
+    std::size_t done = 0;
+    ORV_UNROLLED
+    for (; done + some + (spareOf<Piece, pixelBytes> != 0) <= pixels; done += some) {
+        const std::size_t at = done * pixelBytes;
+        const Piece front = load<Piece>(first + at, 0), back = load<Piece>(end - at - size, 0);
+        storeMirrored<pixelBytes, moved, End::Back>(front, outEnd - at - size);
+        storeMirrored<pixelBytes, moved, End::Front>(back, outFirst + at);
+    }
+    return done;
+}
+
+// Not inlined: kernels in place and not in place and layouts of one pixel size share it.
 template <std::size_t pixelBytes, std::size_t moved>
 __attribute__((noinline)) void mirrorRow(std::size_t pixels, const unsigned char *in, unsigned char *out)
 {
-    std::size_t done = 0;
-    using Piece = PieceFor<pixelBytes>;
-    if constexpr (sizeof(Piece) >= pixelBytes) {
-        constexpr std::size_t some = pixelsOf<Piece, pixelBytes>, spare = spareOf<Piece, pixelBytes>;
-        const auto mirrorFrom = [=](std::size_t pixel) {
-            mirrorPiece<pixelBytes, moved, Piece>(in + pixel * pixelBytes,
-                                                  out + (pixels - pixel - some) * pixelBytes - spare);
-        };
-        ORV_UNROLLED
-        for (; done + some + (spare != 0) <= pixels; done += some)
-            mirrorFrom(done);
-        // The last pixels once more with those before them.
-        if (spare == 0 && pixels >= some && done < pixels) {
-            mirrorFrom(pixels - some);
-            return;
+    if constexpr (hasPieces<pixelBytes>) {
+        using Piece = PieceFor<pixelBytes>;
+        constexpr std::size_t some = pixelsOf<Piece, pixelBytes>, size = sizeof(Piece);
+        const std::size_t bytes = pixels * pixelBytes;
+        const std::size_t done = mirrorEnds<pixelBytes, moved>(pixels / 2, in, in + bytes, out, out + bytes);
+        const std::size_t left = pixels - 2 * done;
+        in += done * pixelBytes;
+        out += done * pixelBytes;
+        if constexpr (spareOf<Piece, pixelBytes> == 0) {
+            // What is left in the middle, some of it twice and some of it with neighbours that are done.
+            if (pixels >= some) {
+                if (left > some)
+                    storeMirrored<pixelBytes, moved, End::Front>(load<Piece>(in + left * pixelBytes - size, 0), out);
+                if (left > 0)
+                    storeMirrored<pixelBytes, moved, End::Back>(load<Piece>(in, 0), out + left * pixelBytes - size);
+                return;
+            }
+        } else {
+            pixels = left;
+            while (pixels > some) {
+                storeMirrored<pixelBytes, moved, End::Back>(load<Piece>(in, 0), out + pixels * pixelBytes - size);
+                in += some * pixelBytes;
+                pixels -= some;
+            }
         }
     }
-    for (; done < pixels; ++done)
-        __builtin_memcpy(out + (pixels - 1 - done) * pixelBytes, in + done * pixelBytes, moved);
+    for (; pixels > 0; in += pixelBytes)
+        __builtin_memcpy(out + --pixels * pixelBytes, in, moved);
 }
 
 template <std::size_t pixelBytes, std::size_t moved>
@@ -156,6 +195,95 @@ inline void moveRow(std::size_t pixels, const unsigned char *in, unsigned char *
         __builtin_memmove(out, in, pixels * pixelBytes);
 }
 
+// A piece of a row that the nearest cache holds.
+template <std::size_t pixelBytes> struct Buffer {
+    static constexpr std::size_t pixels = 2048 / pixelBytes;
+    unsigned char bytes[pixels * pixelBytes];
+};
+
+#if ORV_SSE_LEVEL >= 2
+
+// Source and destination of that size fill the caches that there are. Stores that pass the caches by save the reading
+// of what they overwrite.
+constexpr std::size_t streamedBytes = std::size_t{12} << 20;
+
+inline void streamBytes(std::size_t bytes, const unsigned char *in, unsigned char *out)
+{
+    for (; bytes > 0 && reinterpret_cast<std::uintptr_t>(out) % 16 != 0; --bytes)
+        *out++ = *in++;
+    for (; bytes >= 16; bytes -= 16, in += 16, out += 16)
+        _mm_stream_si128(reinterpret_cast<__m128i *>(out), reinterpret_cast<__m128i>(loadBytes(in)));
+    __builtin_memcpy(out, in, bytes);
+}
+
+template <std::size_t pixelBytes> void streamRow(std::size_t pixels, const unsigned char *in, unsigned char *out)
+{
+    streamBytes(pixels * pixelBytes, in, out);
+}
+
+template <std::size_t pixelBytes>
+inline bool standsOn(std::size_t boundary, const unsigned char *out, std::size_t pixel)
+{
+    return reinterpret_cast<std::uintptr_t>(out + pixel * pixelBytes) % boundary == 0;
+}
+
+// Pieces of whole vectors. Pixels that stand across multiples of sixteen are stored as ever.
+template <std::size_t pixelBytes> void streamPieces(std::size_t pixels, const unsigned char *in, unsigned char *out)
+{
+    constexpr std::size_t some = 16 / pixelBytes;
+    for (std::size_t i = 0; i < some && pixels > 0 && !standsOn<pixelBytes>(16, out, pixels); ++i, in += pixelBytes)
+        __builtin_memcpy(out + --pixels * pixelBytes, in, pixelBytes);
+    if (standsOn<pixelBytes>(16, out, pixels))
+        for (; pixels >= some; pixels -= some, in += some * pixelBytes)
+            _mm_stream_si128(reinterpret_cast<__m128i *>(out + pixels * pixelBytes - 16),
+                             reinterpret_cast<__m128i>(mirrored<pixelBytes, End::Back>(loadBytes(in))));
+    mirrorRow<pixelBytes, pixelBytes>(pixels, in, out);
+}
+
+template <std::size_t pixelBytes> void mirrorUpwards(std::size_t pixels, const unsigned char *in, unsigned char *out)
+{
+    using Piece = PieceFor<pixelBytes>;
+    constexpr std::size_t some = pixelsOf<Piece, pixelBytes>;
+    ORV_UNROLLED
+    for (; pixels > some; pixels -= some, in += some * pixelBytes)
+        storeMirrored<pixelBytes, pixelBytes, End::Back>(load<Piece>(in, 0), out + pixels * pixelBytes - sizeof(Piece));
+    for (; pixels > 0; in += pixelBytes)
+        __builtin_memcpy(out + --pixels * pixelBytes, in, pixelBytes);
+}
+
+// Other pieces are put together in a buffer, as many as make whole lines of the caches: parts of lines are written
+// slowly.
+template <std::size_t pixelBytes> void streamLines(std::size_t pixels, const unsigned char *in, unsigned char *out)
+{
+    constexpr std::size_t line = 64, most = 2048 / pixelBytes / line * line;
+    unsigned char buffer[most * pixelBytes];
+    std::size_t some = pixels < most ? pixels : most;
+    for (std::size_t i = 0; i < line && some > 0 && !standsOn<pixelBytes>(line, out, pixels - some); ++i)
+        --some;
+    if (!standsOn<pixelBytes>(line, out, pixels - some))
+        some = 0;
+    while (some > 0) {
+        pixels -= some;
+        mirrorUpwards<pixelBytes>(some, in, buffer);
+        streamBytes(some * pixelBytes, buffer, out + pixels * pixelBytes);
+        in += some * pixelBytes;
+        some = pixels < most ? pixels : most;
+    }
+    mirrorUpwards<pixelBytes>(pixels, in, out);
+}
+
+// All of these read upwards, as the memory likes it best. Where the destination's rows follow each other downwards too,
+// other pieces do without the buffer.
+template <std::size_t pixelBytes> constexpr auto streamMirrored(std::int32_t flip)
+{
+    if constexpr (16 % pixelBytes == 0)
+        return streamPieces<pixelBytes>;
+    else
+        return flip == flipColumns ? streamLines<pixelBytes> : mirrorUpwards<pixelBytes>;
+}
+
+#endif
+
 template <std::size_t pixelBytes, std::size_t moved>
 KrnStatus mirror(const void *source, std::int32_t sourceStep, void *destination, std::int32_t destinationStep,
                  std::int32_t width, std::int32_t height, std::int32_t flip)
@@ -166,18 +294,24 @@ KrnStatus mirror(const void *source, std::int32_t sourceStep, void *destination,
         return refusal;
     if (flip < flipRows || flip > flipBoth)
         return KRN_BAD_AXIS;
-    const auto row = flip == flipRows ? moveRow<pixelBytes, moved> : mirrorRow<pixelBytes, moved>;
+    auto row = flip == flipRows ? moveRow<pixelBytes, moved> : mirrorRow<pixelBytes, moved>;
+#if ORV_SSE_LEVEL >= 2
+    const bool streams = moved == pixelBytes && static_cast<std::size_t>(width) * static_cast<std::size_t>(height) >=
+                                                    streamedBytes / pixelBytes;
+    if (streams)
+        row = flip == flipRows ? streamRow<pixelBytes> : streamMirrored<pixelBytes>(flip);
+#endif
     for (std::int32_t y = 0; y < height; ++y)
         row(static_cast<std::size_t>(width), rowOf(in, y), rowOf(out, flip == flipColumns ? y : height - 1 - y));
+#if ORV_SSE_LEVEL >= 2
+    if (streams)
+        _mm_sfence();
+#endif
     return KRN_OK;
 }
 
-// In place, pieces change places by way of a buffer that the nearest cache holds.
-template <std::size_t pixelBytes> struct Buffer {
-    static constexpr std::size_t pixels = 2048 / pixelBytes;
-    unsigned char bytes[pixels * pixelBytes];
-};
-
+// In place, pixels that fill no pieces without spare bytes change places by way of a buffer that the nearest cache
+// holds.
 template <std::size_t pixelBytes, std::size_t moved>
 void exchangeRows(std::size_t pixels, unsigned char *above, unsigned char *below)
 {
@@ -196,6 +330,12 @@ void exchangeRows(std::size_t pixels, unsigned char *above, unsigned char *below
 template <std::size_t pixelBytes, std::size_t moved>
 void exchangeMirrored(std::size_t pixels, unsigned char *first, unsigned char *end)
 {
+    if constexpr (hasPieces<pixelBytes> && spareOf<PieceFor<pixelBytes>, pixelBytes> == 0) {
+        const std::size_t done = mirrorEnds<pixelBytes, moved>(pixels, first, end, first, end);
+        first += done * pixelBytes;
+        end -= done * pixelBytes;
+        pixels -= done;
+    }
     Buffer<pixelBytes> buffer;
     for (std::size_t some = 0; pixels > 0; pixels -= some) {
         some = pixels < buffer.pixels ? pixels : buffer.pixels;

@@ -103,6 +103,19 @@ TEST(Mirror, MovesEachPixelToItsPlace)
     krnDispatchIndex = 0;
 }
 
+// Images larger than the caches take a way of their own, at any place.
+TEST(Mirror, LargeImagesAreLikeSmallOnes)
+{
+    for (const MirrorRow &row : mirrorRows()) {
+        if (row.name != "krnMirror8uC1" && row.name != "krnMirror8uC3" && row.name != "krnMirror16uC3")
+            continue;
+        const int width = 9001 / row.pixelBytes;
+        for (const int spare : {0, 5})
+            ASSERT_NO_FATAL_FAILURE(holdMirror(row, width, 13000000 / (width * row.pixelBytes), spare));
+    }
+    krnDispatchIndex = 0;
+}
+
 // After pointers, sizes and steps, which all kernels look at first.
 TEST(Mirror, RefusesOtherAxesLast)
 {
