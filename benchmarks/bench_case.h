@@ -28,6 +28,7 @@ struct Case {
 std::vector<Case> copyingCases();
 std::vector<Case> arithmeticCases();
 std::vector<Case> geometryCases();
+std::vector<Case> neighbourhoodCases();
 std::vector<Case> kernelCases();
 
 } // namespace bench

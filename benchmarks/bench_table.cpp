@@ -141,7 +141,8 @@ int main(int argc, char **argv)
     orvSetErrMode(ORV_ErrorModeLeaf);
     orvRedirectError(orvStdErrReport);
     std::vector<Case> cases = bench::copyingCases();
-    for (const std::vector<Case> &more : {bench::arithmeticCases(), bench::geometryCases(), bench::kernelCases()})
+    for (const std::vector<Case> &more :
+         {bench::arithmeticCases(), bench::geometryCases(), bench::neighbourhoodCases(), bench::kernelCases()})
         cases.insert(cases.end(), more.begin(), more.end());
     for (const Case &item : cases) {
         for (const int side : {cachedSide, memorySide})

@@ -12,6 +12,7 @@ Family magnitudeFamily();
 Family arithmeticFamily();
 Family logicFamily();
 Family geometryFamily();
+Family neighbourhoodFamily();
 Family patternFamily();
 
 } // namespace sheet
