@@ -310,11 +310,20 @@ KrnStatus mirror(const void *source, std::int32_t sourceStep, void *destination,
     return KRN_OK;
 }
 
-// In place, pixels that fill no pieces without spare bytes change places by way of a buffer that the nearest cache
-// holds.
+// In place, what is not exchanged by vectors changes places by way of a buffer.
 template <std::size_t pixelBytes, std::size_t moved>
 void exchangeRows(std::size_t pixels, unsigned char *above, unsigned char *below)
 {
+#if ORV_SSE_LEVEL >= 2
+    if constexpr (pixelBytes == 1) {
+        ORV_UNROLLED
+        for (; pixels >= 16; pixels -= 16, above += 16, below += 16) {
+            const Bytes16 piece = loadBytes(above);
+            storeBytes(above, loadBytes(below));
+            storeBytes(below, piece);
+        }
+    }
+#endif
     Buffer<pixelBytes> buffer;
     for (std::size_t some = 0; pixels > 0; pixels -= some) {
         some = pixels < buffer.pixels ? pixels : buffer.pixels;
@@ -366,10 +375,12 @@ KrnStatus mirrorInPlace(void *image, std::int32_t step, std::int32_t width, std:
     }
     for (std::int32_t y = 0; y < height / 2; ++y) {
         unsigned char *const above = rowOf(raster, y), *const below = rowOf(raster, height - 1 - y);
-        if (flip == flipRows)
-            exchangeRows<pixelBytes, moved>(pixels, above, below);
-        else
+        if (flip == flipBoth)
             exchangeMirrored<pixelBytes, moved>(pixels, above, below + pixels * pixelBytes);
+        else if constexpr (moved == pixelBytes)
+            exchangeRows<1, 1>(pixels * pixelBytes, above, below);
+        else
+            exchangeRows<pixelBytes, moved>(pixels, above, below);
     }
     if (flip == flipBoth && height % 2 != 0)
         mirrorOne(height / 2);
