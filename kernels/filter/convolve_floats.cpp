@@ -21,6 +21,16 @@ namespace {
 
 #include "windows.h"
 
+// The floating-point unit of 32-bit x86 would add a product with more bits than a float has. Through memory it gives
+// what vectors give.
+inline float singleFloat(float value)
+{
+#if defined(__i386__)
+    __asm__("" : "+m"(value));
+#endif
+    return value;
+}
+
 // Sums are taken row by row and from left to right in each lane, so that all vectors give what plain code gives.
 struct FloatWindow {
     const void *values;
@@ -82,7 +92,7 @@ void sumRow(std::size_t samples, const unsigned char *in, unsigned char *out, co
             const unsigned char *tap = in + i * sizeof(float) + offset;
             ORV_INDEPENDENT
             for (std::size_t j = 0; j < some; ++j)
-                sums[j] += value * load<float>(tap, j);
+                sums[j] += singleFloat(value * load<float>(tap, j));
         });
         __builtin_memcpy(out + i * sizeof(float), sums, some * sizeof(float));
     }

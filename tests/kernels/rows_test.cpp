@@ -156,30 +156,6 @@ RowWindow someWindow(const std::string &name, std::mt19937 &random)
     return window;
 }
 
-// Sums of a window come out the same in all builds whose floats are rounded after each step. The floating-point unit of
-// plain 32-bit builds keeps more bits between a product and its sum: then each of the steps may be off by half a bit of
-// what is summed up, here at most 512 times 4 for each coefficient.
-float boundOf(const std::string &name, const RowWindow &window)
-{
-    const bool sums = startsWith(name, "krnConvolve") && sizeof(void *) == 4;
-    const float steps = static_cast<float>(window.size());
-    return sums ? steps * steps * 512 * 4 * std::numeric_limits<float>::epsilon() : 0;
-}
-
-bool alike(const std::vector<std::uint8_t> &a, const std::vector<std::uint8_t> &b, float bound)
-{
-    if (a == b || bound == 0)
-        return a == b;
-    for (std::size_t i = 0; i + 4 <= a.size(); i += 4) {
-        float left, right;
-        std::memcpy(&left, a.data() + i, 4);
-        std::memcpy(&right, b.data() + i, 4);
-        if (std::memcmp(&left, &right, 4) != 0 && !(std::fabs(left - right) <= bound))
-            return false;
-    }
-    return true;
-}
-
 template <class Signature> void walk(const std::string &name, const Kernel<Signature> &kernel)
 {
     const RowShape shape = shapeOf(name);
@@ -236,7 +212,7 @@ template <class Signature> void walk(const std::string &name, const Kernel<Signa
             const std::vector<std::uint8_t> result(memory.data(), memory.data() + memory.size());
             if (krnDispatchIndex == 0)
                 expected = result;
-            ASSERT_TRUE(alike(result, expected, boundOf(name, window)))
+            ASSERT_TRUE(result == expected)
                 << name << " of build " << krnDispatchIndex << ", " << width << " x " << height << ", trial " << trial;
         }
         krnDispatchIndex = 0;
