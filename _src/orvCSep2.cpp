@@ -1,5 +1,7 @@
 // Convolution with a row of coefficients, a column of them, or both.
+#include <algorithm>
 #include <cstdint>
+#include <type_traits>
 
 #include "frame/checks.h"
 #include "frame/conv_record.h"
@@ -74,7 +76,7 @@ template <class Signature, class Record> struct OneVector {
 };
 
 using IntegerVector = OneVector<ConvolveLineKernel, OrvConvKernel>;
-using FloatVector = OneVector<ConvolveFloatLineKernel, OrvConvKernelFP>;
+using FloatVector = OneVector<SumLineKernel, OrvConvKernelFP>;
 
 #define ORV_LINE_KERNELS(samples)                                                              \
     {krnConvolveRow##samples##C1, krnConvolveRow##samples##C3, krnConvolveRow##samples##C4,    \
@@ -84,8 +86,14 @@ using FloatVector = OneVector<ConvolveFloatLineKernel, OrvConvKernelFP>;
             krnConvolveCol##samples##AC4                                                       \
     }
 
-constexpr LayoutKernels<ConvolveFloatLineKernel> floatRow = {krnConvolveRow32fC1, krnConvolveRow32fC3,
-                                                             krnConvolveRow32fC4, krnConvolveRow32fAC4};
+constexpr LayoutKernels<SumLineKernel> floatRow = {krnConvolveRow32fC1, krnConvolveRow32fC3, krnConvolveRow32fC4,
+                                                   krnConvolveRow32fAC4};
+
+// The sums of columns, of all columns with the margins.
+FloatPieces sumsOf(Layout layout, const PaddedSource &source)
+{
+    return FloatPieces(layout, {static_cast<std::int32_t>(source.wholeWidth()), source.size.height});
+}
 
 // Both vectors, in floats: the column first, over all columns that the row will read.
 template <class Record> struct TwoVectors {
@@ -125,13 +133,51 @@ template <class Record> struct TwoVectors {
             fromFloats(result, layout, depth, out.fromRow(row));
         }
     }
+};
+
+std::int64_t sumOfSizes(const OrvConvKernel &vector)
+{
+    std::int64_t sum = 0;
+    for (std::int32_t i = 0; i < vector.nCols * vector.nRows; ++i)
+        sum += vector.values[i] < 0 ? -std::int64_t{vector.values[i]} : vector.values[i];
+    return sum;
+}
+
+// Both vectors on bytes whose sums of columns fit words, and whose sums of these are whole numbers that floats hold:
+// then integers give what floats would.
+struct BytesInWords {
+    const OrvConvKernel &x, &y;
+
+    static bool serve(const OrvConvKernel &x, const OrvConvKernel &y)
+    {
+        const std::int64_t columns = sumOfSizes(y), rows = sumOfSizes(x);
+        return columns <= 32767 / 255 && rows < (1 << 24) / 255 / std::max<std::int64_t>(columns, 1) &&
+               shiftOf(x) + shiftOf(y) < 31;
+    }
+
+    std::int64_t workBytes(Layout layout, const PaddedSource &source) const { return sumsOf(layout, source).bytes(); }
+
+    void operator()(Layout layout, const PaddedSource &source, Raster out, std::uint8_t *work) const
+    {
+        const std::int32_t channels = samplesPerPixel(layout);
+        const FloatPieces pieces = sumsOf(layout, source);
+        const Raster whole = source.whole(channels).fromRow(source.margins.top);
+        for (std::int32_t row = 0; row < source.size.height; row += pieces.rows()) {
+            std::uint8_t *free = work;
+            const Size size = {source.size.width, pieces.at(row).height};
+            const FloatRaster sums = pieces.take(free, size); // words, which leave half of each row unused
+            const Raster from = whole.fromRow(row), to = out.fromRow(row);
+            krnConvolveCol8u16sC1(from.data, from.step, sums.raster.data, sums.raster.step, sums.size.width,
+                                  sums.size.height, y.values, y.nRows, givenAnchorY(y));
+            rowOfWords[layout](sums.raster.data + std::ptrdiff_t{2} * source.margins.left * channels, sums.raster.step,
+                               to.data, to.step, size.width, size.height, x.values, x.nCols, givenAnchorX(x),
+                               1 << (shiftOf(x) + shiftOf(y)));
+        }
+    }
 
 private:
-    // The sums of columns, of all columns with the margins.
-    static FloatPieces sumsOf(Layout layout, const PaddedSource &source)
-    {
-        return FloatPieces(layout, {static_cast<std::int32_t>(source.wholeWidth()), source.size.height});
-    }
+    static constexpr LayoutKernels<ConvolveLineKernel> rowOfWords = {krnConvolveRow16s8uC1, krnConvolveRow16s8uC3,
+                                                                     krnConvolveRow16s8uC4, krnConvolveRow16s8uAC4};
 };
 
 // `one` makes the loop of a single vector.
@@ -145,6 +191,9 @@ OrvStatus run(const OrvImage *source, const OrvImage *destination, const Record 
     Neighbourhood call = {source, destination, {}, 0, 0, source->alphaChannel != 0};
     unite(call, *x);
     unite(call, *y);
+    if constexpr (std::is_same_v<Record, OrvConvKernel>)
+        if (destination->depth == ORV_DEPTH_8U && BytesInWords::serve(*x, *y))
+            return neighbourhood(call, BytesInWords{*x, *y});
     return neighbourhood(call, TwoVectors<Record>{*x, *y, destination->depth});
 }
 

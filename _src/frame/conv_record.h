@@ -49,10 +49,14 @@ template <class Record> void unite(Neighbourhood &call, const Record &kernel)
     call.rimTop = std::max({call.rimTop, kernel.anchorY - 1, kernel.nRows - kernel.anchorY - 1});
 }
 
-// Its low five bits count.
+inline std::int32_t shiftOf(const OrvConvKernel &kernel)
+{
+    return kernel.nShiftR & 31;
+}
+
 inline std::int32_t divisorOf(const OrvConvKernel &kernel)
 {
-    return static_cast<std::int32_t>(1u << (kernel.nShiftR & 31));
+    return static_cast<std::int32_t>(1u << shiftOf(kernel));
 }
 
 } // namespace orv

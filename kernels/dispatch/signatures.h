@@ -107,7 +107,8 @@ using ConvolveFloatsKernel = KrnStatus(const void *source, std::int32_t sourceSt
 using ConvolveLineKernel = KrnStatus(const void *source, std::int32_t sourceStep, void *destination,
                                      std::int32_t destinationStep, std::int32_t width, std::int32_t height,
                                      const void *values, std::int32_t size, std::int32_t anchor, std::int32_t divisor);
-using ConvolveFloatLineKernel = KrnStatus(const void *source, std::int32_t sourceStep, void *destination,
+// Without a divisor: of floats, and where the sums themselves are the result.
+using SumLineKernel = KrnStatus(const void *source, std::int32_t sourceStep, void *destination,
                                           std::int32_t destinationStep, std::int32_t width, std::int32_t height,
                                           const void *values, std::int32_t size, std::int32_t anchor);
 using FloatPairRowKernel = KrnStatus(const void *source1, const void *source2, void *destination, std::int32_t length);

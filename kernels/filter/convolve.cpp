@@ -87,11 +87,12 @@ template <class Sum> struct ToByte {
     }
 };
 
-template <class Sum> struct ToWord {
+template <class Sum, class Sample> struct FromWords {
     int shift;
 
-    std::int16_t operator()(Sum sum) const
+    Sample operator()(Sum sum) const
     {
+        constexpr Sum bottom = sizeof(Sample) == 1 ? 0 : -32768, top = sizeof(Sample) == 1 ? 255 : 32767;
         Sum rounded = sum;
         if (shift > 0) {
             const Sum half = Sum{1} << (shift - 1), quotient = sum >> shift;
@@ -100,28 +101,28 @@ template <class Sum> struct ToWord {
             else
                 rounded = quotient + (((quotient & 1) + (sum & (2 * half - 1)) - 1 + half) >> shift);
         }
-        return static_cast<std::int16_t>(rounded < -32768 ? -32768 : rounded > 32767 ? 32767 : rounded);
+        return static_cast<Sample>(rounded < bottom ? bottom : rounded > top ? top : rounded);
     }
 };
 
 // Any other divisor, in extended precision.
-template <class Sample> struct Divided {
+template <class Sample, class Out> struct Divided {
     std::int32_t divisor;
 
-    template <class Sum> Sample operator()(Sum sum) const
+    template <class Sum> Out operator()(Sum sum) const
     {
-        constexpr std::int32_t bottom = sizeof(Sample) == 1 ? 0 : -32768, top = sizeof(Sample) == 1 ? 255 : 32767;
+        constexpr std::int32_t bottom = sizeof(Out) == 1 ? 0 : -32768, top = sizeof(Out) == 1 ? 255 : 32767;
         const long double value = sizeof(Sample) == 1 ? static_cast<long double>(sum) * (1.0L / divisor)
                                                       : static_cast<long double>(sum) / divisor;
         if (value >= top)
-            return static_cast<Sample>(top);
+            return static_cast<Out>(top);
         if (value <= bottom)
-            return static_cast<Sample>(bottom);
+            return static_cast<Out>(bottom);
         const std::int32_t whole = static_cast<std::int32_t>(value);
         const long double rest = value - static_cast<long double>(whole);
         const bool odd = (whole & 1) != 0;
-        return static_cast<Sample>(whole + (rest > 0.5L || (rest == 0.5L && odd)) -
-                                   (rest < -0.5L || (rest == -0.5L && odd)));
+        return static_cast<Out>(whole + (rest > 0.5L || (rest == 0.5L && odd)) -
+                                (rest < -0.5L || (rest == -0.5L && odd)));
     }
 };
 
@@ -166,9 +167,15 @@ struct PairList {
     std::size_t count;
 };
 
+inline void storeIntegers(unsigned char *out, std::size_t vector, __m128i integers)
+{
+    storeVector<std::uint8_t>(out, 16 * vector, asVector<std::uint8_t>(integers));
+}
+
 // Words, summed up in 32 bits that hold the sum with half of the divisor on top.
-struct WordPairs {
+template <class Result> struct WordPairs {
     using Sample = std::int16_t;
+    using Out = Result;
     __m128i shift, half, one;
 
     explicit WordPairs(int by)
@@ -193,21 +200,22 @@ struct WordPairs {
         const __m128i odd = _mm_and_si128(_mm_sra_epi32(sums, shift), one);
         return _mm_sra_epi32(_mm_add_epi32(_mm_add_epi32(sums, half), odd), shift);
     }
-    __m128i finish(__m128i low, __m128i high) const { return _mm_packs_epi32(rounded(low), rounded(high)); }
+    void finish(unsigned char *out, std::size_t vector, __m128i low, __m128i high) const
+    {
+        const __m128i words = _mm_packs_epi32(rounded(low), rounded(high));
+        if constexpr (sizeof(Out) == 1)
+            _mm_storel_epi64(reinterpret_cast<__m128i *>(out + 8 * vector), _mm_packus_epi16(words, words));
+        else
+            storeIntegers(out, vector, words);
+    }
 };
 
 #if ORV_SSE_LEVEL >= 4
 
-// Bytes, summed up in words that hold the sum, and half of the divisor on top where it is not below zero.
-template <bool positive> struct BytePairs {
+// Bytes, summed up in words that hold the sum.
+struct BytePairs {
     using Sample = std::uint8_t;
-    __m128i shift, half, one;
-
-    explicit BytePairs(int by)
-        : shift(_mm_cvtsi32_si128(by)), half(_mm_set1_epi16(static_cast<std::int16_t>((1u << by >> 1) - (by > 0)))),
-          one(_mm_set1_epi16(by > 0))
-    {
-    }
+    using Out = std::int16_t;
 
     // The sum of two products saturates.
     static bool fit(std::int32_t first, std::int32_t second)
@@ -224,6 +232,24 @@ template <bool positive> struct BytePairs {
     {
         return _mm_add_epi16(sums, _mm_maddubs_epi16(pairs, values));
     }
+    void finish(unsigned char *out, std::size_t vector, __m128i low, __m128i high) const
+    {
+        storeIntegers(out, 2 * vector, low);
+        storeIntegers(out, 2 * vector + 1, high);
+    }
+};
+
+// The same, and half of the divisor on top where the sum is not below zero.
+template <bool positive> struct RoundedBytePairs : BytePairs {
+    using Out = std::uint8_t;
+    __m128i shift, half, one;
+
+    explicit RoundedBytePairs(int by)
+        : shift(_mm_cvtsi32_si128(by)), half(_mm_set1_epi16(static_cast<std::int16_t>((1u << by >> 1) - (by > 0)))),
+          one(_mm_set1_epi16(by > 0))
+    {
+    }
+
     __m128i rounded(__m128i sums) const
     {
         if constexpr (!positive)
@@ -231,7 +257,10 @@ template <bool positive> struct BytePairs {
         const __m128i odd = _mm_and_si128(_mm_srl_epi16(sums, shift), one);
         return _mm_srl_epi16(_mm_add_epi16(_mm_add_epi16(sums, half), odd), shift);
     }
-    __m128i finish(__m128i low, __m128i high) const { return _mm_packus_epi16(rounded(low), rounded(high)); }
+    void finish(unsigned char *out, std::size_t vector, __m128i low, __m128i high) const
+    {
+        storeIntegers(out, vector, _mm_packus_epi16(rounded(low), rounded(high)));
+    }
 };
 
 #endif
@@ -261,7 +290,7 @@ inline void sumBlock(const unsigned char *in, unsigned char *out, const PairList
             high[i] = pairs.add(high[i], pairs.upper(first, second), pair->values);
         }
     for (std::size_t i = 0; i < vectors; ++i)
-        storeVector<std::uint8_t>(out, 16 * i, asVector<std::uint8_t>(pairs.finish(low[i], high[i])));
+        pairs.finish(out, i, low[i], high[i]);
 }
 
 // Not inlined: the layouts share it. False where the row is shorter than a vector.
@@ -277,13 +306,13 @@ __attribute__((noinline)) bool sumPairs(std::size_t samples, const unsigned char
     using Sample = typename Pairs::Sample;
     constexpr std::size_t one = 16 / sizeof(Sample);
     if (samples >= most * one)
-        overBlocks<Sample, most * one>(samples, in, out, [&](const unsigned char *from, unsigned char *to) {
-            sumBlock<most>(from, to, list, pairs);
-        });
+        overBlocks<Sample, most * one, typename Pairs::Out>(
+            samples, in, out,
+            [&](const unsigned char *from, unsigned char *to) { sumBlock<most>(from, to, list, pairs); });
     else if (samples >= one)
-        overBlocks<Sample, one>(samples, in, out, [&](const unsigned char *from, unsigned char *to) {
-            sumBlock<1>(from, to, list, pairs);
-        });
+        overBlocks<Sample, one, typename Pairs::Out>(
+            samples, in, out,
+            [&](const unsigned char *from, unsigned char *to) { sumBlock<1>(from, to, list, pairs); });
     return samples >= one;
 }
 
@@ -295,14 +324,16 @@ struct Rasters {
     std::int32_t width, height;
 };
 
+template <class Finish, class Sum> using Finished = decltype(Finish()(Sum()));
+
 template <class Sum, class Value, class Sample, std::size_t layout, class Finish>
 KrnStatus convolvePlainly(const Rasters &rasters, const Coefficients &coefficients, Finish finish)
 {
-    return overWindows<Sample, layout>(rasters.source, rasters.destination, rasters.width, rasters.height,
-                                       coefficients.window,
-                                       [&](std::size_t samples, const unsigned char *in, unsigned char *out) {
-                                           sumPlainly<Sum, Value, Sample>(samples, in, out, coefficients, finish);
-                                       });
+    const auto row = [&](std::size_t samples, const unsigned char *in, unsigned char *out) {
+        sumPlainly<Sum, Value, Sample>(samples, in, out, coefficients, finish);
+    };
+    return overWindows<Sample, layout, Finished<Finish, Sum>>(rasters.source, rasters.destination, rasters.width,
+                                                              rasters.height, coefficients.window, row);
 }
 
 #if ORV_SSE_LEVEL >= 2
@@ -313,62 +344,67 @@ KrnStatus convolvePairs(const Rasters &rasters, const Coefficients &coefficients
     PairList list;
     if (!listPairs<Pairs>(coefficients, list))
         return convolvePlainly<Sum, std::int16_t, Sample, layout>(rasters, coefficients, finish);
-    return overWindows<Sample, layout>(
-        rasters.source, rasters.destination, rasters.width, rasters.height, coefficients.window,
-        [&](std::size_t samples, const unsigned char *in, unsigned char *out) {
-            if (!sumPairs(samples, in, out, list, pairs))
-                sumPlainly<Sum, std::int16_t, Sample>(samples, in, out, coefficients, finish);
-        });
+    const auto row = [&](std::size_t samples, const unsigned char *in, unsigned char *out) {
+        if (!sumPairs(samples, in, out, list, pairs))
+            sumPlainly<Sum, std::int16_t, Sample>(samples, in, out, coefficients, finish);
+    };
+    return overWindows<Sample, layout, typename Pairs::Out>(rasters.source, rasters.destination, rasters.width,
+                                                            rasters.height, coefficients.window, row);
 }
 #endif
+
+constexpr std::int64_t largestByte = 255, largestWord = 32768;
+
+// Whether sums of bytes fit signed words.
+bool fitWords(const Coefficients &coefficients)
+{
+    return coefficients.positive <= 32767 / largestByte && coefficients.negative >= -32767 / largestByte;
+}
 
 // Sums of bytes that fit words, with half of the divisor on top where they are not below zero.
 template <class Word, std::size_t layout>
 KrnStatus convolveInWords(const Rasters &rasters, const Coefficients &coefficients, int shift)
 {
 #if ORV_SSE_LEVEL >= 4
-    constexpr bool positive = static_cast<Word>(-1) > 0;
-    return convolvePairs<Word, BytePairs<positive>, layout>(rasters, coefficients, BytePairs<positive>(shift),
-                                                            ToByte<Word>{shift});
+    using Pairs = RoundedBytePairs<(static_cast<Word>(-1) > 0)>;
+    return convolvePairs<Word, Pairs, layout>(rasters, coefficients, Pairs(shift), ToByte<Word>{shift});
 #else
     return convolvePlainly<Word, std::int16_t, std::uint8_t, layout>(rasters, coefficients, ToByte<Word>{shift});
 #endif
 }
 
-template <std::size_t layout>
+// By powers of two: from bytes to bytes, and from words to either.
+template <class Out, std::size_t layout>
 KrnStatus convolveBy(std::uint8_t, const Rasters &rasters, const Coefficients &coefficients, int shift)
 {
-    constexpr std::int64_t sample = 255;
-    if (coefficients.positive <= 32767 / sample && coefficients.negative >= -32767 / sample)
+    if (fitWords(coefficients))
         return convolveInWords<std::int16_t, layout>(rasters, coefficients, shift);
     const std::int64_t half = std::int64_t{1} << shift >> 1;
-    if (shift > 0 && coefficients.negative == 0 && coefficients.positive <= (65535 - half) / sample)
+    if (shift > 0 && coefficients.negative == 0 && coefficients.positive <= (65535 - half) / largestByte)
         return convolveInWords<std::uint16_t, layout>(rasters, coefficients, shift);
     return convolvePlainly<std::int32_t, std::int32_t, std::uint8_t, layout>(rasters, coefficients,
                                                                              ToByte<std::int32_t>{shift});
 }
 
-template <std::size_t layout>
+template <class Out, std::size_t layout>
 KrnStatus convolveBy(std::int16_t, const Rasters &rasters, const Coefficients &coefficients, int shift)
 {
-    constexpr std::int64_t sample = 32768;
     const std::int64_t half = std::int64_t{1} << shift >> 1;
     if (coefficients.largest > 32767 ||
-        coefficients.positive - coefficients.negative > (2147483647 - half - 1) / sample)
+        coefficients.positive - coefficients.negative > (2147483647 - half - 1) / largestWord)
         return convolvePlainly<std::int64_t, std::int64_t, std::int16_t, layout>(rasters, coefficients,
-                                                                                 ToWord<std::int64_t>{shift});
+                                                                                 FromWords<std::int64_t, Out>{shift});
+    const FromWords<std::int32_t, Out> finish = {shift};
 #if ORV_SSE_LEVEL >= 2
-    return convolvePairs<std::int32_t, WordPairs, layout>(rasters, coefficients, WordPairs(shift),
-                                                          ToWord<std::int32_t>{shift});
+    return convolvePairs<std::int32_t, WordPairs<Out>, layout>(rasters, coefficients, WordPairs<Out>(shift), finish);
 #else
-    return convolvePlainly<std::int32_t, std::int16_t, std::int16_t, layout>(rasters, coefficients,
-                                                                             ToWord<std::int32_t>{shift});
+    return convolvePlainly<std::int32_t, std::int16_t, std::int16_t, layout>(rasters, coefficients, finish);
 #endif
 }
 
-// Sums of bytes wrap at 32 bits, those of words at 64.
-template <class Sample, std::size_t layout>
-KrnStatus convolve(const Rasters &rasters, const void *values, const Window &given, std::int32_t divisor)
+// Runs sum(coefficients) after the tests of the window.
+template <class Sample, std::size_t layout, class Sum>
+KrnStatus withCoefficients(const Rasters &rasters, const void *values, const Window &given, Sum sum)
 {
     if (values == nullptr)
         return KRN_NULL_POINTER;
@@ -376,15 +412,38 @@ KrnStatus convolve(const Rasters &rasters, const void *values, const Window &giv
     const KrnStatus status = checkWindow(rasters.source, rasters.destination, rasters.width, rasters.height, window);
     if (status != KRN_OK)
         return status;
-    const std::uint32_t bits = static_cast<std::uint32_t>(divisor);
-    if (bits == 0)
-        return KRN_ZERO_DIVISOR;
-    const Coefficients coefficients =
-        coefficientsOf(values, window, rasters.source.step, samplesOf(layout) * sizeof(Sample));
-    if ((bits & (bits - 1)) == 0)
-        return convolveBy<layout>(Sample(), rasters, coefficients, __builtin_ctz(bits));
-    using Sum = std::conditional_t<sizeof(Sample) == 1, std::int32_t, std::int64_t>;
-    return convolvePlainly<Sum, Sum, Sample, layout>(rasters, coefficients, Divided<Sample>{divisor});
+    return sum(coefficientsOf(values, window, rasters.source.step, samplesOf(layout) * sizeof(Sample)));
+}
+
+// Sums of bytes wrap at 32 bits, those of words at 64.
+template <class Sample, std::size_t layout, class Out = Sample>
+KrnStatus convolve(const Rasters &rasters, const void *values, const Window &given, std::int32_t divisor)
+{
+    return withCoefficients<Sample, layout>(rasters, values, given, [=](const Coefficients &coefficients) -> KrnStatus {
+        const std::uint32_t bits = static_cast<std::uint32_t>(divisor);
+        if (bits == 0)
+            return KRN_ZERO_DIVISOR;
+        if ((bits & (bits - 1)) == 0)
+            return convolveBy<Out, layout>(Sample(), rasters, coefficients, __builtin_ctz(bits));
+        using Sum = std::conditional_t<sizeof(Sample) == 1, std::int32_t, std::int64_t>;
+        return convolvePlainly<Sum, Sum, Sample, layout>(rasters, coefficients, Divided<Sample, Out>{divisor});
+    });
+}
+
+struct AsItIs {
+    std::int16_t operator()(std::int16_t sum) const { return sum; }
+};
+
+// The sums themselves, which wrap where they pass a word.
+KrnStatus sumBytes(const Rasters &rasters, const void *values, const Window &given)
+{
+    return withCoefficients<std::uint8_t, C1>(rasters, values, given, [=](const Coefficients &coefficients) {
+#if ORV_SSE_LEVEL >= 4
+        if (fitWords(coefficients))
+            return convolvePairs<std::int16_t, BytePairs, C1>(rasters, coefficients, BytePairs(), AsItIs());
+#endif
+        return convolvePlainly<std::int16_t, std::int16_t, std::uint8_t, C1>(rasters, coefficients, AsItIs());
+    });
 }
 
 } // namespace
@@ -394,26 +453,24 @@ KrnStatus convolve(const Rasters &rasters, const void *values, const Window &giv
         {source, sourceStep}, {destination, destinationStep}, width, height \
     }
 
-#define ORV_CONVOLVE(suffix, Sample, layout)                                                                           \
-    KrnStatus krnConvolve##suffix(const void *source, std::int32_t sourceStep, void *destination,                      \
-                                  std::int32_t destinationStep, std::int32_t width, std::int32_t height,               \
-                                  const void *values, std::int32_t columns, std::int32_t rows, std::int32_t anchorX,   \
-                                  std::int32_t anchorY, std::int32_t divisor)                                          \
-    {                                                                                                                  \
-        return convolve<Sample, layout>(ORV_RASTERS, values, {columns, rows, anchorX, anchorY}, divisor);              \
-    }                                                                                                                  \
-    KrnStatus krnConvolveRow##suffix(const void *source, std::int32_t sourceStep, void *destination,                   \
-                                     std::int32_t destinationStep, std::int32_t width, std::int32_t height,            \
-                                     const void *values, std::int32_t size, std::int32_t anchor, std::int32_t divisor) \
-    {                                                                                                                  \
-        return convolve<Sample, layout>(ORV_RASTERS, values, {size, 1, anchor, 0}, divisor);                           \
-    }                                                                                                                  \
-    KrnStatus krnConvolveCol##suffix(const void *source, std::int32_t sourceStep, void *destination,                   \
-                                     std::int32_t destinationStep, std::int32_t width, std::int32_t height,            \
-                                     const void *values, std::int32_t size, std::int32_t anchor, std::int32_t divisor) \
-    {                                                                                                                  \
-        return convolve<Sample, layout>(ORV_RASTERS, values, {1, size, 0, anchor}, divisor);                           \
+#define ORV_CONVOLVE_LINE(name, Sample, Out, layout, ...)                                                        \
+    KrnStatus name(const void *source, std::int32_t sourceStep, void *destination, std::int32_t destinationStep, \
+                   std::int32_t width, std::int32_t height, const void *values, std::int32_t size,               \
+                   std::int32_t anchor, std::int32_t divisor)                                                    \
+    {                                                                                                            \
+        return convolve<Sample, layout, Out>(ORV_RASTERS, values, __VA_ARGS__, divisor);                         \
     }
+
+#define ORV_CONVOLVE(suffix, Sample, layout)                                                                         \
+    KrnStatus krnConvolve##suffix(const void *source, std::int32_t sourceStep, void *destination,                    \
+                                  std::int32_t destinationStep, std::int32_t width, std::int32_t height,             \
+                                  const void *values, std::int32_t columns, std::int32_t rows, std::int32_t anchorX, \
+                                  std::int32_t anchorY, std::int32_t divisor)                                        \
+    {                                                                                                                \
+        return convolve<Sample, layout>(ORV_RASTERS, values, {columns, rows, anchorX, anchorY}, divisor);            \
+    }                                                                                                                \
+    ORV_CONVOLVE_LINE(krnConvolveRow##suffix, Sample, Sample, layout, {size, 1, anchor, 0})                          \
+    ORV_CONVOLVE_LINE(krnConvolveCol##suffix, Sample, Sample, layout, {1, size, 0, anchor})
 
 ORV_CONVOLVE(8uC1, std::uint8_t, C1)
 ORV_CONVOLVE(8uC3, std::uint8_t, C3)
@@ -423,5 +480,17 @@ ORV_CONVOLVE(16sC1, std::int16_t, C1)
 ORV_CONVOLVE(16sC3, std::int16_t, C3)
 ORV_CONVOLVE(16sC4, std::int16_t, C4)
 ORV_CONVOLVE(16sAC4, std::int16_t, AC4)
+
+// A column and a row of few coefficients, without rounding in between.
+KrnStatus krnConvolveCol8u16sC1(const void *source, std::int32_t sourceStep, void *destination,
+                                std::int32_t destinationStep, std::int32_t width, std::int32_t height,
+                                const void *values, std::int32_t size, std::int32_t anchor)
+{
+    return sumBytes(ORV_RASTERS, values, {1, size, 0, anchor});
+}
+ORV_CONVOLVE_LINE(krnConvolveRow16s8uC1, std::int16_t, std::uint8_t, C1, {size, 1, anchor, 0})
+ORV_CONVOLVE_LINE(krnConvolveRow16s8uC3, std::int16_t, std::uint8_t, C3, {size, 1, anchor, 0})
+ORV_CONVOLVE_LINE(krnConvolveRow16s8uC4, std::int16_t, std::uint8_t, C4, {size, 1, anchor, 0})
+ORV_CONVOLVE_LINE(krnConvolveRow16s8uAC4, std::int16_t, std::uint8_t, AC4, {size, 1, anchor, 0})
 
 #include "end.h"

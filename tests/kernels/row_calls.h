@@ -72,7 +72,7 @@ ORV_CALL(ConvolveFloatsKernel, a.data, a.step, out, step, c.width, c.height, c.v
          c.window.anchorX, c.window.anchorY)
 ORV_CALL(ConvolveLineKernel, a.data, a.step, out, step, c.width, c.height, c.values, c.window.size(),
          c.window.anchorX + c.window.anchorY, c.window.divisor)
-ORV_CALL(ConvolveFloatLineKernel, a.data, a.step, out, step, c.width, c.height, c.values, c.window.size(),
+ORV_CALL(SumLineKernel, a.data, a.step, out, step, c.width, c.height, c.values, c.window.size(),
          c.window.anchorX + c.window.anchorY)
 ORV_CALL(FloatPairRowKernel, a.data, b.data, out, c.width)
 

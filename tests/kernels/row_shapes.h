@@ -46,7 +46,7 @@ inline RowShape shapeOf(const std::string &name)
 {
     std::string rest = name.substr(3);
     const std::string sourceType = takeType(rest);
-    const bool twoTypes = startsWith(name, "krnConvert") || startsWith(name, "krnCvt");
+    const bool twoTypes = !rest.empty() && rest[0] >= '1' && rest[0] <= '9';
     const std::string destinationType = twoTypes ? takeType(rest) : sourceType;
     const std::string layout = endsWith(rest, "I") ? rest.substr(0, rest.size() - 1) : rest;
     const int channels = endsWith(layout, "C4") ? 4 : endsWith(layout, "C3") ? 3 : 1;
