@@ -743,7 +743,7 @@ ORV_API void orvDeleteConvKernelFP(OrvConvKernelFP *kernel);
  * 1U; -4 for exhausted memory, and for the empty rectangles named above.
  * @param srcImage       source
  * @param dstImage       destination
- * @param kernel         `nKernels` records
+ * @param kernel         `nKernels` records; where one has no coefficients nothing is written
  * @param nKernels       1 to 10
  * @param combineMethod  an `ORV_COMBINE_...` value; not looked at with one kernel
  * @return               0 or the reported status

@@ -182,6 +182,30 @@ TEST(Convolution, OfWindowsBeyondAllMemory)
     }
 }
 
+// A record that lost its coefficients, alone or among others.
+TEST(Convolution, WithoutCoefficientsWritesNothing)
+{
+    std::int32_t one = 1;
+    Random random(8);
+    Reports reports;
+    for (const std::int32_t depth : {ORV_DEPTH_8U, ORV_DEPTH_32S, ORV_DEPTH_32F}) {
+        TestImage image({.depth = depth}, random);
+        const Bytes before = *image.memory();
+        const OrvConvKernel good = {1, 1, 0, 0, &one, 0}, lost = {1, 1, 0, 0, nullptr, 0};
+        const OrvConvKernelFP lostFloats = {1, 1, 0, 0, nullptr};
+        const OrvConvKernel *const kernels[] = {&lost, &good, &lost};
+        const OrvConvKernelFP *const kernelsFP[] = {&lostFloats};
+        if (depth == ORV_DEPTH_32F) {
+            EXPECT_EQ(orvConvolve2DFP(&image.header, &image.header, kernelsFP, 1, 0), ORV_STATUS_OK);
+        } else {
+            EXPECT_EQ(orvConvolve2D(&image.header, &image.header, kernels, 1, 0), ORV_STATUS_OK);
+            EXPECT_EQ(orvConvolve2D(&image.header, &image.header, kernels + 1, 2, 0), ORV_STATUS_OK);
+        }
+        EXPECT_EQ(*image.memory(), before);
+    }
+    EXPECT_TRUE(reports.all().empty());
+}
+
 // Both vectors: the quarters of the columns, 0.5, 2.5 and 0.5, are not rounded before those of the row.
 TEST(SeparableConvolution, IsRoundedOnce)
 {
