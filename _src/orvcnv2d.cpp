@@ -197,7 +197,7 @@ OrvStatus run(const OrvImage *source, const OrvImage *destination, const Kernels
 
 extern "C" {
 
-OrvStatus orvConvolve2D(const OrvImage *srcImage, OrvImage *dstImage, const OrvConvKernel *const *kernel,
+OrvStatus orvConvolve2D(const OrvImage *srcImage, OrvImage *dstImage, OrvConvKernel *const *kernel,
                         std::int32_t nKernels, std::int32_t combineMethod)
 {
     const Kernels<OrvConvKernel> kernels = {kernel, nKernels, combineMethod};
@@ -208,7 +208,7 @@ OrvStatus orvConvolve2D(const OrvImage *srcImage, OrvImage *dstImage, const OrvC
     ORV_RETURN_RUN_AS(run(srcImage, dstImage, kernels), "Allocation failure");
 }
 
-OrvStatus orvConvolve2DFP(const OrvImage *srcImage, OrvImage *dstImage, const OrvConvKernelFP *const *kernel,
+OrvStatus orvConvolve2DFP(const OrvImage *srcImage, OrvImage *dstImage, OrvConvKernelFP *const *kernel,
                           std::int32_t nKernels, std::int32_t combineMethod)
 {
     const Kernels<OrvConvKernelFP> kernels = {kernel, nKernels, combineMethod};

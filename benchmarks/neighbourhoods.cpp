@@ -54,11 +54,11 @@ template <class Record> const Windows<Record> &windows()
     return all;
 }
 
-OrvStatus convolve(const Image &from, const Image &to, std::vector<const OrvConvKernel *> kernels, int method)
+OrvStatus convolve(const Image &from, const Image &to, std::vector<OrvConvKernel *> kernels, int method)
 {
     return orvConvolve2D(from.get(), to.get(), kernels.data(), static_cast<int>(kernels.size()), method);
 }
-OrvStatus convolve(const Image &from, const Image &to, std::vector<const OrvConvKernelFP *> kernels, int method)
+OrvStatus convolve(const Image &from, const Image &to, std::vector<OrvConvKernelFP *> kernels, int method)
 {
     return orvConvolve2DFP(from.get(), to.get(), kernels.data(), static_cast<int>(kernels.size()), method);
 }
@@ -104,7 +104,7 @@ template <class Record> void addCombinations(std::vector<Case> &cases, int depth
         neighbourhood("one 3x3", depth, 1, [&](const Image &a, const Image &b) { convolve(a, b, {of.three}, 0); }));
     for (int method = 0; method < 5; ++method)
         cases.push_back(neighbourhood(names[method], depth, 1, [&of, method](const Image &a, const Image &b) {
-            convolve(a, b, std::vector<const Record *>{of.three, of.edge}, method);
+            convolve(a, b, std::vector<Record *>{of.three, of.edge}, method);
         }));
 }
 

@@ -54,7 +54,7 @@ Picture bordered(const Photograph &photograph, std::int32_t mode)
             const std::int32_t column = half.width - anchor.width, row = half.height - anchor.height;
             values[static_cast<std::size_t>(row * window.width + column)] = 1;
             const Kernel kernel = kernelOf(window, anchor, values, 0);
-            const OrvConvKernel *const kernels[] = {kernel.get()};
+            OrvConvKernel *const kernels[] = {kernel.get()};
             OrvROI quarter = {0, right * part.width, low * part.height, part.width, part.height};
             OrvImage to = viewOf(*result, &quarter);
             time += bestTime([&] { return orvConvolve2D(small.get(), &to, kernels, 1, ORV_COMBINE_SUM); });
@@ -67,7 +67,7 @@ template <std::int32_t Mode> Picture border(const Photograph &photograph)
     return bordered(photograph, Mode);
 }
 
-Picture convolved(const OrvImage &photograph, const std::vector<const OrvConvKernel *> &kernels,
+Picture convolved(const OrvImage &photograph, const std::vector<OrvConvKernel *> &kernels,
                   std::int32_t method = ORV_COMBINE_SUM)
 {
     const Image source = owned(orvCloneImage(&photograph)), result = owned(orvCloneImage(&photograph));
@@ -110,7 +110,7 @@ Picture emboss(const Photograph &photograph)
     for (std::int32_t y = 0; y < grey.height; ++y)
         std::copy_n(rowOf<std::uint8_t>(grey, y), grey.width, rowOf<std::int16_t>(*source, y));
     repeatEdges(*source);
-    const OrvConvKernel *const kernels[] = {kernel.get()};
+    OrvConvKernel *const kernels[] = {kernel.get()};
     const double time =
         bestTime([&] { return orvConvolve2D(source.get(), result.get(), kernels, 1, ORV_COMBINE_SUM); });
     return pictureOf(*result, {1, 128, "samples + 128"}, *source, time);

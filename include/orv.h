@@ -748,12 +748,12 @@ ORV_API void orvDeleteConvKernelFP(OrvConvKernelFP *kernel);
  * @param combineMethod  an `ORV_COMBINE_...` value; not looked at with one kernel
  * @return               0 or the reported status
  */
-ORV_API OrvStatus orvConvolve2D(const OrvImage *srcImage, OrvImage *dstImage, const OrvConvKernel *const *kernel,
+ORV_API OrvStatus orvConvolve2D(const OrvImage *srcImage, OrvImage *dstImage, OrvConvKernel *const *kernel,
                                 int32_t nKernels, int32_t combineMethod);
 /** orvConvolve2D() with float coefficients, at depth 32F (-5 for any other). Works in floats.
  *  @param srcImage source @param dstImage destination @param kernel records @param nKernels 1 to 10
  *  @param combineMethod an `ORV_COMBINE_...` value @return 0 or the reported status */
-ORV_API OrvStatus orvConvolve2DFP(const OrvImage *srcImage, OrvImage *dstImage, const OrvConvKernelFP *const *kernel,
+ORV_API OrvStatus orvConvolve2DFP(const OrvImage *srcImage, OrvImage *dstImage, OrvConvKernelFP *const *kernel,
                                   int32_t nKernels, int32_t combineMethod);
 
 /**

@@ -49,14 +49,14 @@ template <class Value> std::ostream &operator<<(std::ostream &out, const Window<
     return out;
 }
 
-inline OrvStatus convolve(const OrvImage *source, OrvImage *destination,
-                          const std::vector<const OrvConvKernel *> &kernels, std::int32_t method)
+inline OrvStatus convolve(const OrvImage *source, OrvImage *destination, const std::vector<OrvConvKernel *> &kernels,
+                          std::int32_t method)
 {
     return orvConvolve2D(source, destination, kernels.data(), static_cast<std::int32_t>(kernels.size()), method);
 }
 
-inline OrvStatus convolve(const OrvImage *source, OrvImage *destination,
-                          const std::vector<const OrvConvKernelFP *> &kernels, std::int32_t method)
+inline OrvStatus convolve(const OrvImage *source, OrvImage *destination, const std::vector<OrvConvKernelFP *> &kernels,
+                          std::int32_t method)
 {
     return orvConvolve2DFP(source, destination, kernels.data(), static_cast<std::int32_t>(kernels.size()), method);
 }

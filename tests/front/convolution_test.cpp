@@ -22,7 +22,7 @@ long long quotient(std::int32_t depth, long long sum, std::int32_t shift, int ke
     image.fill(integerSample(depth, sum));
     const std::int32_t one = 1;
     OrvConvKernel *kernel = orvCreateConvKernel(1, 1, 0, 0, &one, shift);
-    const OrvConvKernel *const both[] = {kernel, kernel};
+    OrvConvKernel *const both[] = {kernel, kernel};
     EXPECT_EQ(orvConvolve2D(&image.header, &image.header, both, kernels, kernels > 1 ? ORV_COMBINE_MAX : 99),
               ORV_STATUS_OK);
     orvDeleteConvKernel(kernel);
@@ -64,8 +64,8 @@ TEST(Convolution, ImpulseGivesTheKernel)
                 source.set(4, 4, 0, depth == ORV_DEPTH_32F ? realSample(1) : integerSample(depth, 1));
                 OrvConvKernel *kernel = orvCreateConvKernel(3, 2, anchorX, anchorY, values, 0);
                 OrvConvKernelFP *kernelFP = orvCreateConvKernelFP(3, 2, anchorX, anchorY, floats);
-                const OrvConvKernel *const kernels[] = {kernel};
-                const OrvConvKernelFP *const kernelsFP[] = {kernelFP};
+                OrvConvKernel *const kernels[] = {kernel};
+                OrvConvKernelFP *const kernelsFP[] = {kernelFP};
                 EXPECT_EQ(depth == ORV_DEPTH_32F ? orvConvolve2DFP(&source.header, &destination.header, kernelsFP, 1, 0)
                                                  : orvConvolve2D(&source.header, &destination.header, kernels, 1, 0),
                           ORV_STATUS_OK);
@@ -100,7 +100,7 @@ TEST(Convolution, CombinesResults)
         image.fill(integerSample(ORV_DEPTH_16S, 1));
         OrvConvKernel *first = orvCreateConvKernel(1, 1, 0, 0, &weights[0], 0);
         OrvConvKernel *second = orvCreateConvKernel(1, 1, 0, 0, &weights[1], 1);
-        const OrvConvKernel *const kernels[] = {first, second};
+        OrvConvKernel *const kernels[] = {first, second};
         EXPECT_EQ(orvConvolve2D(&image.header, &image.header, kernels, 2, row.method), ORV_STATUS_OK);
         EXPECT_EQ(image.get(5, 5, 0).integer(), row.result) << row.method;
         orvDeleteConvKernel(first);
@@ -116,7 +116,7 @@ TEST(Convolution, OfSeveralIsRoundedOnce)
     TestImage image({}, random);
     image.fill({ORV_DEPTH_8U, 1});
     OrvConvKernel *half = orvCreateConvKernel(1, 1, 0, 0, &one, 1);
-    const OrvConvKernel *const kernels[] = {half, half};
+    OrvConvKernel *const kernels[] = {half, half};
     EXPECT_EQ(orvConvolve2D(&image.header, &image.header, kernels, 2, ORV_COMBINE_SUM), ORV_STATUS_OK);
     EXPECT_EQ(image.get(3, 3, 0).integer(), 1);
     orvDeleteConvKernel(half);
@@ -133,7 +133,7 @@ TEST(Convolution, WrapsAroundAt8U)
         for (std::int32_t &mode : image.header.BorderMode)
             mode = ORV_BORDER_REPLICATE;
         OrvConvKernel *kernel = orvCreateConvKernel(5, 1, 2, 0, values, 0);
-        const OrvConvKernel *const kernels[] = {kernel};
+        OrvConvKernel *const kernels[] = {kernel};
         EXPECT_EQ(orvConvolve2D(&image.header, &image.header, kernels, 1, 0), ORV_STATUS_OK);
         EXPECT_EQ(image.get(0, 0, 0).integer(), depth == ORV_DEPTH_8U ? 7 : 32767);
         orvDeleteConvKernel(kernel);
@@ -164,8 +164,8 @@ TEST(Convolution, OfWindowsBeyondAllMemory)
         SCOPED_TRACE(testing::PrintToString(size.columns) + " x " + testing::PrintToString(size.rows));
         OrvConvKernel kernel = {size.columns, size.rows, size.columns / 2, size.rows / 2, &noCoefficients, 0};
         OrvConvKernelFP kernelFP = {size.columns, size.rows, size.columns / 2, size.rows / 2, &noFloats};
-        const OrvConvKernel *const kernels[] = {&kernel, &kernel};
-        const OrvConvKernelFP *const kernelsFP[] = {&kernelFP};
+        OrvConvKernel *const kernels[] = {&kernel, &kernel};
+        OrvConvKernelFP *const kernelsFP[] = {&kernelFP};
         for (const int count : {1, 2})
             expectStarved(orvConvolve2D(&image.header, &other.header, kernels, count, 0), "orvConvolve2D",
                           "Allocation failure", "orvcnv2d");
@@ -191,10 +191,10 @@ TEST(Convolution, WithoutCoefficientsWritesNothing)
     for (const std::int32_t depth : {ORV_DEPTH_8U, ORV_DEPTH_32S, ORV_DEPTH_32F}) {
         TestImage image({.depth = depth}, random);
         const Bytes before = *image.memory();
-        const OrvConvKernel good = {1, 1, 0, 0, &one, 0}, lost = {1, 1, 0, 0, nullptr, 0};
-        const OrvConvKernelFP lostFloats = {1, 1, 0, 0, nullptr};
-        const OrvConvKernel *const kernels[] = {&lost, &good, &lost};
-        const OrvConvKernelFP *const kernelsFP[] = {&lostFloats};
+        OrvConvKernel good = {1, 1, 0, 0, &one, 0}, lost = {1, 1, 0, 0, nullptr, 0};
+        OrvConvKernelFP lostFloats = {1, 1, 0, 0, nullptr};
+        OrvConvKernel *const kernels[] = {&lost, &good, &lost};
+        OrvConvKernelFP *const kernelsFP[] = {&lostFloats};
         if (depth == ORV_DEPTH_32F) {
             EXPECT_EQ(orvConvolve2DFP(&image.header, &image.header, kernelsFP, 1, 0), ORV_STATUS_OK);
         } else {

@@ -137,8 +137,8 @@ template <class Value> NeighbourhoodArguments arguments2D(std::int32_t depth, st
         std::vector<RecordOf<Value>> records;
         for (Window<Value> &window : *windows)
             records.push_back(window.record());
-        std::vector<const RecordOf<Value> *> kernels;
-        for (const auto &record : records)
+        std::vector<RecordOf<Value> *> kernels;
+        for (auto &record : records)
             kernels.push_back(&record);
         return convolve(source, destination, kernels, method);
     };

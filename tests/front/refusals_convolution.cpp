@@ -31,13 +31,13 @@ template <class Value> OrvStatus refusedConvolution2D(OrvImage *const *images, c
 {
     const unsigned spoilt = constant.spoilt;
     Window<Value> window = {3, 2, 1, 1, 0, std::vector<Value>(6, Value(1))};
-    const RecordOf<Value> good = window.record();
+    RecordOf<Value> good = window.record();
     RecordOf<Value> last = good;
     last.nRows = (spoilt & noRows) != 0 ? 0 : last.nRows;
     last.nCols = (spoilt & noColumns) != 0 ? 0 : last.nCols;
     last.anchorX = (spoilt & anchorLeft) != 0 ? -1 : (spoilt & anchorRight) != 0 ? 3 : last.anchorX;
     last.anchorY = (spoilt & anchorAbove) != 0 ? -1 : (spoilt & anchorBelow) != 0 ? 2 : last.anchorY;
-    const RecordOf<Value> *kernels[11];
+    RecordOf<Value> *kernels[11];
     std::fill(std::begin(kernels), std::end(kernels), &good);
     kernels[1] = (spoilt & nullRecord) != 0 ? nullptr : &last;
     const std::int32_t count = (spoilt & noKernels) != 0       ? 0
@@ -45,7 +45,7 @@ template <class Value> OrvStatus refusedConvolution2D(OrvImage *const *images, c
                                : (spoilt & elevenKernels) != 0 ? 11
                                                                : 2;
     const std::int32_t method = (spoilt & methodBelow) != 0 ? -1 : (spoilt & methodAbove) != 0 ? 5 : 0;
-    const RecordOf<Value> *const *given = (spoilt & nullKernels) != 0 ? nullptr : kernels;
+    RecordOf<Value> *const *given = (spoilt & nullKernels) != 0 ? nullptr : kernels;
     if constexpr (std::is_same_v<Value, float>)
         return orvConvolve2DFP(images[0], images[1], given, count, method);
     else
