@@ -621,7 +621,7 @@ ORV_API OrvStatus orvRShiftS(const OrvImage *src, OrvImage *dst, unsigned int nS
  *  call with a mask ends as one without memory does (-4).
  *
  *  **Memory.** A call copies what the windows of its rectangle read, piece by piece, or all at once where source and
- *  destination overlap. When memory is exhausted the destination stays as it was.
+ *  destination overlap: a plane is read before any of it is written. When memory is exhausted the destination stays as it was.
  *  @{ */
 /** @} */
 
@@ -793,8 +793,8 @@ ORV_API OrvStatus orvConvolveSep2DFP(const OrvImage *srcImage, OrvImage *dstImag
  *
  * In place where both headers have the same `imageData`: the rectangle of the destination is then flipped in itself, also
  * where that of the source is another one. Under a mask, and with one channel of several in pixel order, the pixels of the
- * source's own rectangle are read in place too, all of them before any is written. One header for both images with a mask is
- * refused.
+ * source's own rectangle are read in place too, all of a plane before any of it is written. One header for both images with a
+ * mask is refused.
  *
  * Statuses, which orvGetErrStatus() tells after the call: the header's with "Incorrect Image"; -5 for one header twice with a
  * mask, different depth, an axis other than -1, 0 and 1, depth 1U with an alpha channel, different data orders with several

@@ -70,8 +70,8 @@ bool WindowCall::resolveImages()
         return false;
 
     if (const OrvROI *roi = call_.source->roi; roi != nullptr) {
-        firstColumn_ = std::max(roi->xOffset, -call_.rimLeft);
-        firstRow_ = std::max(roi->yOffset, -call_.rimTop);
+        firstColumn_ = roi->xOffset < -call_.rimLeft ? 0 : roi->xOffset;
+        firstRow_ = roi->yOffset < -call_.rimTop ? 0 : roi->yOffset;
     }
     const Size whole = {call_.source->width, call_.source->height};
     apart_ = !meet(reach(source_, whole, planes_), reach(destination_, size_, planes_)) &&
@@ -95,12 +95,13 @@ std::int32_t WindowCall::chooseStripRows() const
     if (!apart_)
         return size_.height;
     const std::int64_t least = std::max<std::int64_t>(8, std::int64_t{call_.reach.top} + call_.reach.bottom);
-    std::int32_t strips = 1, rows = size_.height;
-    while (rows > least && scratchBytes(rows) > stripBytes) {
+    const std::int64_t most = std::max(least, stripBytes / paddedStep_ + 1);
+    std::int64_t strips = (size_.height + most - 1) / most, rows = (size_.height + strips - 1) / strips;
+    while (rows > least && scratchBytes(static_cast<std::int32_t>(rows)) > stripBytes) {
         ++strips;
         rows = (size_.height + strips - 1) / strips;
     }
-    return rows;
+    return static_cast<std::int32_t>(rows);
 }
 
 void WindowCall::runStrip(std::int32_t row, Size strip, std::int32_t plane, const Raster &mask)
@@ -141,8 +142,9 @@ OrvStatus WindowCall::run()
         resultLane_ = lanes_.add(std::int64_t{size_.width} * pixelBytes);
     delivery_.plan(lanes_, destination_, layout_, size_.width, apart_);
     paddedStep_ = paddedStep(padded(1).wholeWidth(), pixelBytes);
+    // What no block can hold is refused before it is multiplied by more.
     constexpr std::int64_t most = std::numeric_limits<std::int32_t>::max();
-    if (paddedStep_ > most || padded(1).wholeHeight() > most)
+    if (padded(1).wholeHeight() > most || paddedStep_ > most / padded(apart_ ? 1 : size_.height).wholeHeight())
         return ORV_STATUS_NO_MEMORY;
     stripRows_ = chooseStripRows();
     if (!scratch_.take(scratchBytes(stripRows_)))

@@ -11,7 +11,8 @@ struct Neighbourhood {
     const OrvImage *source;
     const OrvImage *destination;
     Margins reach; // of the window
-    // How far to the left of the image and above it a rectangle with negative offsets may start.
+    // How far to the left of the image and above it a rectangle with negative offsets may start; offsets beyond count
+    // as 0.
     std::int32_t rimLeft, rimTop;
     // The fourth sample of interleaved pixels is an alpha channel, and left alone.
     bool alpha;

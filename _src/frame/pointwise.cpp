@@ -2,6 +2,7 @@
 #include "pointwise.h"
 
 #include <algorithm>
+#include <limits>
 
 #include "delivery.h"
 
@@ -122,7 +123,8 @@ OrvStatus ScratchCall::run()
     stripRows_ = size_.height;
     if (stripsApart && !loop_.movesPixels && lanes_.rowBytes > 0)
         stripRows_ = static_cast<std::int32_t>(std::clamp<std::int64_t>(stripBytes / lanes_.rowBytes, 1, size_.height));
-    if (lanes_.rowBytes > 0 && !scratch_.take(lanes_.rowBytes * stripRows_))
+    constexpr std::int64_t most = std::numeric_limits<std::int32_t>::max();
+    if (lanes_.rowBytes > most / stripRows_ || (lanes_.rowBytes > 0 && !scratch_.take(lanes_.rowBytes * stripRows_)))
         return ORV_STATUS_NO_MEMORY;
 
     Size strip = {size_.width, 0};

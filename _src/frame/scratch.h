@@ -19,7 +19,7 @@ public:
     // False on exhausted memory, for no bytes at all, and for more than 32 bits can say. Called once.
     bool take(std::int64_t bytes)
     {
-        if (bytes > std::numeric_limits<std::int32_t>::max())
+        if (bytes < 1 || bytes > std::numeric_limits<std::int32_t>::max())
             return false;
         block_ = static_cast<std::uint8_t *>(krnMallocBytes(static_cast<std::int32_t>(bytes)));
         return block_ != nullptr;

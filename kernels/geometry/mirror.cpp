@@ -150,6 +150,12 @@ inline std::size_t mirrorEnds(std::size_t pixels, const unsigned char *first, co
     return done;
 }
 
+// Rasters may lie across each other.
+template <std::size_t bytes> inline void movePixel(const unsigned char *in, unsigned char *out)
+{
+    __builtin_memmove(out, in, bytes);
+}
+
 // Not inlined: kernels in place and not in place and layouts of one pixel size share it.
 template <std::size_t pixelBytes, std::size_t moved>
 __attribute__((noinline)) void mirrorRow(std::size_t pixels, const unsigned char *in, unsigned char *out)
@@ -181,7 +187,7 @@ __attribute__((noinline)) void mirrorRow(std::size_t pixels, const unsigned char
         }
     }
     for (; pixels > 0; in += pixelBytes)
-        __builtin_memcpy(out + --pixels * pixelBytes, in, moved);
+        movePixel<moved>(in, out + --pixels * pixelBytes);
 }
 
 template <std::size_t pixelBytes, std::size_t moved>
@@ -213,7 +219,7 @@ inline void streamBytes(std::size_t bytes, const unsigned char *in, unsigned cha
         *out++ = *in++;
     for (; bytes >= 16; bytes -= 16, in += 16, out += 16)
         _mm_stream_si128(reinterpret_cast<__m128i *>(out), reinterpret_cast<__m128i>(loadBytes(in)));
-    __builtin_memcpy(out, in, bytes);
+    __builtin_memmove(out, in, bytes);
 }
 
 template <std::size_t pixelBytes> void streamRow(std::size_t pixels, const unsigned char *in, unsigned char *out)
@@ -232,7 +238,7 @@ template <std::size_t pixelBytes> void streamPieces(std::size_t pixels, const un
 {
     constexpr std::size_t some = 16 / pixelBytes;
     for (std::size_t i = 0; i < some && pixels > 0 && !standsOn<pixelBytes>(16, out, pixels); ++i, in += pixelBytes)
-        __builtin_memcpy(out + --pixels * pixelBytes, in, pixelBytes);
+        movePixel<pixelBytes>(in, out + --pixels * pixelBytes);
     if (standsOn<pixelBytes>(16, out, pixels))
         for (; pixels >= some; pixels -= some, in += some * pixelBytes)
             _mm_stream_si128(reinterpret_cast<__m128i *>(out + pixels * pixelBytes - 16),
@@ -248,7 +254,7 @@ template <std::size_t pixelBytes> void mirrorUpwards(std::size_t pixels, const u
     for (; pixels > some; pixels -= some, in += some * pixelBytes)
         storeMirrored<pixelBytes, pixelBytes, End::Back>(load<Piece>(in, 0), out + pixels * pixelBytes - sizeof(Piece));
     for (; pixels > 0; in += pixelBytes)
-        __builtin_memcpy(out + --pixels * pixelBytes, in, pixelBytes);
+        movePixel<pixelBytes>(in, out + --pixels * pixelBytes);
 }
 
 // Other pieces are put together in a buffer, as many as make whole lines of the caches: parts of lines are written

@@ -182,6 +182,31 @@ TEST(Convolution, OfWindowsBeyondAllMemory)
     }
 }
 
+// Several windows together: what one product too many would make of their sizes.
+TEST(Convolution, OfSizesThatTogetherPassAllNumbers)
+{
+    const struct {
+        std::int32_t columns, rows;
+    } sizes[] = {{0x1f000000, 0x1fffffff}, {0x10000000, 0x70000000}, {0x40000000, 0x70000001}};
+    std::int32_t noCoefficients = 0;
+    Random random(9);
+    Reports reports;
+    for (const auto &[columns, rows] : sizes)
+        for (const std::int32_t channels : {1, 4})
+            for (const std::int32_t order : {ORV_DATA_ORDER_PIXEL, ORV_DATA_ORDER_PLANE}) {
+                TestImage image({.depth = ORV_DEPTH_8S, .channels = channels, .order = order}, random);
+                TestImage other({.depth = ORV_DEPTH_8S, .channels = channels, .order = order}, random);
+                OrvConvKernel wide = {columns, 1, 0, 0, &noCoefficients, 0};
+                OrvConvKernel high = {1, rows, 0, rows - 1, &noCoefficients, 0}, low = high;
+                low.anchorY = 0;
+                OrvConvKernel *const kernels[] = {&wide, &high, &low};
+                for (const int count : {2, 3})
+                    for (TestImage *destination : {&image, &other})
+                        EXPECT_EQ(orvConvolve2D(&image.header, &destination->header, kernels, count, 0),
+                                  ORV_STATUS_NO_MEMORY);
+            }
+}
+
 // A record that lost its coefficients, alone or among others.
 TEST(Convolution, WithoutCoefficientsWritesNothing)
 {
