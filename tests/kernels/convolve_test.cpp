@@ -8,32 +8,18 @@
 #include <string>
 #include <vector>
 
-#include "row_calls.h"
-#include "row_shapes.h"
+#include "row_table.h"
 
 namespace {
 
 using namespace orv;
 
-struct ConvolveRow {
-    std::string name;
-    RowShape shape;
-    bool alpha;
-    std::function<KrnStatus(const RowCall &)> run;
-};
-
-std::vector<ConvolveRow> convolveRows(bool floats)
+std::vector<TableRow> convolveRows(bool floats)
 {
-    std::vector<ConvolveRow> rows;
-    const auto add = [&](const std::string &name, const auto &kernel) {
-        if constexpr (requires(const RowCall &c) { call(kernel, c); })
-            if (startsWith(name, "krnConvolve") && shapeOf(name).sourceFloats == floats)
-                rows.push_back({name, shapeOf(name), name.find("AC4") != std::string::npos,
-                                [&kernel](const RowCall &c) { return call(kernel, c); }});
-    };
-#define KRN(signature, name) add(#name, orv::name);
-#define KRN_PLAIN(signature, name)
-#include "kernels.def"
+    std::vector<TableRow> rows;
+    for (const TableRow &row : tableRows("krnConvolve"))
+        if (shapeOf(row.name).sourceFloats == floats)
+            rows.push_back(row);
     return rows;
 }
 
@@ -45,14 +31,14 @@ template <class Sample, class Value, class Out = Sample> struct Trial {
     std::vector<Out> destination;
     std::vector<Value> values;
 
-    Trial(const ConvolveRow &row, std::mt19937 &random, const std::function<Sample()> &sample,
+    Trial(const TableRow &row, std::mt19937 &random, const std::function<Sample()> &sample,
           const std::function<Value()> &value)
-        : channels(row.shape.source.channels), width(1 + static_cast<int>(random() % 90)),
+        : channels(shapeOf(row.name).source.channels), width(1 + static_cast<int>(random() % 90)),
           height(1 + static_cast<int>(random() % 3))
     {
-        if (row.name.find("Col") == std::string::npos)
+        if (std::string(row.name).find("Col") == std::string::npos)
             window.columns = 1 + static_cast<int>(random() % 7);
-        if (row.name.find("Row") == std::string::npos)
+        if (std::string(row.name).find("Row") == std::string::npos)
             window.rows = 1 + static_cast<int>(random() % 6);
         window.anchorX = static_cast<int>(random() % window.columns);
         window.anchorY = static_cast<int>(random() % window.rows);
@@ -95,14 +81,14 @@ template <class Sample, class Value, class Out = Sample> struct Trial {
                      first()[(y + window.anchorY - r) * step + x + (window.anchorX - c) * channels]);
     }
     // Runs all builds; result(x, y, got) says whether a sample is right.
-    template <class Right> testing::AssertionResult hold(const ConvolveRow &row, Right right)
+    template <class Right> testing::AssertionResult hold(const TableRow &row, Right right)
     {
         for (krnDispatchIndex = 0; krnDispatchIndex < kernelBuilds; ++krnDispatchIndex) {
             std::vector<Out> out = destination;
-            const KrnStatus status = row.run(call(out));
+            const KrnStatus status = row(call(out));
             for (int i = 0; status == KRN_OK && i < outStep * height; ++i) {
                 const int x = i % outStep, y = i / outStep;
-                const bool written = x < width * channels && !(row.alpha && x % 4 == 3);
+                const bool written = x < width * channels && !(row.alpha() && x % 4 == 3);
                 const Out got = out[static_cast<std::size_t>(i)];
                 if (written ? !right(x, y, got) : got != Out(77))
                     return testing::AssertionFailure()
@@ -137,9 +123,10 @@ template <class Sample, class Out> std::int64_t quotient(std::int64_t sum, std::
     return saturated<Out>(value > 1e6L ? 1000000 : value < -1e6L ? -1000000 : std::llrint(value));
 }
 
-template <class Sample, class Out = Sample> void holdIntegers(const ConvolveRow &row)
+template <class Sample, class Out = Sample> void holdIntegers(const TableRow &row)
 {
-    std::seed_seq seed(row.name.begin(), row.name.end());
+    const std::string name = row.name;
+    std::seed_seq seed(name.begin(), name.end());
     std::mt19937 random(seed);
     for (int i = 0; i < 300; ++i) {
         const unsigned kind = random() % 8;
@@ -177,10 +164,11 @@ template <class Sample, class Out = Sample> void holdIntegers(const ConvolveRow 
 
 TEST(ConvolveKernels, Integers)
 {
-    const std::vector<ConvolveRow> rows = convolveRows(false);
+    const std::vector<TableRow> rows = convolveRows(false);
     EXPECT_EQ(rows.size(), 29u);
-    for (const ConvolveRow &row : rows) {
-        const bool fromBytes = row.shape.source.sampleBytes == 1, toBytes = row.shape.destination.sampleBytes == 1;
+    for (const TableRow &row : rows) {
+        const bool fromBytes = shapeOf(row.name).source.sampleBytes == 1,
+                   toBytes = shapeOf(row.name).destination.sampleBytes == 1;
         if (fromBytes)
             toBytes ? holdIntegers<std::uint8_t>(row) : holdIntegers<std::uint8_t, std::int16_t>(row);
         else
@@ -191,11 +179,11 @@ TEST(ConvolveKernels, Integers)
 // A float of the sum is off by no more than half a bit of all that was added up, for each step.
 TEST(ConvolveKernels, Floats)
 {
-    const std::vector<ConvolveRow> rows = convolveRows(true);
+    const std::vector<TableRow> rows = convolveRows(true);
     EXPECT_EQ(rows.size(), 12u);
     std::mt19937 random(3);
     const auto number = [&] { return std::ldexp(static_cast<float>(static_cast<int>(random())), -20); };
-    for (const ConvolveRow &row : rows)
+    for (const TableRow &row : rows)
         for (int i = 0; i < 100; ++i) {
             Trial<float, float> trial(row, random, number, number);
             ASSERT_TRUE(trial.hold(row, [&](int x, int y, float got) {

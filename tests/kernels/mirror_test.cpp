@@ -2,45 +2,14 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
-#include <functional>
 #include <string>
 #include <vector>
 
-#include "row_calls.h"
-#include "row_shapes.h"
+#include "row_table.h"
 
 namespace {
 
 using namespace orv;
-
-struct MirrorRow {
-    std::string name;
-    int pixelBytes, movedBytes;
-    bool inPlace;
-    std::function<KrnStatus(const RowCall &)> run;
-};
-
-template <class Signature>
-void addMirror(std::vector<MirrorRow> &rows, const std::string &name, const Kernel<Signature> &kernel)
-{
-    if constexpr (requires(const RowCall &c) { call(kernel, c); }) {
-        if (!startsWith(name, "krnMirror"))
-            return;
-        const RasterShape shape = shapeOf(name).source;
-        const bool alpha = name.find("AC4") != std::string::npos;
-        rows.push_back({name, shape.pixelBytes(), shape.pixelBytes() - (alpha ? shape.sampleBytes : 0),
-                        endsWith(name, "I"), [name, &kernel](const RowCall &c) { return call(name, kernel, c); }});
-    }
-}
-
-std::vector<MirrorRow> mirrorRows()
-{
-    std::vector<MirrorRow> rows;
-#define KRN(signature, name) addMirror(rows, #name, orv::name);
-#define KRN_PLAIN(signature, name)
-#include "kernels.def"
-    return rows;
-}
 
 using Bytes = std::vector<std::uint8_t>;
 
@@ -53,21 +22,23 @@ Bytes pattern(std::size_t size, unsigned seed)
     return bytes;
 }
 
-void holdMirror(const MirrorRow &row, int width, int height, int spare)
+void holdMirror(const TableRow &row, int width, int height, int spare)
 {
-    const int step = width * row.pixelBytes + spare, otherStep = step + 2 * (spare > 0);
+    const RasterShape shape = shapeOf(row.name).source;
+    const int pixelBytes = shape.pixelBytes(), movedBytes = pixelBytes - (row.alpha() ? shape.sampleBytes : 0);
+    const int step = width * pixelBytes + spare, otherStep = step + 2 * (spare > 0);
     const int start = 16 + spare;
     const Bytes source = pattern(static_cast<std::size_t>(start + 16 + step * height), 1);
-    const Bytes before = row.inPlace ? source : pattern(static_cast<std::size_t>(start + 16 + otherStep * height), 7);
-    const int destinationStep = row.inPlace ? step : otherStep;
+    const Bytes before = row.inPlace() ? source : pattern(static_cast<std::size_t>(start + 16 + otherStep * height), 7);
+    const int destinationStep = row.inPlace() ? step : otherStep;
     for (int flip = 0; flip <= 2; ++flip) {
         Bytes expected = before;
         for (int y = 0; y < height; ++y)
             for (int x = 0; x < width; ++x) {
                 const int fromX = flip == 0 ? x : width - 1 - x, fromY = flip == 1 ? y : height - 1 - y;
-                std::memcpy(expected.data() + start + y * destinationStep + x * row.pixelBytes,
-                            source.data() + start + fromY * step + fromX * row.pixelBytes,
-                            static_cast<std::size_t>(row.movedBytes));
+                std::memcpy(expected.data() + start + y * destinationStep + x * pixelBytes,
+                            source.data() + start + fromY * step + fromX * pixelBytes,
+                            static_cast<std::size_t>(movedBytes));
             }
         for (krnDispatchIndex = 0; krnDispatchIndex < kernelBuilds; ++krnDispatchIndex) {
             Bytes from = source, result = before;
@@ -80,7 +51,7 @@ void holdMirror(const MirrorRow &row, int width, int height, int spare)
                                  0,
                                  nullptr,
                                  flip};
-            ASSERT_EQ(row.run(arguments), KRN_OK);
+            ASSERT_EQ(row(arguments), KRN_OK);
             ASSERT_TRUE(result == expected && from == source)
                 << row.name << " of build " << krnDispatchIndex << ", flip " << flip << ", " << width << " x " << height
                 << ", spare " << spare;
@@ -90,9 +61,9 @@ void holdMirror(const MirrorRow &row, int width, int height, int spare)
 
 TEST(Mirror, MovesEachPixelToItsPlace)
 {
-    const std::vector<MirrorRow> rows = mirrorRows();
+    const std::vector<TableRow> rows = tableRows("krnMirror");
     ASSERT_EQ(rows.size(), 24u);
-    for (const MirrorRow &row : rows) {
+    for (const TableRow &row : rows) {
         for (int width = 1; width <= 71; ++width)
             ASSERT_NO_FATAL_FAILURE(holdMirror(row, width, 1 + width % 4, width % 3 == 0 ? 0 : width % 11));
         // Longer than the pieces that change places.
@@ -106,12 +77,13 @@ TEST(Mirror, MovesEachPixelToItsPlace)
 // Images larger than the caches take a way of their own, at any place.
 TEST(Mirror, LargeImagesAreLikeSmallOnes)
 {
-    for (const MirrorRow &row : mirrorRows()) {
-        if (row.name != "krnMirror8uC1" && row.name != "krnMirror8uC3" && row.name != "krnMirror16uC3")
+    for (const TableRow &row : tableRows("krnMirror")) {
+        const std::string name = row.name;
+        if (name != "krnMirror8uC1" && name != "krnMirror8uC3" && name != "krnMirror16uC3")
             continue;
-        const int width = 9001 / row.pixelBytes;
+        const int pixelBytes = shapeOf(name).source.pixelBytes(), width = 9001 / pixelBytes;
         for (const int spare : {0, 5})
-            ASSERT_NO_FATAL_FAILURE(holdMirror(row, width, 13000000 / (width * row.pixelBytes), spare));
+            ASSERT_NO_FATAL_FAILURE(holdMirror(row, width, 13000000 / (width * pixelBytes), spare));
     }
     krnDispatchIndex = 0;
 }
@@ -119,20 +91,20 @@ TEST(Mirror, LargeImagesAreLikeSmallOnes)
 // After pointers, sizes and steps, which all kernels look at first.
 TEST(Mirror, RefusesOtherAxesLast)
 {
-    for (const MirrorRow &row : mirrorRows())
+    for (const TableRow &row : tableRows("krnMirror"))
         for (krnDispatchIndex = 0; krnDispatchIndex < kernelBuilds; ++krnDispatchIndex)
             for (const int flip : {-1, 3, 2147483647}) {
                 const Bytes source = pattern(128, 1), untouched = pattern(128, 2);
                 Bytes from = source, result = untouched;
                 RowCall arguments = {{{from.data(), 64}, {}}, {result.data(), 64}, {}, 4, 2, 0, 0, nullptr, flip};
-                EXPECT_EQ(row.run(arguments), KRN_BAD_AXIS) << row.name;
+                EXPECT_EQ(row(arguments), KRN_BAD_AXIS) << row.name;
                 EXPECT_EQ(result, untouched);
                 arguments.destination.step = 0;
-                EXPECT_EQ(row.run(arguments), KRN_BAD_STEP) << row.name;
+                EXPECT_EQ(row(arguments), KRN_BAD_STEP) << row.name;
                 arguments.width = 0;
-                EXPECT_EQ(row.run(arguments), KRN_BAD_SIZE) << row.name;
+                EXPECT_EQ(row(arguments), KRN_BAD_SIZE) << row.name;
                 arguments.destination.data = nullptr;
-                EXPECT_EQ(row.run(arguments), KRN_NULL_POINTER) << row.name;
+                EXPECT_EQ(row(arguments), KRN_NULL_POINTER) << row.name;
             }
     krnDispatchIndex = 0;
 }

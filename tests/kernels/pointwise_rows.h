@@ -15,8 +15,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "row_calls.h"
-#include "row_shapes.h"
+#include "row_table.h"
 
 struct PointwiseRow {
     std::string name;
