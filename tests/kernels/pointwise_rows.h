@@ -6,7 +6,6 @@
 #include <array>
 #include <cmath>
 #include <cstring>
-#include <functional>
 #include <limits>
 #include <ostream>
 #include <random>
@@ -24,55 +23,19 @@ struct PointwiseRow {
     int channels;
     bool alpha, inPlace, oneRow;
     bool twoImages, constant; // or one image alone
-    std::function<KrnStatus(const RowCall &)> run;
+    TableRow run;
 };
-
-// As call() does it, but for float constants: the first of the values.
-template <class Signature> KrnStatus runRow(const Kernel<Signature> &kernel, const RowCall &c)
-{
-    const auto &[source, sourceStep] = c.sources[0];
-    const auto &[out, step] = c.destination;
-    float value = 0;
-    if (c.values != nullptr)
-        std::memcpy(&value, c.values, sizeof value);
-    if constexpr (std::is_same_v<Signature, orv::FloatConstantKernel>)
-        return kernel(source, sourceStep, value, out, step, c.width, c.height);
-    else if constexpr (std::is_same_v<Signature, orv::FloatConstantInPlaceKernel>)
-        return kernel(value, out, step, c.width, c.height);
-    else if constexpr (std::is_same_v<Signature, orv::FloatConstantRowKernel>)
-        return kernel(source, value, out, c.width);
-    else if constexpr (std::is_same_v<Signature, orv::FloatConstantRowInPlaceKernel>)
-        return kernel(value, out, c.width);
-    else
-        return call(kernel, c);
-}
-
-template <class Signature, class... Listed> constexpr bool isOneOf = (... || std::is_same_v<Signature, Listed>);
-
-template <class Signature>
-void addRow(std::vector<PointwiseRow> &rows, const std::string &stem, const std::string &name,
-            const Kernel<Signature> &kernel)
-{
-    if constexpr (requires(const RowCall &c) { call(kernel, c); }) {
-        std::string rest = name.substr(3);
-        if (rest.substr(0, rest.find_first_of("123456789")) != stem)
-            return;
-        constexpr bool twoImages = isOneOf<Signature, orv::BinaryKernel, orv::BinaryScaledKernel, orv::BinaryRowKernel>;
-        constexpr bool oneImage = isOneOf<Signature, orv::CopyKernel, orv::UnaryScaledKernel>;
-        rows.push_back({name, stem, takeType(rest), shapeOf(name).source.channels,
-                        name.find("AC4") != std::string::npos, endsWith(name, "I"),
-                        name.find("Row") != std::string::npos, twoImages, !twoImages && !oneImage,
-                        [&kernel](const RowCall &c) { return runRow(kernel, c); }});
-    }
-}
 
 // All types and layouts, in place or not, of krn<stem>.
 inline std::vector<PointwiseRow> rowsOf(const std::string &stem)
 {
     std::vector<PointwiseRow> rows;
-#define KRN(signature, name) addRow(rows, stem, #name, orv::name);
-#define KRN_PLAIN(signature, name)
-#include "kernels.def"
+    for (const TableRow &row : tableRows("krn" + stem)) {
+        std::string rest = std::string(row.name).substr(3);
+        if (rest.substr(0, rest.find_first_of("123456789")) == stem)
+            rows.push_back({row.name, stem, takeType(rest), shapeOf(row.name).source.channels, row.alpha(),
+                            row.inPlace(), takesOneRow(row.name), row.twoImages, !row.twoImages && !row.oneImage, row});
+    }
     return rows;
 }
 
@@ -198,20 +161,24 @@ template <class In, class Out = In, class Constant, class Formula>
         }
 
     int value = 0;
+    float real = 0;
     if constexpr (std::is_integral_v<Constant>)
         value = static_cast<int>(operands.constants[0]) ^ trial.aboveSample;
+    else
+        real = operands.constants[0];
     ::testing::AssertionResult outcome = ::testing::AssertionSuccess();
     for (krnDispatchIndex = 0; outcome && krnDispatchIndex < orv::kernelBuilds; ++krnDispatchIndex) {
         Raster result = destination;
-        const RowCall arguments = {{trial.place == Place::OverFirst ? result.raster() : first.raster(),
-                                    trial.place == Place::OverSecond ? result.raster() : second.raster()},
-                                   result.raster(),
-                                   {},
-                                   trial.width,
-                                   trial.height,
-                                   value,
-                                   trial.scale,
-                                   operands.constants.data()};
+        RowCall arguments = {{trial.place == Place::OverFirst ? result.raster() : first.raster(),
+                              trial.place == Place::OverSecond ? result.raster() : second.raster()},
+                             result.raster(),
+                             {},
+                             trial.width,
+                             trial.height,
+                             value,
+                             trial.scale,
+                             operands.constants.data()};
+        arguments.real = real;
         const KrnStatus status = row.run(arguments);
         if (status != orv::KRN_OK)
             outcome = ::testing::AssertionFailure() << row.name << " returned " << status;

@@ -27,6 +27,7 @@ struct RowCall {
     const void *values; // one a channel, or those of the window
     int flip = 0;
     RowWindow window = {};
+    float real = 0; // a constant of floats
 };
 
 using orv::Kernel;
@@ -58,12 +59,12 @@ ORV_CALL(ConstantScaledKernel, a.data, a.step, c.value, out, step, c.width, c.he
 ORV_CALL(ConstantsScaledKernel, a.data, a.step, c.values, out, step, c.width, c.height, c.scale)
 ORV_CALL(ConstantScaledInPlaceKernel, c.value, out, step, c.width, c.height, c.scale)
 ORV_CALL(ConstantsScaledInPlaceKernel, c.values, out, step, c.width, c.height, c.scale)
-ORV_CALL(FloatConstantKernel, a.data, a.step, static_cast<float>(c.value), out, step, c.width, c.height)
-ORV_CALL(FloatConstantInPlaceKernel, static_cast<float>(c.value), out, step, c.width, c.height)
+ORV_CALL(FloatConstantKernel, a.data, a.step, c.real, out, step, c.width, c.height)
+ORV_CALL(FloatConstantInPlaceKernel, c.real, out, step, c.width, c.height)
 ORV_CALL(ConstantRowKernel, a.data, c.value, out, c.width, c.scale)
 ORV_CALL(ConstantRowInPlaceKernel, c.value, out, c.width, c.scale)
-ORV_CALL(FloatConstantRowKernel, a.data, static_cast<float>(c.value), out, c.width)
-ORV_CALL(FloatConstantRowInPlaceKernel, static_cast<float>(c.value), out, c.width)
+ORV_CALL(FloatConstantRowKernel, a.data, c.real, out, c.width)
+ORV_CALL(FloatConstantRowInPlaceKernel, c.real, out, c.width)
 ORV_CALL(FractionInPlaceKernel, out, step, c.value, c.width, c.height)
 ORV_CALL(FractionsInPlaceKernel, out, step, c.values, c.width, c.height)
 ORV_CALL(ConvolveKernel, a.data, a.step, out, step, c.width, c.height, c.values, c.window.columns, c.window.rows,

@@ -10,11 +10,14 @@
 
 struct TableRow {
     const char *name;
-    bool plain;                                                       // one build serves all slots
-    void *const *builds;                                              // six of them
-    KrnStatus (*call)(const TableRow &row, const RowCall &arguments); // null where the row is no rectangle's or row's
-    int pointers;                                                     // among its parameters
-    bool constants;                                                   // one of them to values that are no raster
+    bool plain;          // one build serves all slots
+    void *const *builds; // six of them
+    int pointers;        // among its parameters
+    bool constants;      // one of these to values that are no raster
+    bool oneImage;       // computes from an image and nothing else
+    bool twoImages;      // from two of them
+    // Null where the row is none of rectangles or rows.
+    KrnStatus (*call)(const TableRow &row, const RowCall &arguments);
 
     KrnStatus operator()(const RowCall &arguments) const { return call(*this, arguments); }
     bool is(const std::string &start) const { return startsWith(name, start); }
@@ -27,6 +30,8 @@ template <class Result, class... Parameter> struct RowParameters<Result(Paramete
     static constexpr int pointers = (0 + ... + std::is_pointer_v<Parameter>);
 };
 
+template <class Signature, class... Listed> constexpr bool isOneOf = (... || std::is_same_v<Signature, Listed>);
+
 template <class Signature> KrnStatus callTableRow(const TableRow &row, const RowCall &arguments)
 {
     return call(row.name, *reinterpret_cast<const Kernel<Signature> *>(row.builds), arguments);
@@ -35,11 +40,17 @@ template <class Signature> KrnStatus callTableRow(const TableRow &row, const Row
 template <class Signature> TableRow tableRow(const char *name, bool plain, const Kernel<Signature> &kernel)
 {
     constexpr int pointers = RowParameters<Signature>::pointers;
-    const bool constants = std::is_same_v<Signature, orv::ConstantsKernel> ||
-                           std::is_same_v<Signature, orv::ConstantsScaledKernel> ||
-                           std::is_same_v<Signature, orv::FractionsInPlaceKernel> || startsWith(name, "krnConvolve") ||
-                           (pointers == 2 && (startsWith(name, "krnFill") || endsWith(name, "I")));
-    TableRow row = {name, plain, reinterpret_cast<void *const *>(kernel.builds), nullptr, pointers, constants};
+    const bool constants =
+        isOneOf<Signature, orv::ConstantsKernel, orv::ConstantsScaledKernel, orv::FractionsInPlaceKernel> ||
+        startsWith(name, "krnConvolve") || (pointers == 2 && (startsWith(name, "krnFill") || endsWith(name, "I")));
+    TableRow row = {name,
+                    plain,
+                    reinterpret_cast<void *const *>(kernel.builds),
+                    pointers,
+                    constants,
+                    isOneOf<Signature, orv::CopyKernel, orv::UnaryScaledKernel>,
+                    isOneOf<Signature, orv::BinaryKernel, orv::BinaryScaledKernel, orv::BinaryRowKernel>,
+                    nullptr};
     if constexpr (requires(const RowCall &c) { call(kernel, c); })
         row.call = callTableRow<Signature>;
     return row;

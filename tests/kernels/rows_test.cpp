@@ -199,7 +199,8 @@ void walk(const TableRow &row)
                                    scale,
                                    shape.destinationFloats ? static_cast<const void *>(floats) : values,
                                    trial % 3,
-                                   window};
+                                   window,
+                                   static_cast<float>(values[0])};
 
         const Guarded &memory = destination.memory();
         const std::vector<std::uint8_t> before(memory.data(), memory.data() + memory.size());
