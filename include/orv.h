@@ -620,7 +620,7 @@ ORV_API OrvStatus orvRShiftS(const OrvImage *src, OrvImage *dst, unsigned int nS
  *  **Empty rectangles.** Where the rectangles have nothing in common nothing is written and the call succeeds, save that a
  *  call with a mask ends as one without memory does (-4).
  *
- *  **Memory.** A call copies what the windows of its rectangle read, piece by piece, or all at once where source and
+ *  **Memory.** A call copies no more than the windows of its rectangle read, piece by piece, or all at once where source and
  *  destination overlap: a plane is read before any of it is written. When memory is exhausted the destination stays as it was.
  *  @{ */
 /** @} */

@@ -27,6 +27,8 @@ private:
     std::int64_t paddedBytes(std::int32_t rows) const;
     std::int64_t scratchBytes(std::int32_t rows) const;
     std::int32_t chooseStripRows() const;
+    void findBareRows();
+    bool bare(std::int32_t row) const { return row >= firstBare_ && row < endOfBare_; }
     void runStrip(std::int32_t row, Size strip, std::int32_t plane, const Raster &mask);
 
     const Neighbourhood &call_;
@@ -38,6 +40,7 @@ private:
     Layout layout_ = Layout::C1;
     std::int64_t firstColumn_ = 0, firstRow_ = 0; // of the image, that is computed
     bool apart_ = true;                           // no strip is written over what is still to be read
+    std::int32_t firstBare_ = 0, endOfBare_ = 0;  // rows whose windows lie in the image, and are read where they are
 
     Scratch scratch_;
     Lanes lanes_;
@@ -104,6 +107,20 @@ std::int32_t WindowCall::chooseStripRows() const
     return static_cast<std::int32_t>(rows);
 }
 
+void WindowCall::findBareRows()
+{
+    const Margins &reach = call_.reach;
+    const std::int64_t end = firstColumn_ + size_.width + reach.right;
+    if (!apart_ || source_.picked || firstColumn_ < reach.left || end > call_.source->width)
+        return;
+    const std::int64_t first = std::max<std::int64_t>(reach.top - firstRow_, 0);
+    const std::int64_t last = std::min<std::int64_t>(call_.source->height - reach.bottom - firstRow_, size_.height);
+    if (first >= last)
+        return;
+    firstBare_ = static_cast<std::int32_t>(first);
+    endOfBare_ = static_cast<std::int32_t>(last);
+}
+
 void WindowCall::runStrip(std::int32_t row, Size strip, std::int32_t plane, const Raster &mask)
 {
     Raster image = source_.start.raster;
@@ -114,12 +131,17 @@ void WindowCall::runStrip(std::int32_t row, Size strip, std::int32_t plane, cons
 
     PaddedSource source = padded(strip.height);
     const Raster whole = {scratch_.data() + lanesBytes(stripRows_), static_cast<std::int32_t>(paddedStep_)};
-    source.raster = whole.fromRow(source.margins.top);
-    source.raster.data += std::ptrdiff_t{source.margins.left} * pixelBytes;
-    borderFill(bordered,
-               {firstColumn_ - source.margins.left, firstRow_ + row - source.margins.top, source.wholeWidth(),
-                source.wholeHeight()},
-               whole);
+    if (bare(row)) {
+        source.raster = image.fromRow(static_cast<std::int32_t>(firstRow_ + row));
+        source.raster.data += firstColumn_ * pixelBytes;
+    } else {
+        source.raster = whole.fromRow(source.margins.top);
+        source.raster.data += std::ptrdiff_t{source.margins.left} * pixelBytes;
+        borderFill(bordered,
+                   {firstColumn_ - source.margins.left, firstRow_ + row - source.margins.top, source.wholeWidth(),
+                    source.wholeHeight()},
+                   whole);
+    }
 
     const Raster destination = destination_.at(row, plane);
     const Raster result = resultLane_.used() ? resultLane_.in(scratch_, stripRows_) : destination;
@@ -147,12 +169,14 @@ OrvStatus WindowCall::run()
     if (padded(1).wholeHeight() > most || paddedStep_ > most / padded(apart_ ? 1 : size_.height).wholeHeight())
         return ORV_STATUS_NO_MEMORY;
     stripRows_ = chooseStripRows();
+    findBareRows();
     if (!scratch_.take(scratchBytes(stripRows_)))
         return ORV_STATUS_NO_MEMORY;
 
     Size strip = {size_.width, 0};
     for (std::int32_t row = 0; row < size_.height; row += strip.height) {
-        strip.height = std::min(stripRows_, size_.height - row);
+        const std::int32_t end = row < firstBare_ ? firstBare_ : bare(row) ? endOfBare_ : size_.height;
+        strip.height = std::min(stripRows_, end - row);
         const Raster mask = delivery_.maskOfStrip(row, strip, scratch_, stripRows_);
         for (std::int32_t plane = 0; plane < planes_; ++plane)
             runStrip(row, strip, plane, mask);

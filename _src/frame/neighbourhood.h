@@ -1,6 +1,7 @@
 // The frame of operations that compute each pixel from a window around it. It resolves rectangles, channels and masks,
 // and runs a unit's loop over padded sources: strips of the rectangle, each with the margins that the loop reads. What
-// is copied grows with the rectangle and the reach of the window, never with the image.
+// is copied grows with the rectangle and the reach of the window, never with the image; windows that lie in the image
+// read it where it is.
 #pragma once
 
 #include "padded_source.h"
