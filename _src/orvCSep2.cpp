@@ -78,16 +78,10 @@ template <class Signature, class Record> struct OneVector {
 using IntegerVector = OneVector<ConvolveLineKernel, OrvConvKernel>;
 using FloatVector = OneVector<SumLineKernel, OrvConvKernelFP>;
 
-#define ORV_LINE_KERNELS(samples)                                                              \
-    {krnConvolveRow##samples##C1, krnConvolveRow##samples##C3, krnConvolveRow##samples##C4,    \
-     krnConvolveRow##samples##AC4},                                                            \
-    {                                                                                          \
-        krnConvolveCol##samples##C1, krnConvolveCol##samples##C3, krnConvolveCol##samples##C4, \
-            krnConvolveCol##samples##AC4                                                       \
-    }
+#define ORV_LINE_KERNELS(samples) \
+    ORV_LAYOUT_KERNELS(krnConvolveRow##samples), ORV_LAYOUT_KERNELS(krnConvolveCol##samples)
 
-constexpr LayoutKernels<SumLineKernel> floatRow = {krnConvolveRow32fC1, krnConvolveRow32fC3, krnConvolveRow32fC4,
-                                                   krnConvolveRow32fAC4};
+constexpr LayoutKernels<SumLineKernel> floatRow = ORV_LAYOUT_KERNELS(krnConvolveRow32f);
 
 // The sums of columns, of all columns with the margins.
 FloatPieces sumsOf(Layout layout, const PaddedSource &source)
@@ -129,7 +123,7 @@ template <class Record> struct TwoVectors {
                 continue;
             }
             const FloatRaster result = FloatPieces(layout, source.size).take(free, size);
-            across(layout == Layout::AC4 ? Layout::C4 : layout, result.raster);
+            across(withAllSamples(layout), result.raster);
             fromFloats(result, layout, depth, out.fromRow(row));
         }
     }
@@ -176,8 +170,7 @@ struct BytesInWords {
     }
 
 private:
-    static constexpr LayoutKernels<ConvolveLineKernel> rowOfWords = {krnConvolveRow16s8uC1, krnConvolveRow16s8uC3,
-                                                                     krnConvolveRow16s8uC4, krnConvolveRow16s8uAC4};
+    static constexpr LayoutKernels<ConvolveLineKernel> rowOfWords = ORV_LAYOUT_KERNELS(krnConvolveRow16s8u);
 };
 
 // `one` makes the loop of a single vector.

@@ -60,8 +60,7 @@ struct IntegerEngine {
     }
 };
 
-constexpr LayoutKernels<ConvolveFloatsKernel> convolveFloats = {krnConvolve32fC1, krnConvolve32fC3, krnConvolve32fC4,
-                                                                krnConvolve32fAC4};
+constexpr LayoutKernels<ConvolveFloatsKernel> convolveFloats = ORV_LAYOUT_KERNELS(krnConvolve32f);
 
 // All else.
 template <class Record> class FloatEngine {
@@ -127,7 +126,7 @@ void FloatEngine<Record>::operator()(Layout layout, const PaddedSource &source, 
         return convolve(0, layout, first, out, source.size);
 
     // What lies in scratch has all its samples computed.
-    const Layout all = layout == Layout::AC4 ? Layout::C4 : layout;
+    const Layout all = withAllSamples(layout);
     const FloatPieces pieces(layout, source.size);
     for (std::int32_t row = 0; row < source.size.height; row += pieces.rows()) {
         std::uint8_t *free = work;
@@ -185,11 +184,9 @@ OrvStatus run(const OrvImage *source, const OrvImage *destination, const Kernels
     if (withoutCoefficients(kernels))
         return ORV_STATUS_OK;
     if (one && destination->depth == ORV_DEPTH_8U)
-        return runIntegers({krnConvolve8uC1, krnConvolve8uC3, krnConvolve8uC4, krnConvolve8uAC4}, source, destination,
-                           **kernels.begin());
+        return runIntegers(ORV_LAYOUT_KERNELS(krnConvolve8u), source, destination, **kernels.begin());
     if (one && destination->depth == ORV_DEPTH_16S)
-        return runIntegers({krnConvolve16sC1, krnConvolve16sC3, krnConvolve16sC4, krnConvolve16sAC4}, source,
-                           destination, **kernels.begin());
+        return runIntegers(ORV_LAYOUT_KERNELS(krnConvolve16s), source, destination, **kernels.begin());
     return runFloats(source, destination, kernels);
 }
 

@@ -17,7 +17,7 @@ struct MirrorKernels {
 
 #define ORV_MIRROR_KERNELS(stem)                        \
     {                                                   \
-        {stem##C1, stem##C3, stem##C4, stem##AC4},      \
+        ORV_LAYOUT_KERNELS(stem),                       \
         {                                               \
             stem##C1I, stem##C3I, stem##C4I, stem##AC4I \
         }                                               \

@@ -12,10 +12,6 @@ struct BinaryFamily {
     LayoutKernels<BinaryKernel> floats;
 };
 
-#define ORV_LAYOUT_KERNELS(stem)                \
-    {                                           \
-        stem##C1, stem##C3, stem##C4, stem##AC4 \
-    }
 #define ORV_BINARY_FAMILY(operation)                                                                             \
     {                                                                                                            \
         ORV_LAYOUT_KERNELS(krn##operation##8u), ORV_LAYOUT_KERNELS(krn##operation##16s), krn##operation##32sRow, \

@@ -16,6 +16,12 @@ constexpr std::int32_t samplesPerPixel(Layout layout)
     return layout == Layout::C1 ? 1 : layout == Layout::C3 ? 3 : 4;
 }
 
+// The layout whose kernels take all samples of the same pixels.
+constexpr Layout withAllSamples(Layout layout)
+{
+    return layout == Layout::AC4 ? Layout::C4 : layout;
+}
+
 // One kernel a layout, in the order of Layout.
 template <class Signature> struct LayoutKernels {
     const Kernel<Signature> &c1, &c3, &c4, &ac4;
@@ -34,6 +40,12 @@ template <class Signature> struct LayoutKernels {
         }
     }
 };
+
+// The kernels whose names begin alike.
+#define ORV_LAYOUT_KERNELS(stem)                \
+    {                                           \
+        stem##C1, stem##C3, stem##C4, stem##AC4 \
+    }
 
 struct ChannelKernels {
     LayoutKernels<CopyKernel> copy;

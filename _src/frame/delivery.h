@@ -12,11 +12,6 @@ namespace orv {
 
 constexpr std::size_t mostImages = 4; // of one call
 
-constexpr std::int64_t roundedUp(std::int64_t bytes)
-{
-    return (bytes + 31) & ~std::int64_t{31};
-}
-
 // A piece of a call's scratch that holds the rows of one strip.
 struct Lane {
     std::int64_t offset = -1; // in bytes a row of all lanes; none where negative

@@ -9,13 +9,9 @@ struct Conversions {
     LayoutKernels<ConvertRoundKernel> fromFloats;
 };
 
-#define ORV_CONVERSIONS(samples)                                                                \
-    {                                                                                           \
-        krnConvert##samples##32f,                                                               \
-        {                                                                                       \
-            krnConvert32f##samples##C1, krnConvert32f##samples##C3, krnConvert32f##samples##C4, \
-                krnConvert32f##samples##AC4                                                     \
-        }                                                                                       \
+#define ORV_CONVERSIONS(samples)                                             \
+    {                                                                        \
+        krnConvert##samples##32f, ORV_LAYOUT_KERNELS(krnConvert32f##samples) \
     }
 
 constexpr Conversions bytes = ORV_CONVERSIONS(8u), signedBytes = ORV_CONVERSIONS(8s), words = ORV_CONVERSIONS(16u),

@@ -7,6 +7,7 @@
 #include "area.h"
 #include "channel_kernels.h"
 #include "conv_record.h"
+#include "scratch.h"
 
 namespace orv {
 
@@ -15,7 +16,7 @@ struct FloatRaster {
     Raster raster;
     Size size; // in samples
 
-    static std::int64_t stepOf(std::int64_t samples) { return (samples * 4 + 31) & ~std::int64_t{31}; }
+    static std::int64_t stepOf(std::int64_t samples) { return roundedUp(samples * 4); }
     static std::int64_t bytes(std::int64_t samples, std::int64_t rows) { return stepOf(samples) * rows; }
 };
 

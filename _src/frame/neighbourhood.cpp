@@ -125,8 +125,7 @@ void WindowCall::runStrip(std::int32_t row, Size strip, std::int32_t plane, cons
 {
     Raster image = source_.start.raster;
     image.data += plane * source_.start.planeStep;
-    const Layout paddedLayout = layout_ == Layout::AC4 ? Layout::C4 : layout_;
-    const BorderedImage bordered = {call_.source, image, paddedLayout, source_.picked, source_.sampleBytes};
+    const BorderedImage bordered = {call_.source, image, withAllSamples(layout_), source_.picked, source_.sampleBytes};
     const std::int32_t pixelBytes = bordered.paddedPixelBytes();
 
     PaddedSource source = padded(strip.height);

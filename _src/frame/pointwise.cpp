@@ -59,7 +59,7 @@ bool ScratchCall::resolveImages()
     }
     if (!pixelLayout(*destination().image, channels, layout_))
         return false;
-    resultLayout_ = layout_ == Layout::AC4 && delivery_.masked() ? Layout::C4 : layout_;
+    resultLayout_ = delivery_.masked() ? withAllSamples(layout_) : layout_;
     return true;
 }
 

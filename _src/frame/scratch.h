@@ -8,6 +8,12 @@
 
 namespace orv {
 
+// To the alignment of blocks, on which rows in scratch start.
+constexpr std::int64_t roundedUp(std::int64_t bytes)
+{
+    return (bytes + 31) & ~std::int64_t{31};
+}
+
 // A block that frees itself: whichever way a call ends, it keeps nothing.
 class Scratch {
 public:
