@@ -1,9 +1,9 @@
 // Cloning of images.
 #include <cstdint>
 
-#include "frame/area.h"
-#include "frame/report.h"
+#include "area.h"
 #include "kernels.h"
+#include "report.h"
 
 namespace {
 

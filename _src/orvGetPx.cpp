@@ -1,8 +1,8 @@
 // Reading of single pixels.
 #include <cstdint>
 
-#include "frame/pixel.h"
-#include "frame/report.h"
+#include "pixel.h"
+#include "report.h"
 
 namespace {
 

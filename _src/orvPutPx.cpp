@@ -2,8 +2,8 @@
 #include <cstdint>
 #include <cstring>
 
-#include "frame/pixel.h"
-#include "frame/report.h"
+#include "pixel.h"
+#include "report.h"
 
 namespace {
 

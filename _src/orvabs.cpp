@@ -2,9 +2,9 @@
 #include <cstdint>
 #include <limits>
 
-#include "frame/plain_rows.h"
-#include "frame/pointwise.h"
-#include "frame/report.h"
+#include "arith/plain_rows.h"
+#include "pointwise.h"
+#include "report.h"
 
 namespace {
 

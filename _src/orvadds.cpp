@@ -2,9 +2,9 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "frame/pointwise.h"
-#include "frame/report.h"
-#include "frame/two_passes.h"
+#include "arith/two_passes.h"
+#include "pointwise.h"
+#include "report.h"
 
 namespace {
 

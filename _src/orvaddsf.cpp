@@ -1,6 +1,6 @@
 // The sum of a float image and a number.
-#include "frame/float_constant.h"
-#include "frame/report.h"
+#include "arith/float_constant.h"
+#include "report.h"
 
 namespace {
 

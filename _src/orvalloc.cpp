@@ -3,11 +3,11 @@
 #include <cstring>
 #include <limits>
 
-#include "frame/area.h"
-#include "frame/header_check.h"
-#include "frame/report.h"
+#include "area.h"
+#include "header_check.h"
 #include "kernels.h"
 #include "memory.h"
+#include "report.h"
 
 namespace {
 
@@ -63,7 +63,7 @@ std::uint32_t fillWord(std::int32_t depth, std::int32_t value)
 // Allocates the raster of a header that may have one, and reports as the exported function of that name does.
 void allocateRaster(OrvImage &image, bool fill, std::uint32_t word, const char *function)
 {
-    const OrvStatus status = orvCheckHeaderFields(image, image.colorModel, image.channelSeq);
+    const OrvStatus status = checkHeaderFields(image, image.colorModel, image.channelSeq);
     if (status != ORV_STATUS_OK) {
         orvError(status, function, "Incorrect data-ins", unitName, __LINE__);
         return;
@@ -176,7 +176,7 @@ OrvImage *orvCreateImageHeader(std::int32_t nChannels, std::int32_t alphaChannel
     header.maskROI = maskROI;
     header.imageId = imageId;
     header.tileInfo = tileInfo;
-    const OrvStatus status = orvCheckHeaderFields(header, colorModel, channelSeq);
+    const OrvStatus status = checkHeaderFields(header, colorModel, channelSeq);
     ORV_REFUSE_AS(nullptr, status != ORV_STATUS_OK, status, "Incorrect data-ins");
     OrvImage *image = allocateRecord<OrvImage>();
     if (image == nullptr)

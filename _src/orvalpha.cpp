@@ -2,9 +2,9 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "frame/arithmetic.h"
-#include "frame/binary_family.h"
-#include "frame/report.h"
+#include "arith/arithmetic.h"
+#include "arith/binary_family.h"
+#include "report.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // Bitwise and.
-#include "frame/bit_family.h"
-#include "frame/report.h"
+#include "logic/bit_family.h"
+#include "report.h"
 
 namespace {
 

@@ -2,11 +2,12 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "frame/checks.h"
-#include "frame/conv_record.h"
-#include "frame/float_samples.h"
-#include "frame/neighbourhood.h"
-#include "frame/report.h"
+#include "comparisons.h"
+#include "filter/coefficients.h"
+#include "filter/conv_record.h"
+#include "float_samples.h"
+#include "report.h"
+#include "window.h"
 
 namespace {
 

@@ -3,9 +3,9 @@
 #include <limits>
 #include <type_traits>
 
-#include "frame/conv_record.h"
-#include "frame/report.h"
+#include "filter/conv_record.h"
 #include "kernels.h"
+#include "report.h"
 
 // As ORV_REPORT, where one function stands for several exported ones and was told the name.
 #define REPORT_FOR(function, status, context) orvError(status, function, context, unitName, __LINE__)

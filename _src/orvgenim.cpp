@@ -1,8 +1,8 @@
 // The test image.
 #include <cstdint>
 
-#include "frame/report.h"
 #include "kernels.h"
+#include "report.h"
 
 namespace {
 

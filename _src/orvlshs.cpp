@@ -1,8 +1,8 @@
 // Shift to the left.
 #include <cstdint>
 
-#include "frame/bit_family.h"
-#include "frame/report.h"
+#include "logic/bit_family.h"
+#include "report.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 // Mirror.
 #include <cstdint>
 
-#include "frame/pointwise.h"
-#include "frame/report.h"
+#include "pointwise.h"
+#include "report.h"
 
 namespace {
 

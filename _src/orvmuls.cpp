@@ -2,8 +2,8 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "frame/float_constant.h"
-#include "frame/report.h"
+#include "arith/float_constant.h"
+#include "report.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <cstring>
 
-#include "frame/fill.h"
-#include "frame/pointwise.h"
-#include "frame/report.h"
+#include "fill.h"
+#include "pointwise.h"
+#include "report.h"
 
 namespace {
 

@@ -1,6 +1,6 @@
 // The difference of two images.
-#include "frame/binary_family.h"
-#include "frame/report.h"
+#include "arith/binary_family.h"
+#include "report.h"
 
 namespace {
 

@@ -2,10 +2,10 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "frame/fill.h"
-#include "frame/pointwise.h"
-#include "frame/report.h"
-#include "frame/two_passes.h"
+#include "arith/two_passes.h"
+#include "fill.h"
+#include "pointwise.h"
+#include "report.h"
 
 namespace {
 

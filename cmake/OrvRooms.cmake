@@ -35,17 +35,27 @@ set(ORV_KERNEL_SOURCES
   kernels/logic/logic.cpp
   kernels/logic/shift.cpp)
 
+# The rooms of the front end's frame. A room sees itself, and those that its target names.
+set(ORV_FRAME ${PROJECT_SOURCE_DIR}/_src/frame)
+set(ORV_FRAME_IMAGE_SOURCES
+  _src/frame/image/area.cpp
+  _src/frame/image/call_images.cpp
+  _src/frame/image/channel_kernels.cpp
+  _src/frame/image/delivery.cpp
+  _src/frame/image/operand.cpp)
+set(ORV_FRAME_CHECKS_SOURCES
+  _src/frame/checks/comparisons.cpp
+  _src/frame/checks/header_check.cpp)
+set(ORV_FRAME_POINTWISE_SOURCES
+  _src/frame/pointwise/pointwise.cpp)
+set(ORV_FRAME_WINDOW_SOURCES
+  _src/frame/window/border.cpp
+  _src/frame/window/float_samples.cpp
+  _src/frame/window/window.cpp)
+
+# One unit a family, and what the units of related families share.
 set(ORV_FRONT_SOURCES
-  _src/frame/area.cpp
-  _src/frame/channel_kernels.cpp
-  _src/frame/checks.cpp
-  _src/frame/delivery.cpp
-  _src/frame/float_samples.cpp
-  _src/frame/header_check.cpp
-  _src/frame/neighbourhood.cpp
-  _src/frame/operand.cpp
-  _src/frame/padded_source.cpp
-  _src/frame/pointwise.cpp
+  _src/filter/coefficients.cpp
   _src/orvCSep2.cpp
   _src/orvClone.cpp
   _src/orvGetPx.cpp
@@ -92,11 +102,33 @@ orv_room(orv_status SOURCES ${ORV_STATUS_SOURCES}
   INCLUDES ${ORV_PUBLIC_DIR} ${ORV_PLATFORM_DIR} ${PROJECT_SOURCE_DIR}/status)
 orv_room(orv_kernels_plain SOURCES ${ORV_PLAIN_KERNEL_SOURCES} INCLUDES ${ORV_KERNEL_DIRS})
 target_compile_options(orv_kernels_plain PRIVATE ${ORV_KERNEL_OPTIMISATION} ${ORV_PLAIN_OPTIONS})
-orv_room(orv_front SOURCES ${ORV_FRONT_SOURCES}
-  INCLUDES ${ORV_PUBLIC_DIR} ${ORV_KERNEL_DIRS} ${PROJECT_SOURCE_DIR}/_src)
-target_compile_options(orv_front PRIVATE ${ORV_KERNEL_OPTIMISATION} ${ORV_PLAIN_OPTIONS})
 
-set(ORV_ROOMS orv_platform orv_status orv_kernels_plain orv_front)
+# orv_front_room(name SOURCES ... SEES rooms...): a room of the front end, which includes files of its own and of the
+# rooms of the frame that it sees.
+function(orv_front_room name)
+  cmake_parse_arguments(ROOM "" "" "SOURCES;SEES" ${ARGN})
+  list(TRANSFORM ROOM_SEES PREPEND ${ORV_FRAME}/)
+  orv_room(${name} SOURCES ${ROOM_SOURCES}
+    INCLUDES ${ORV_PUBLIC_DIR} ${ORV_KERNEL_DIRS} ${ROOM_SEES})
+  target_compile_options(${name} PRIVATE ${ORV_KERNEL_OPTIMISATION} ${ORV_PLAIN_OPTIONS})
+endfunction()
+
+set(ORV_FRAMES image checks pointwise window)
+orv_front_room(orv_frame_image SOURCES ${ORV_FRAME_IMAGE_SOURCES} SEES image)
+orv_front_room(orv_frame_checks SOURCES ${ORV_FRAME_CHECKS_SOURCES} SEES checks image)
+foreach(frame pointwise window)
+  string(TOUPPER ${frame} FRAME)
+  orv_front_room(orv_frame_${frame} SOURCES ${ORV_FRAME_${FRAME}_SOURCES} SEES ${frame} checks image)
+endforeach()
+orv_front_room(orv_front SOURCES ${ORV_FRONT_SOURCES} SEES ${ORV_FRAMES})
+target_include_directories(orv_front PRIVATE ${PROJECT_SOURCE_DIR}/_src)
+
+# For tests, which reach all internals.
+list(TRANSFORM ORV_FRAMES PREPEND ${ORV_FRAME}/ OUTPUT_VARIABLE ORV_FRONT_DIRS)
+list(APPEND ORV_FRONT_DIRS ${PROJECT_SOURCE_DIR}/_src)
+list(TRANSFORM ORV_FRAMES PREPEND orv_frame_ OUTPUT_VARIABLE ORV_FRAME_ROOMS)
+
+set(ORV_ROOMS orv_platform orv_status orv_kernels_plain ${ORV_FRAME_ROOMS} orv_front)
 
 # The six builds. orv_kernel_slots(prefix options...) makes the targets prefix0 to prefix5.
 function(orv_kernel_slots prefix)

@@ -2,8 +2,8 @@
 // offsets, so a loop of this test's own looks at what it is given.
 #include <gtest/gtest.h>
 
-#include "frame/neighbourhood.h"
 #include "front/neighbourhood_model.h"
+#include "window.h"
 
 namespace front {
 namespace {

@@ -5,6 +5,7 @@
 #include <cstddef>
 
 #include "area.h"
+#include "call_images.h"
 #include "channel_kernels.h"
 #include "delivery.h"
 
@@ -20,30 +21,8 @@ struct Loop {
     bool movesPixels; // takes all rows of a rectangle at once, and never writes where it still reads
 };
 
-// The images of a call, sources first and the destination last.
-struct PointwiseCall {
-    const OrvImage *const *images;
-    std::size_t sourceCount;
-
-    const OrvImage &destination() const { return *images[sourceCount]; }
-    std::size_t imageCount() const { return sourceCount + 1; }
-
-    bool masked() const;
-    bool inPlanes() const; // the destination is in plane order, or all images have one channel
-    Size commonSize() const;
-};
-
-// Pixel layout of a destination with so many channels to process; false where no layout serves them.
-bool pixelLayout(const OrvImage &destination, std::int32_t channels, Layout &layout);
-
-// How many planes of so many channels are processed: not the alpha plane of the destination.
-inline std::int32_t planesToProcess(const OrvImage &destination, std::int32_t channels)
-{
-    return channels == 4 && destination.alphaChannel != 0 ? 3 : channels;
-}
-
 // Masked calls, and calls on one channel of interleaved pixels. 0, or ORV_STATUS_NO_MEMORY.
-OrvStatus runThroughScratch(const PointwiseCall &call, const Loop &loop);
+OrvStatus runThroughScratch(const CallImages &call, const Loop &loop);
 
 // Runs `run(layout, sources, destination, size)`: sources and destination are rectangles of `size` pixels of the
 // layout, one source for each source image in turn. A unit that can also write under a mask has `masked(layout,
@@ -67,12 +46,12 @@ OrvStatus pointwise(Run run, const OrvImage *destination, const Sources *...sour
     };
     static_assert(!movesPixels || count == 1);
     const OrvImage *const images[count + 1] = {sources..., destination};
-    const PointwiseCall call = {images, count};
+    const CallImages call = {images, count};
 
     const bool planes = call.inPlanes();
     Start starts[count + 1];
     for (std::size_t i = 0; i <= count; ++i)
-        starts[i] = orvResolveStart(*images[i]);
+        starts[i] = resolveStart(*images[i]);
     const std::int32_t channels = starts[count].channels;
 
     if (call.masked() || (!planes && channels == 1)) {

@@ -24,7 +24,7 @@ Size smaller(Size a, Size b)
 
 } // namespace
 
-bool orvRoiSize(const OrvImage &image, Size &size)
+bool roiSize(const OrvImage &image, Size &size)
 {
     const OrvROI *roi = image.roi;
     if (roi == nullptr) {
@@ -38,29 +38,24 @@ bool orvRoiSize(const OrvImage &image, Size &size)
     return true;
 }
 
-Size orvMaskedRoiSize(const OrvImage &image)
+Size maskedRoiSize(const OrvImage &image)
 {
     Size size = {0, 0};
-    orvRoiSize(image, size);
+    roiSize(image, size);
     if (image.maskROI != nullptr) {
         Size mask = {0, 0};
-        orvRoiSize(*image.maskROI, mask);
+        roiSize(*image.maskROI, mask);
         size = smaller(size, mask);
     }
     return size;
 }
 
-Size orvCommonSize2(const OrvImage &a, const OrvImage &b)
+Size commonSize(const OrvImage &a, const OrvImage &b)
 {
-    return smaller(orvMaskedRoiSize(a), orvMaskedRoiSize(b));
+    return smaller(maskedRoiSize(a), maskedRoiSize(b));
 }
 
-Size orvCommonSize3(const OrvImage &a, const OrvImage &b, const OrvImage &c)
-{
-    return smaller(orvCommonSize2(a, b), orvMaskedRoiSize(c));
-}
-
-Start orvResolveStart(const OrvImage &image)
+Start resolveStart(const OrvImage &image)
 {
     std::ptrdiff_t x = 0, y = 0;
     std::int32_t coi = 0;

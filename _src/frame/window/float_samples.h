@@ -6,7 +6,7 @@
 
 #include "area.h"
 #include "channel_kernels.h"
-#include "conv_record.h"
+#include "padded_source.h"
 #include "scratch.h"
 
 namespace orv {
@@ -60,12 +60,5 @@ Raster firstComputed(const FloatRaster &whole, const PaddedSource &source, Layou
 
 // To pixels of the depth, rounded to nearest with ties to even.
 void fromFloats(const FloatRaster &floats, Layout layout, std::int32_t depth, const Raster &destination);
-
-// Coefficients as floats. Those of an integer record are converted into scratch, and divided by its divisor: a power of
-// two, so that each sum comes out as if it had been divided itself.
-const float *takeCoefficients(const OrvConvKernel &kernel, std::uint8_t *&work);
-const float *takeCoefficients(const OrvConvKernelFP &kernel, std::uint8_t *&work);
-std::int64_t coefficientBytes(const OrvConvKernel &kernel);
-std::int64_t coefficientBytes(const OrvConvKernelFP &kernel);
 
 } // namespace orv

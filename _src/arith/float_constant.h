@@ -1,7 +1,7 @@
 // Operations of a float image and a number.
 #pragma once
 
-#include "arithmetic.h"
+#include "arith/arithmetic.h"
 #include "pointwise.h"
 
 namespace orv {

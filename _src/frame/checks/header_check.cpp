@@ -130,7 +130,7 @@ OrvStatus checkHeader(const OrvImage *image, const MaskChain *outer)
 
 } // namespace
 
-OrvStatus orvCheckHeaderFields(const OrvImage &image, const char *colorModel, const char *channelSeq)
+OrvStatus checkHeaderFields(const OrvImage &image, const char *colorModel, const char *channelSeq)
 {
     return checkFields(image, colorModel, channelSeq, nullptr);
 }

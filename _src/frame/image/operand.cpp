@@ -15,7 +15,7 @@ std::int64_t rowReach(const Operand &operand, Size size)
 
 Operand resolve(const OrvImage &image, bool planes)
 {
-    Operand operand = {&image, orvResolveStart(image), sampleBytes(image.depth), 0, false};
+    Operand operand = {&image, resolveStart(image), sampleBytes(image.depth), 0, false};
     // Beside pixels of one channel a source may have its channel as a plane.
     const bool plane = planes || image.dataOrder == ORV_DATA_ORDER_PLANE;
     operand.pixelBytes = operand.sampleBytes * (plane ? 1 : image.nChannels);

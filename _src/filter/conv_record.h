@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <cstddef>
 
-#include "neighbourhood.h"
+#include "window.h"
 
 namespace orv {
 

@@ -1,5 +1,5 @@
 // Comparisons of the images of a call.
-#include "checks.h"
+#include "comparisons.h"
 
 namespace orv {
 namespace {

@@ -7,6 +7,6 @@ namespace orv {
 
 // The status of the first field that is refused, not stored. `colorModel` and `channelSeq` are what stands or shall
 // stand in the header; they are looked at for null only.
-OrvStatus orvCheckHeaderFields(const OrvImage &image, const char *colorModel, const char *channelSeq);
+OrvStatus checkHeaderFields(const OrvImage &image, const char *colorModel, const char *channelSeq);
 
 } // namespace orv

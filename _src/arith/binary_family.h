@@ -1,7 +1,7 @@
 // Sums, differences and products of two images: the same operation over other kernels.
 #pragma once
 
-#include "arithmetic.h"
+#include "arith/arithmetic.h"
 #include "pointwise.h"
 
 namespace orv {

@@ -1,11 +1,11 @@
-// The frame of neighbourhood.h.
-#include "neighbourhood.h"
+// The frame of window.h.
+#include "window.h"
 
 #include <algorithm>
 #include <limits>
 
+#include "call_images.h"
 #include "delivery.h"
-#include "pointwise.h"
 
 namespace orv {
 namespace {
@@ -53,7 +53,7 @@ private:
 bool WindowCall::resolveImages()
 {
     const OrvImage *const images[] = {call_.source, call_.destination};
-    const bool planes = PointwiseCall{images, 1}.inPlanes();
+    const bool planes = CallImages{images, 1}.inPlanes();
     destination_ = resolve(*call_.destination, planes);
     // The channel of interest says that one channel is read, but not which: it is always the first.
     source_ = resolve(*call_.source, planes);
@@ -151,7 +151,7 @@ void WindowCall::runStrip(std::int32_t row, Size strip, std::int32_t plane, cons
 
 OrvStatus WindowCall::run()
 {
-    size_ = orvCommonSize2(*call_.source, *call_.destination);
+    size_ = commonSize(*call_.source, *call_.destination);
     if (size_.empty()) // a mask of no bytes cannot be had: such a call ends as one without memory does
         return call_.source->maskROI != nullptr || call_.destination->maskROI != nullptr ? ORV_STATUS_NO_MEMORY
                                                                                          : ORV_STATUS_OK;

@@ -1,10 +1,9 @@
-// The kernels that move samples of one width, whatever their type: how the frame copies, picks channels and applies
-// masks.
+// Layouts of pixels, and the kernels of an operation by layout.
 #pragma once
 
 #include <cstdint>
 
-#include "kernels.h"
+#include "kernel.h"
 
 namespace orv {
 
@@ -46,19 +45,5 @@ template <class Signature> struct LayoutKernels {
     {                                           \
         stem##C1, stem##C3, stem##C4, stem##AC4 \
     }
-
-struct ChannelKernels {
-    LayoutKernels<CopyKernel> copy;
-    LayoutKernels<CopyMaskedKernel> copyMasked;
-    LayoutKernels<MirrorKernel> mirror;
-    const Kernel<MirrorInPlaceKernel> &mirrorInPlaceC1;
-    const Kernel<CopyKernel> &copyC3AC4, &copyAC4C3;
-    const Kernel<CopyKernel> &extractC3, &extractC4, &insertC3, &insertC4;
-    const Kernel<FillKernel> &fillC1;
-    const Kernel<FillPixelsKernel> &fillC3, &fillC4, &fillAC4;
-};
-
-// By the bytes of a sample: 1, 2 or 4.
-const ChannelKernels &channelKernels(std::int32_t sampleBytes);
 
 } // namespace orv

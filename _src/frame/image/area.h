@@ -44,17 +44,16 @@ inline std::int32_t channelsToProcess(const OrvImage &image)
 }
 
 // The image's rectangle clipped to the image. False, and `size` as it was, for a rectangle with a side below 1.
-bool orvRoiSize(const OrvImage &image, Size &size);
+bool roiSize(const OrvImage &image, Size &size);
 
 // The rectangle's size reduced to that of the mask, if there is one.
-Size orvMaskedRoiSize(const OrvImage &image);
+Size maskedRoiSize(const OrvImage &image);
 
 // Width and height that the images and their masks have in common.
-Size orvCommonSize2(const OrvImage &a, const OrvImage &b);
-Size orvCommonSize3(const OrvImage &a, const OrvImage &b, const OrvImage &c);
+Size commonSize(const OrvImage &a, const OrvImage &b);
 
 // Start of the image's rectangle and channel. The rectangle is not clipped here: a start beyond the image goes with a
 // size of nothing, and is never read.
-Start orvResolveStart(const OrvImage &image);
+Start resolveStart(const OrvImage &image);
 
 } // namespace orv

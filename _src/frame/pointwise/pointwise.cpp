@@ -15,7 +15,7 @@ constexpr std::int64_t stripBytes = 16384;
 // One call with all that its strips need.
 class ScratchCall {
 public:
-    ScratchCall(const PointwiseCall &call, const Loop &loop) : call_(call), loop_(loop) {}
+    ScratchCall(const CallImages &call, const Loop &loop) : call_(call), loop_(loop) {}
 
     OrvStatus run();
 
@@ -26,7 +26,7 @@ private:
 
     const Operand &destination() const { return images_[call_.sourceCount]; }
 
-    const PointwiseCall &call_;
+    const CallImages &call_;
     const Loop &loop_;
     Size size_ = {};
     Operand images_[mostImages] = {};
@@ -139,41 +139,7 @@ OrvStatus ScratchCall::run()
 
 } // namespace
 
-bool PointwiseCall::masked() const
-{
-    return std::any_of(images, images + imageCount(), [](const OrvImage *image) { return image->maskROI != nullptr; });
-}
-
-bool PointwiseCall::inPlanes() const
-{
-    return destination().dataOrder == ORV_DATA_ORDER_PLANE ||
-           std::all_of(images, images + imageCount(), [](const OrvImage *image) { return image->nChannels == 1; });
-}
-
-Size PointwiseCall::commonSize() const
-{
-    Size size = orvMaskedRoiSize(destination());
-    for (std::size_t i = 0; i < sourceCount; ++i) {
-        const Size other = orvMaskedRoiSize(*images[i]);
-        size = {std::min(size.width, other.width), std::min(size.height, other.height)};
-    }
-    return size;
-}
-
-bool pixelLayout(const OrvImage &destination, std::int32_t channels, Layout &layout)
-{
-    if (channels == 1)
-        layout = Layout::C1;
-    else if (channels == 3)
-        layout = Layout::C3;
-    else if (channels == 4)
-        layout = destination.alphaChannel == 0 ? Layout::C4 : Layout::AC4;
-    else
-        return false;
-    return true;
-}
-
-OrvStatus runThroughScratch(const PointwiseCall &call, const Loop &loop)
+OrvStatus runThroughScratch(const CallImages &call, const Loop &loop)
 {
     return ScratchCall(call, loop).run();
 }

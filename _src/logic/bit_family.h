@@ -1,9 +1,9 @@
 // Operations on bits, which have kernels by the width of a sample: of two images, and of an image and a constant.
 #pragma once
 
-#include "arithmetic.h"
-#include "binary_family.h"
-#include "checks.h"
+#include "arith/arithmetic.h"
+#include "arith/binary_family.h"
+#include "comparisons.h"
 #include "pointwise.h"
 
 namespace orv {

@@ -5,9 +5,9 @@
 #include <cstdint>
 
 #include "area.h"
+#include "arith/plain_rows.h"
 #include "channel_kernels.h"
 #include "constant.h"
-#include "plain_rows.h"
 
 namespace orv {
 

@@ -2,7 +2,7 @@
 // it.
 #pragma once
 
-#include "arithmetic.h"
+#include "arith/arithmetic.h"
 
 namespace orv {
 

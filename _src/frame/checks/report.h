@@ -2,7 +2,7 @@
 // defines `unitName`, the name that its reports carry; the function is the exported one in which the line stands.
 #pragma once
 
-#include "checks.h"
+#include "comparisons.h"
 #include "orv.h"
 
 #define ORV_REPORT(status, context) orvError(status, __func__, context, unitName, __LINE__)
