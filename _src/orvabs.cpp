@@ -28,7 +28,7 @@ template <class Sample> void absolute(Layout layout, const Raster *sources, Rast
 
 void absoluteFloats(Layout layout, const Raster *sources, Raster destination, Size size)
 {
-    constexpr LayoutKernels<AbsKernel> kernels = ORV_LAYOUT_KERNELS(krnAbs32f);
+    constexpr LayoutKernels<CopyKernel> kernels = ORV_LAYOUT_KERNELS(krnAbs32f);
     kernels[layout](sources->data, sources->step, destination.data, destination.step, size.width, size.height);
 }
 

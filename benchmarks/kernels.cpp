@@ -6,7 +6,7 @@
 namespace bench {
 namespace {
 
-Case toFloat(const char *name, const orv::Kernel<orv::ConvertKernel> &kernel, int depth)
+Case toFloat(const char *name, const orv::Kernel<orv::CopyKernel> &kernel, int depth)
 {
     return {std::string(name) + " C1", [&kernel, depth](int side) {
                 const Image source = image(depth, 1, side), target = image(ORV_DEPTH_32F, 1, side);

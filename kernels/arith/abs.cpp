@@ -1,11 +1,5 @@
-// Magnitude of floats: the sign bit goes, also that of a not-a-number.
-#include <cstddef>
-#include <cstdint>
-
-#if defined(__x86_64__) || defined(__i386__)
-#include <emmintrin.h>
-#endif
-
+// Magnitudes. Integers saturate: the lowest value becomes the highest. Floats lose their sign bit, not-a-numbers too.
+#include "external.h"
 #include "signatures.h"
 
 #include "begin.h"
@@ -13,29 +7,57 @@
 namespace {
 
 #include "rows.h"
-#if ORV_SSE_LEVEL >= 2
 #include "vectors.h"
-#endif
+
 #include "points.h"
 
-struct Magnitude {
+template <class Sample> struct Magnitude {
+    Sample operator()(Sample value) const
+    {
+        const std::int32_t negated = -std::int32_t{value}, top = (1 << (8 * sizeof(Sample) - 1)) - 1;
+        return static_cast<Sample>(value >= 0 ? value : negated < top ? negated : top);
+    }
+};
+template <> inline std::int32_t Magnitude<std::int32_t>::operator()(std::int32_t value) const
+{
+    const std::int32_t sign = value >> 31, magnitude = (value ^ sign) - sign;
+    return magnitude + (magnitude >> 31);
+}
+
+struct FloatMagnitude {
     auto vector(auto bits) const { return bits & 0x7FFFFFFF; }
     std::uint32_t operator()(std::uint32_t bits) const { return bits & 0x7FFFFFFF; }
 };
 
+#if ORV_VECTOR_BYTES > 0
+template <class Sample> inline Vector<Sample> vectorOf(Magnitude<Sample>, Vector<Sample> a)
+{
+    const Vector<Sample> negated = saturatingDifference(Vector<Sample>{}, a);
+    return a > negated ? a : negated;
+}
+inline S16s vectorOf(Magnitude<std::int16_t>, S16s a)
+{
+    return maximum(a, saturatingDifference(S16s{}, a));
+}
+inline S32s vectorOf(Magnitude<std::int32_t>, S32s a)
+{
+    const S32s sign = a >> 31, magnitude = (a ^ sign) - sign;
+    return magnitude + (magnitude >> 31);
+}
+#endif
+
 } // namespace
 
-#define ORV_ABS(layout)                                                                                        \
-    KrnStatus krnAbs32f##layout(const void *source, std::int32_t sourceStep, void *destination,                \
-                                std::int32_t destinationStep, std::int32_t width, std::int32_t height)         \
-    {                                                                                                          \
-        return compute<std::uint32_t, layout>(width, height, Magnitude(), Given{destination, destinationStep}, \
-                                              Given{source, sourceStep});                                      \
+#define ORV_ABS(layout, samples, Sample, Operator)                                          \
+    KRN_KERNEL(CopyKernel, krnAbs##samples##layout)                                         \
+    {                                                                                       \
+        return compute<Sample, layout>(width, height, Operator(), Given{destination, step}, \
+                                       Given{source, sourceStep});                          \
     }
 
-ORV_ABS(C1)
-ORV_ABS(C3)
-ORV_ABS(C4)
-ORV_ABS(AC4)
+ORV_LAYOUTS(ORV_ABS, 8s, std::int8_t, Magnitude<std::int8_t>)
+ORV_LAYOUTS(ORV_ABS, 16s, std::int16_t, Magnitude<std::int16_t>)
+ORV_LAYOUTS(ORV_ABS, 32s, std::int32_t, Magnitude<std::int32_t>)
+ORV_LAYOUTS(ORV_ABS, 32f, std::uint32_t, FloatMagnitude)
 
 #include "end.h"

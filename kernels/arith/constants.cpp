@@ -1,11 +1,5 @@
-// Sums, differences and products of an image and constants, between two rasters and in place.
-#include <cstddef>
-#include <cstdint>
-
-#if defined(__x86_64__) || defined(__i386__)
-#include <smmintrin.h>
-#endif
-
+// Sums, differences and products of an image and constants.
+#include "external.h"
 #include "signatures.h"
 
 #include "begin.h"
@@ -13,9 +7,8 @@
 namespace {
 
 #include "rows.h"
-#if ORV_SSE_LEVEL >= 2
 #include "vectors.h"
-#endif
+
 #include "points.h"
 
 #include "operators.h"
@@ -38,43 +31,22 @@ KrnStatus floatConstants(const void *values, Given<const void *> in, Given<void 
     return computeByChannel<float, layout, float>(values, width, height, make, out, in);
 }
 
-template <class Operator>
-KrnStatus integerRow(const void *source, std::int32_t value, void *destination, std::int32_t length, std::int32_t scale)
-{
-    return withScale<std::int32_t>(scale, [=](auto wrap) {
-        return computeOneRow<std::int32_t>(length, wrap(WithConstant<Operator, std::int32_t>{Operator(), value}),
-                                           destination, source);
-    });
-}
-
 } // namespace
 
 // One channel takes the constant itself, cut to the sample.
-#define ORV_CONSTANT(stem, Sample, Operator)                                                                         \
-    KrnStatus stem##C1(const void *source, std::int32_t sourceStep, std::int32_t value, void *destination,           \
-                       std::int32_t step, std::int32_t width, std::int32_t height, std::int32_t scale)               \
-    {                                                                                                                \
-        const Sample cut = static_cast<Sample>(value);                                                               \
-        return integerConstants<Sample, C1, Operator>(&cut, Given{source, sourceStep}, Given{destination, step},     \
-                                                      width, height, scale);                                         \
-    }                                                                                                                \
-    KrnStatus stem##C1I(std::int32_t value, void *image, std::int32_t step, std::int32_t width, std::int32_t height, \
-                        std::int32_t scale)                                                                          \
-    {                                                                                                                \
-        return stem##C1(image, step, value, image, step, width, height, scale);                                      \
+#define ORV_CONSTANT(stem, Sample, Operator)                                                                     \
+    KRN_KERNEL(ConstantScaledKernel, stem##C1)                                                                   \
+    {                                                                                                            \
+        const Sample cut = static_cast<Sample>(value);                                                           \
+        return integerConstants<Sample, C1, Operator>(&cut, Given{source, sourceStep}, Given{destination, step}, \
+                                                      width, height, scale);                                     \
     }
 
 #define ORV_CONSTANTS(stem, layout, Sample, Operator)                                                                  \
-    KrnStatus stem##layout(const void *source, std::int32_t sourceStep, const void *values, void *destination,         \
-                           std::int32_t step, std::int32_t width, std::int32_t height, std::int32_t scale)             \
+    KRN_KERNEL(ConstantsScaledKernel, stem##layout)                                                                    \
     {                                                                                                                  \
         return integerConstants<Sample, layout, Operator>(values, Given{source, sourceStep}, Given{destination, step}, \
                                                           width, height, scale);                                       \
-    }                                                                                                                  \
-    KrnStatus stem##layout##I(const void *values, void *image, std::int32_t step, std::int32_t width,                  \
-                              std::int32_t height, std::int32_t scale)                                                 \
-    {                                                                                                                  \
-        return stem##layout(image, step, values, image, step, width, height, scale);                                   \
     }
 
 #define ORV_INTEGERS(stem, Sample, Operator)  \
@@ -84,41 +56,29 @@ KrnStatus integerRow(const void *source, std::int32_t value, void *destination, 
     ORV_CONSTANTS(stem, AC4, Sample, Operator)
 
 #define ORV_FLOAT_CONSTANTS(stem, layout, Operator)                                                                 \
-    KrnStatus stem##layout(const void *source, std::int32_t sourceStep, const void *values, void *destination,      \
-                           std::int32_t step, std::int32_t width, std::int32_t height)                              \
+    KRN_KERNEL(ConstantsKernel, stem##layout)                                                                       \
     {                                                                                                               \
         return floatConstants<layout, Operator>(values, Given{source, sourceStep}, Given{destination, step}, width, \
                                                 height);                                                            \
-    }                                                                                                               \
-    KrnStatus stem##layout##I(const void *values, void *image, std::int32_t step, std::int32_t width,               \
-                              std::int32_t height)                                                                  \
-    {                                                                                                               \
-        return stem##layout(image, step, values, image, step, width, height);                                       \
     }
 
-#define ORV_FLOATS(stem, Operator)                                                                                     \
-    KrnStatus stem##C1(const void *source, std::int32_t sourceStep, float value, void *destination, std::int32_t step, \
-                       std::int32_t width, std::int32_t height)                                                        \
-    {                                                                                                                  \
-        return floatConstants<C1, Operator>(&value, Given{source, sourceStep}, Given{destination, step}, width,        \
-                                            height);                                                                   \
-    }                                                                                                                  \
-    KrnStatus stem##C1I(float value, void *image, std::int32_t step, std::int32_t width, std::int32_t height)          \
-    {                                                                                                                  \
-        return stem##C1(image, step, value, image, step, width, height);                                               \
-    }                                                                                                                  \
-    ORV_FLOAT_CONSTANTS(stem, C3, Operator)                                                                            \
-    ORV_FLOAT_CONSTANTS(stem, C4, Operator)                                                                            \
+#define ORV_FLOATS(stem, Operator)                                                                              \
+    KRN_KERNEL(FloatConstantKernel, stem##C1)                                                                   \
+    {                                                                                                           \
+        return floatConstants<C1, Operator>(&value, Given{source, sourceStep}, Given{destination, step}, width, \
+                                            height);                                                            \
+    }                                                                                                           \
+    ORV_FLOAT_CONSTANTS(stem, C3, Operator)                                                                     \
+    ORV_FLOAT_CONSTANTS(stem, C4, Operator)                                                                     \
     ORV_FLOAT_CONSTANTS(stem, AC4, Operator)
 
-#define ORV_INTEGER_ROW(stem, Operator)                                                                                \
-    KrnStatus stem(const void *source, std::int32_t value, void *destination, std::int32_t length, std::int32_t scale) \
-    {                                                                                                                  \
-        return integerRow<Operator>(source, value, destination, length, scale);                                        \
-    }                                                                                                                  \
-    KrnStatus stem##I(std::int32_t value, void *row, std::int32_t length, std::int32_t scale)                          \
-    {                                                                                                                  \
-        return integerRow<Operator>(row, value, row, length, scale);                                                   \
+#define ORV_INTEGER_ROW(name, Operator)                                                                               \
+    KRN_KERNEL(ConstantRowKernel, name)                                                                               \
+    {                                                                                                                 \
+        return withScale<std::int32_t>(scale, [=](auto wrap) {                                                        \
+            return computeOneRow<std::int32_t>(length, wrap(WithConstant<Operator, std::int32_t>{Operator(), value}), \
+                                               destination, source);                                                  \
+        });                                                                                                           \
     }
 
 ORV_INTEGERS(krnAddC8u, std::uint8_t, Sum<std::uint8_t>)
@@ -136,15 +96,10 @@ ORV_INTEGER_ROW(krnSubC32sRow, Difference<std::int32_t>)
 ORV_INTEGER_ROW(krnSubRevC32sRow, Exchanged<Difference<std::int32_t>>)
 ORV_INTEGER_ROW(krnMulC32sRow, Product<std::int32_t>)
 
-KrnStatus krnSubRevC32fRow(const void *source, float value, void *destination, std::int32_t length)
+KRN_KERNEL(FloatConstantRowKernel, krnSubRevC32fRow)
 {
     using Reversed = WithConstant<Exchanged<FloatDifference>, float>;
     return computeOneRow<float>(length, Reversed{{}, value}, destination, source);
-}
-
-KrnStatus krnSubRevC32fRowI(float value, void *row, std::int32_t length)
-{
-    return krnSubRevC32fRow(row, value, row, length);
 }
 
 #include "end.h"

@@ -1,11 +1,5 @@
 // Squares.
-#include <cstddef>
-#include <cstdint>
-
-#if defined(__x86_64__) || defined(__i386__)
-#include <smmintrin.h>
-#endif
-
+#include "external.h"
 #include "signatures.h"
 
 #include "begin.h"
@@ -13,9 +7,8 @@
 namespace {
 
 #include "rows.h"
-#if ORV_SSE_LEVEL >= 2
 #include "vectors.h"
-#endif
+
 #include "points.h"
 
 #include "operators.h"
@@ -34,7 +27,7 @@ struct FloatSquare {
     float operator()(float a) const { return a * a; }
 };
 
-#if ORV_SSE_LEVEL >= 2
+#if ORV_VECTOR_BYTES > 0
 template <class Sample> inline auto vectorOf(Square<Sample>, Vector<Sample> a) requires requires
 {
     vectorOf(Product<Sample>(), a, a);
@@ -42,40 +35,33 @@ template <class Sample> inline auto vectorOf(Square<Sample>, Vector<Sample> a) r
 {
     return vectorOf(Product<Sample>(), a, a);
 }
-inline auto vectorOf(Square<std::uint16_t>, Vector<std::uint16_t> a)
+inline U16s vectorOf(Square<std::uint16_t>, U16s a)
 {
-    const __m128i high = _mm_mulhi_epu16(asIntegers(a), asIntegers(a));
-    const __m128i fits = _mm_cmpeq_epi16(high, _mm_setzero_si128());
-    return a * a | ~asVector<std::uint16_t>(fits);
+    return a * a | as<std::uint16_t>(highProducts(a, a) != 0);
 }
 #endif
 
 } // namespace
 
-#define ORV_SQUARE(name, Sample, layout)                                                                               \
-    KrnStatus name(const void *source, std::int32_t sourceStep, void *destination, std::int32_t destinationStep,       \
-                   std::int32_t width, std::int32_t height, std::int32_t scale)                                        \
-    {                                                                                                                  \
-        return withScale<Sample>(scale, [=](auto wrap) {                                                               \
-            return compute<Sample, layout>(width, height, wrap(Square<Sample>()), Given{destination, destinationStep}, \
-                                           Given{source, sourceStep});                                                 \
-        });                                                                                                            \
+#define ORV_SQUARE(layout, samples, Sample)                                                                 \
+    KRN_KERNEL(UnaryScaledKernel, krnSqr##samples##layout)                                                  \
+    {                                                                                                       \
+        return withScale<Sample>(scale, [=](auto wrap) {                                                    \
+            return compute<Sample, layout>(width, height, wrap(Square<Sample>()), Given{destination, step}, \
+                                           Given{source, sourceStep});                                      \
+        });                                                                                                 \
     }
 
-#define ORV_SQUARE_LAYOUT(layout)                                                                        \
-    ORV_SQUARE(krnSqr8u##layout, std::uint8_t, layout)                                                   \
-    ORV_SQUARE(krnSqr16u##layout, std::uint16_t, layout)                                                 \
-    ORV_SQUARE(krnSqr16s##layout, std::int16_t, layout)                                                  \
-    KrnStatus krnSqr32f##layout(const void *source, std::int32_t sourceStep, void *destination,          \
-                                std::int32_t destinationStep, std::int32_t width, std::int32_t height)   \
-    {                                                                                                    \
-        return compute<float, layout>(width, height, FloatSquare(), Given{destination, destinationStep}, \
-                                      Given{source, sourceStep});                                        \
+#define ORV_FLOAT_SQUARE(layout, stem)                                                        \
+    KRN_KERNEL(CopyKernel, stem##layout)                                                      \
+    {                                                                                         \
+        return compute<float, layout>(width, height, FloatSquare(), Given{destination, step}, \
+                                      Given{source, sourceStep});                             \
     }
 
-ORV_SQUARE_LAYOUT(C1)
-ORV_SQUARE_LAYOUT(C3)
-ORV_SQUARE_LAYOUT(C4)
-ORV_SQUARE_LAYOUT(AC4)
+ORV_LAYOUTS(ORV_SQUARE, 8u, std::uint8_t)
+ORV_LAYOUTS(ORV_SQUARE, 16u, std::uint16_t)
+ORV_LAYOUTS(ORV_SQUARE, 16s, std::int16_t)
+ORV_LAYOUTS(ORV_FLOAT_SQUARE, krnSqr32f)
 
 #include "end.h"

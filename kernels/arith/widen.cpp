@@ -1,11 +1,5 @@
 // Bytes as signed words and back, with saturation.
-#include <cstddef>
-#include <cstdint>
-
-#if defined(__x86_64__) || defined(__i386__)
-#include <smmintrin.h>
-#endif
-
+#include "external.h"
 #include "signatures.h"
 
 #include "begin.h"
@@ -13,9 +7,8 @@
 namespace {
 
 #include "rows.h"
-#if ORV_SSE_LEVEL >= 2
 #include "vectors.h"
-#endif
+
 #include "points.h"
 
 #include "operators.h"
@@ -30,21 +23,14 @@ struct Narrow {
 
 } // namespace
 
-#define ORV_WIDEN(name, Out, In, layout, Operator)                                                               \
-    KrnStatus name(const void *source, std::int32_t sourceStep, void *destination, std::int32_t destinationStep, \
-                   std::int32_t width, std::int32_t height)                                                      \
-    {                                                                                                            \
-        return compute<Out, layout, In>(width, height, Operator(), Given{destination, destinationStep},          \
-                                        Given{source, sourceStep});                                              \
+#define ORV_WIDEN(layout, stem, Out, In, Operator)                                           \
+    KRN_KERNEL(CopyKernel, stem##layout)                                                     \
+    {                                                                                        \
+        return compute<Out, layout, In>(width, height, Operator(), Given{destination, step}, \
+                                        Given{source, sourceStep});                          \
     }
 
-#define ORV_WIDEN_LAYOUT(layout)                                              \
-    ORV_WIDEN(krnCvt8u16s##layout, std::int16_t, std::uint8_t, layout, Widen) \
-    ORV_WIDEN(krnCvt16s8u##layout, std::uint8_t, std::int16_t, layout, Narrow)
-
-ORV_WIDEN_LAYOUT(C1)
-ORV_WIDEN_LAYOUT(C3)
-ORV_WIDEN_LAYOUT(C4)
-ORV_WIDEN_LAYOUT(AC4)
+ORV_LAYOUTS(ORV_WIDEN, krnCvt8u16s, std::int16_t, std::uint8_t, Widen)
+ORV_LAYOUTS(ORV_WIDEN, krnCvt16s8u, std::uint8_t, std::int16_t, Narrow)
 
 #include "end.h"

@@ -36,7 +36,7 @@ KrnStatus pattern(void *destination, std::int32_t step, std::int32_t width, std:
 } // namespace
 
 #define ORV_PATTERN(name, Sample, formula)                                                          \
-    KrnStatus name(void *destination, std::int32_t step, std::int32_t width, std::int32_t height)   \
+    KRN_KERNEL(PatternKernel, name)                                                                 \
     {                                                                                               \
         return pattern<Sample>(destination, step, width, height, [](double s) { return formula; }); \
     }

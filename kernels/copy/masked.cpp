@@ -1,12 +1,5 @@
 // Copies under a byte mask, and the combination of masks.
-#include <cstddef>
-#include <cstdint>
-#include <utility>
-
-#if defined(__x86_64__) || defined(__i386__)
-#include <emmintrin.h>
-#endif
-
+#include "external.h"
 #include "signatures.h"
 
 #include "begin.h"
@@ -14,6 +7,9 @@
 namespace {
 
 #include "rows.h"
+#include "vectors.h"
+
+#include "points.h"
 
 // Every sample is stored, the unselected ones with the value they have: a loop without branches.
 template <class Sample, std::size_t channels, std::size_t moved>
@@ -30,42 +26,54 @@ void copySelected(std::size_t first, std::size_t pixels, const unsigned char *in
     }
 }
 
-#if ORV_SSE_LEVEL >= 4
+#if ORV_SHUFFLES
 
-#include "bytes16.h"
-
-// Masks are made of large areas: sixteen pixels mostly stay or move as a whole.
-template <std::size_t pixelBytes, std::size_t moved, std::size_t... piece>
-inline void copySixteen(const unsigned char *in, Bytes16 select, unsigned char *out, std::index_sequence<piece...>)
+// As many pixels as a vector has bytes. Masks are made of large areas: such pixels mostly stay or move as a whole.
+// Pixels of one byte are not worth the branch: a wrong guess costs more than the copy.
+template <std::size_t pixelBytes, std::size_t moved, std::size_t... number>
+inline void copyVectors(const unsigned char *in, U8s select, unsigned char *out, std::index_sequence<number...>)
 {
-    const unsigned selected = nonZeroBytes(select);
-    if (selected == 0)
-        return;
-    if (selected == 0xFFFF && pixelBytes == moved)
-        (storeBytes(out + 16 * piece, loadBytes(in + 16 * piece)), ...);
-    else
-        (storeBytes(out + 16 * piece, spread<pixelBytes, moved, piece>(select) != 0 ? loadBytes(in + 16 * piece)
-                                                                                    : loadBytes(out + 16 * piece)),
-         ...);
+    constexpr std::size_t step = ORV_VECTOR_BYTES;
+    const U8s unselected = as<std::uint8_t>(select == 0);
+    if constexpr (pixelBytes > 1) {
+        const unsigned bits = bitsOfMask(unselected);
+        if (bits == allBits)
+            return;
+        if (bits == 0 && pixelBytes == moved) {
+            (storeVector<std::uint8_t>(out, step * number, loadVector<std::uint8_t>(in, step * number)), ...);
+            return;
+        }
+    }
+    const auto takenAt = [&]<std::size_t at>(std::integral_constant<std::size_t, at>) {
+        const U8s taken = ~spread<1, pixelBytes, at>(unselected);
+        if constexpr (pixelBytes == moved)
+            return taken;
+        else
+            return taken & movedBits<pixelBytes, moved, at>();
+    };
+    (storeVector<std::uint8_t>(out, step * number,
+                               chosen<std::uint8_t>(takenAt(std::integral_constant<std::size_t, number>()),
+                                                    loadVector<std::uint8_t>(in, step * number),
+                                                    loadVector<std::uint8_t>(out, step * number))),
+     ...);
 }
 
-// Returns how many pixels it has done. Of one-byte pixels none: there a wrong guess costs more than the copy.
+// Returns how many pixels it has done.
 template <std::size_t pixelBytes, std::size_t moved>
-inline std::size_t copySixteens(std::size_t pixels, const unsigned char *in, const unsigned char *select,
-                                unsigned char *out)
+inline std::size_t copyByVectors(std::size_t pixels, const unsigned char *in, const unsigned char *select,
+                                 unsigned char *out)
 {
     std::size_t i = 0;
-    if constexpr (pixelBytes > 1)
-        for (; i + 16 <= pixels; i += 16)
-            copySixteen<pixelBytes, moved>(in + i * pixelBytes, loadBytes(select + i), out + i * pixelBytes,
-                                           std::make_index_sequence<pixelBytes>());
+    for (; i + ORV_VECTOR_BYTES <= pixels; i += ORV_VECTOR_BYTES)
+        copyVectors<pixelBytes, moved>(in + i * pixelBytes, loadVector<std::uint8_t>(select + i), out + i * pixelBytes,
+                                       std::make_index_sequence<pixelBytes>());
     return i;
 }
 
 #else
 
 template <std::size_t, std::size_t>
-inline std::size_t copySixteens(std::size_t, const unsigned char *, const unsigned char *, unsigned char *)
+inline std::size_t copyByVectors(std::size_t, const unsigned char *, const unsigned char *, unsigned char *)
 {
     return 0;
 }
@@ -73,26 +81,30 @@ inline std::size_t copySixteens(std::size_t, const unsigned char *, const unsign
 #endif
 
 template <class Sample, std::size_t channels, std::size_t moved>
-KrnStatus copyMasked(const void *source, std::int32_t sourceStep, void *destination, std::int32_t destinationStep,
-                     std::int32_t width, std::int32_t height, const void *mask, std::int32_t maskStep)
+KrnStatus copyMasked(Given<const void *> source, Given<void *> destination, std::int32_t width, std::int32_t height,
+                     Given<const void *> mask)
 {
     constexpr std::size_t bytes = sizeof(Sample);
     const auto row = [](std::size_t pixels, const unsigned char *in, const unsigned char *select, unsigned char *out) {
-        const std::size_t done = copySixteens<channels * bytes, moved * bytes>(pixels, in, select, out);
+        const std::size_t done = copyByVectors<channels * bytes, moved * bytes>(pixels, in, select, out);
         copySelected<Sample, channels, moved>(done, pixels, in, select, out);
     };
-    return overRows(width, height, row, from(source, sourceStep, channels * bytes), from(mask, maskStep, 1),
-                    to(destination, destinationStep, channels * bytes));
+    return overRows(width, height, row, from(source.data, source.step, channels * bytes), from(mask.data, mask.step, 1),
+                    to(destination.data, destination.step, channels * bytes));
 }
+
+struct And {
+    auto vector(auto a, auto b) const { return a & b; }
+    auto operator()(auto a, auto b) const { return a & b; }
+};
 
 } // namespace
 
-#define ORV_COPY_MASKED(name, Sample, channels, moved)                                                              \
-    KrnStatus name(const void *source, std::int32_t sourceStep, void *destination, std::int32_t destinationStep,    \
-                   std::int32_t width, std::int32_t height, const void *mask, std::int32_t maskStep)                \
-    {                                                                                                               \
-        return copyMasked<Sample, channels, moved>(source, sourceStep, destination, destinationStep, width, height, \
-                                                   mask, maskStep);                                                 \
+#define ORV_COPY_MASKED(name, Sample, channels, moved)                                                       \
+    KRN_KERNEL(CopyMaskedKernel, name)                                                                       \
+    {                                                                                                        \
+        return copyMasked<Sample, channels, moved>({source, sourceStep}, {destination, step}, width, height, \
+                                                   {mask, maskStep});                                        \
     }
 
 #define ORV_COPY_MASKED_LAYOUTS(samples, Sample)              \
@@ -105,15 +117,10 @@ ORV_COPY_MASKED_LAYOUTS(8u, std::uint8_t)
 ORV_COPY_MASKED_LAYOUTS(16u, std::uint16_t)
 ORV_COPY_MASKED_LAYOUTS(32s, std::int32_t)
 
-KrnStatus krnAndMask8u(const void *mask, std::int32_t maskStep, void *accumulator, std::int32_t accumulatorStep,
-                       std::int32_t width, std::int32_t height)
+KRN_KERNEL(AndMaskKernel, krnAndMask8u)
 {
-    const auto row = [](std::size_t pixels, const unsigned char *in, unsigned char *out) {
-        ORV_INDEPENDENT
-        for (std::size_t i = 0; i < pixels; ++i)
-            out[i] = static_cast<unsigned char>(out[i] & in[i]);
-    };
-    return overRows(width, height, row, from(mask, maskStep, 1), to(accumulator, accumulatorStep, 1));
+    return compute<std::uint8_t, C1>(width, height, And(), Given{accumulator, accumulatorStep}, Given{mask, maskStep},
+                                     Given<const void *>{accumulator, accumulatorStep});
 }
 
 #include "end.h"

@@ -14,6 +14,7 @@ namespace orv {
 namespace {
 
 constexpr std::int32_t noCode = 0;
+constexpr int savesRegisters = 27; // of leaf 1, ecx: the operating system has enabled xgetbv
 
 constexpr bool bitOf(std::uint32_t word, int bit)
 {
@@ -136,6 +137,10 @@ ProcessorFacts readProcessorFacts()
     __cpuid(1, facts.leaf1Eax, facts.leaf1Ebx, facts.leaf1Ecx, facts.leaf1Edx);
     if (facts.highestLeaf >= 4)
         __cpuid_count(4, 0, facts.leaf4Eax, ebx, ecx, edx);
+    if (facts.highestLeaf >= 7)
+        __cpuid_count(7, 0, eax, facts.leaf7Ebx, ecx, edx);
+    if (bitOf(facts.leaf1Ecx, savesRegisters))
+        __asm__("xgetbv" : "=a"(facts.xcr0), "=d"(edx) : "c"(0));
 
     constexpr std::uint32_t extended = 0x80000000u;
     __cpuid(extended, eax, ebx, ecx, edx);
@@ -188,6 +193,14 @@ bool hasSse41(const ProcessorFacts &facts)
 bool hasSse42(const ProcessorFacts &facts)
 {
     return bitOf(facts.leaf1Ecx, 20);
+}
+
+bool hasAvx2(const ProcessorFacts &facts)
+{
+    constexpr int avx = 28, avx2 = 5;
+    constexpr std::uint32_t vectorState = 6; // XMM and YMM registers
+    return bitOf(facts.leaf1Ecx, savesRegisters) && (facts.xcr0 & vectorState) == vectorState &&
+           bitOf(facts.leaf1Ecx, avx) && bitOf(facts.leaf7Ebx, avx2);
 }
 
 // The bit alone does not tell: the count of logical processors must be above one, and stands in bits 16 to 23.
@@ -260,6 +273,20 @@ std::int32_t classify(const ProcessorFacts &facts, std::int32_t &index)
     return facts.hasCpuid && isKnownVendor(facts) ? 0 : unknownProcessor;
 }
 
+std::int32_t widestBuild(const ProcessorFacts &facts)
+{
+    bool (*const needs[])(const ProcessorFacts &) = {hasSse, hasSse2, hasSse3, hasSsse3, hasSse41, hasAvx2};
+    if (!facts.hasCpuid || !hasMmx(facts))
+        return 0;
+    std::int32_t build = 0;
+    for (const auto has : needs) {
+        if (!has(facts))
+            break;
+        ++build;
+    }
+    return build;
+}
+
 } // namespace orv
 
 std::int32_t krnClassify(void)
@@ -270,4 +297,17 @@ std::int32_t krnClassify(void)
 std::int32_t krnCpuCode(void)
 {
     return orv::cpuCode(orv::readProcessorFacts());
+}
+
+std::int32_t orvUseBuild(std::int32_t atMost)
+{
+    const std::int32_t widest = orv::widestBuild(orv::readProcessorFacts());
+    krnDispatchIndex = atMost < 0 ? 0 : atMost < widest ? atMost : widest;
+    return krnDispatchIndex;
+}
+
+const char *orvBuildName(std::int32_t build)
+{
+    static const char *const names[orv::kernelBuilds] = {"plain", "SSE", "SSE2", "SSE3", "SSSE3", "SSE4.1", "AVX2"};
+    return build >= 0 && build < orv::kernelBuilds ? names[build] : "unknown";
 }

@@ -3,21 +3,22 @@
 
 #include <cstdint>
 
-// Which of the six builds every kernel runs, 0 to 5. Written by krnClassify alone, read unguarded by every call.
+// Which of the seven builds every kernel runs, 0 to 6. Written by krnClassify and orvUseBuild alone, before any kernel
+// runs, and therefore read unguarded by every call.
 extern "C" {
 #if defined(__GNUC__) && !defined(_WIN32)
-extern __attribute__((visibility("hidden"))) int32_t krnDispatchIndex;
+extern __attribute__((visibility("hidden"))) std::int32_t krnDispatchIndex;
 #else
-extern int32_t krnDispatchIndex;
+extern std::int32_t krnDispatchIndex;
 #endif
 }
 
 namespace orv {
 
-constexpr int kernelBuilds = 6;
+constexpr int kernelBuilds = 7;
 
 // Result of a kernel: a number space of its own, which the application never sees.
-using KrnStatus = int32_t;
+using KrnStatus = std::int32_t;
 
 enum : KrnStatus {
     KRN_OK = 0,
@@ -31,13 +32,16 @@ enum : KrnStatus {
     KRN_ZERO_DIVISOR = -51,
 };
 
-// One row of the table: six builds of one function. Calling the row costs one load and one indirect jump.
-template <class Signature> struct Kernel;
+// One row of the table: seven builds of one function. Calling the row costs one load and one indirect jump.
+template <class Function> struct KernelBuilds;
 
-template <class Result, class... Arguments> struct Kernel<Result(Arguments...)> {
-    Result (*builds[kernelBuilds])(Arguments...);
+template <class Result, class... Parameters> struct KernelBuilds<Result(Parameters...)> {
+    Result (*builds[kernelBuilds])(Parameters...);
 
-    Result operator()(Arguments... arguments) const { return builds[krnDispatchIndex](arguments...); }
+    Result operator()(Parameters... parameters) const { return builds[krnDispatchIndex](parameters...); }
+};
+
+template <class Signature> struct Kernel : KernelBuilds<typename Signature::Function> {
 };
 
 } // namespace orv

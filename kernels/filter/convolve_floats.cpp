@@ -1,12 +1,6 @@
 // Convolution of floats: with a window of coefficients, with a row or with a column of them; and what several of them
 // combine by.
-#include <cstddef>
-#include <cstdint>
-
-#if defined(__x86_64__) || defined(__i386__)
-#include <emmintrin.h>
-#endif
-
+#include "external.h"
 #include "signatures.h"
 
 #include "begin.h"
@@ -14,15 +8,14 @@
 namespace {
 
 #include "rows.h"
-#if ORV_SSE_LEVEL >= 2
 #include "vectors.h"
-#endif
+
 #include "points.h"
 
 #include "windows.h"
 
-// The floating-point unit of 32-bit x86 would add a product with more bits than a float has. Through memory it gives
-// what vectors give.
+// The x87 unit of 32-bit x86 would add a product with more bits than a float has. Through memory it gives what vectors
+// give.
 inline float singleFloat(float value)
 {
 #if defined(__i386__)
@@ -31,76 +24,122 @@ inline float singleFloat(float value)
     return value;
 }
 
-// Sums are taken row by row and from left to right in each lane, so that all vectors give what plain code gives.
+// Sums are taken row by row and from left to right, in each lane of a vector as in plain code.
 struct FloatWindow {
     const void *values;
     Window window;
     std::ptrdiff_t rowBytes, pixelBytes; // of the source
 
-    // Calls tap(offset, value) along the window; its values are walked backwards.
-    template <class Tap> void walk(Tap tap) const
+    // The coefficients are read backwards while the window is read forwards.
+    float at(std::int32_t row, std::int32_t column) const
     {
-        std::size_t place = static_cast<std::size_t>(window.columns) * static_cast<std::size_t>(window.rows);
-        for (std::int32_t row = 0; row < window.rows; ++row)
-            for (std::int32_t column = 0; column < window.columns; ++column)
-                tap(row * rowBytes + column * pixelBytes, load<float>(values, --place));
+        const std::ptrdiff_t place = (std::ptrdiff_t{window.rows} - row) * window.columns - 1 - column;
+        return load<float>(values, static_cast<std::size_t>(place));
+    }
+    std::ptrdiff_t offset(std::int32_t row, std::int32_t column) const { return row * rowBytes + column * pixelBytes; }
+};
+
+#if ORV_VECTOR_BYTES > 0
+// So many vectors of each of two rows that their sums stay in registers.
+#if defined(__x86_64__)
+constexpr std::size_t mostVectors = 4;
+#else
+constexpr std::size_t mostVectors = 1;
+#endif
+
+template <std::size_t vectors> struct FloatSums {
+    Floats sums[vectors] = {};
+
+    void add(std::size_t i, Floats value, float coefficient) { sums[i] += everywhere(coefficient) * value; }
+    void store(unsigned char *out) const
+    {
+        for (std::size_t i = 0; i < vectors; ++i)
+            storeVector<float>(out, i * perVector<float>, sums[i]);
     }
 };
 
-#if ORV_SSE_LEVEL >= 2
-// So many vectors that their sums stay in registers.
-#if defined(__x86_64__)
-constexpr std::size_t mostVectors = 8;
-#else
-constexpr std::size_t mostVectors = 4;
-#endif
-
 template <std::size_t vectors>
-inline void sumBlock(const unsigned char *in, unsigned char *out, const FloatWindow &window)
+inline void sumOneRow(const unsigned char *in, unsigned char *out, const FloatWindow &window)
 {
-    Vector<float> sums[vectors] = {};
-    window.walk([&](std::ptrdiff_t offset, float value) {
-        const Vector<float> by = everywhere(value);
-        for (std::size_t i = 0; i < vectors; ++i)
-            sums[i] += by * loadVector<float>(in + offset, 4 * i);
+    FloatSums<vectors> sums;
+    for (std::int32_t row = 0; row < window.window.rows; ++row)
+        for (std::int32_t column = 0; column < window.window.columns; ++column)
+            for (std::size_t i = 0; i < vectors; ++i)
+                sums.add(i, loadVector<float>(in + window.offset(row, column), i * perVector<float>),
+                         window.at(row, column));
+    sums.store(out);
+}
+
+// Two rows of results at once: a row of the source that the windows of both read is loaded once.
+template <std::size_t vectors>
+inline void sumTwoRows(const unsigned char *in, unsigned char *out, std::ptrdiff_t outStep, const FloatWindow &window)
+{
+    FloatSums<vectors> above, below;
+    const std::int32_t rows = window.window.rows, columns = window.window.columns;
+    const auto overRow = [&](std::int32_t row, auto take) {
+        for (std::int32_t column = 0; column < columns; ++column)
+            for (std::size_t i = 0; i < vectors; ++i)
+                take(i, loadVectorOnce<float>(in + window.offset(row, column), i * perVector<float>), column);
+    };
+    overRow(0, [&](std::size_t i, Floats value, std::int32_t column) { above.add(i, value, window.at(0, column)); });
+    for (std::int32_t row = 1; row < rows; ++row)
+        overRow(row, [&](std::size_t i, Floats value, std::int32_t column) {
+            above.add(i, value, window.at(row, column));
+            below.add(i, value, window.at(row - 1, column));
+        });
+    overRow(rows, [&](std::size_t i, Floats value, std::int32_t column) {
+        below.add(i, value, window.at(rows - 1, column));
     });
-    for (std::size_t i = 0; i < vectors; ++i)
-        storeVector<float>(out, 4 * i, sums[i]);
-}
-
-template <std::size_t vectors>
-inline void sumBlocks(std::size_t samples, const unsigned char *in, unsigned char *out, const FloatWindow &window)
-{
-    overBlocks<float, 4 * vectors>(
-        samples, in, out, [&](const unsigned char *from, unsigned char *to) { sumBlock<vectors>(from, to, window); });
+    above.store(out);
+    below.store(out + outStep);
 }
 #endif
 
-void sumRow(std::size_t samples, const unsigned char *in, unsigned char *out, const FloatWindow &window)
+void sumPlainly(std::size_t samples, const unsigned char *in, unsigned char *out, const FloatWindow &window)
 {
-#if ORV_SSE_LEVEL >= 2
-    if (samples >= 4 * mostVectors)
-        return sumBlocks<mostVectors>(samples, in, out, window);
-    if (samples >= 4)
-        return sumBlocks<1>(samples, in, out, window);
-#endif
     constexpr std::size_t most = 64;
     for (std::size_t i = 0; i < samples; i += most) {
         const std::size_t some = samples - i < most ? samples - i : most;
         float sums[most] = {};
-        window.walk([&](std::ptrdiff_t offset, float value) {
-            const unsigned char *tap = in + i * sizeof(float) + offset;
-            ORV_INDEPENDENT
-            for (std::size_t j = 0; j < some; ++j)
-                sums[j] += singleFloat(value * load<float>(tap, j));
-        });
+        for (std::int32_t row = 0; row < window.window.rows; ++row)
+            for (std::int32_t column = 0; column < window.window.columns; ++column) {
+                const unsigned char *tap = in + i * sizeof(float) + window.offset(row, column);
+                const float value = window.at(row, column);
+                ORV_INDEPENDENT
+                for (std::size_t j = 0; j < some; ++j)
+                    sums[j] += singleFloat(value * load<float>(tap, j));
+            }
         __builtin_memcpy(out + i * sizeof(float), sums, some * sizeof(float));
     }
 }
 
-template <std::size_t layout>
-KrnStatus convolve(Given<const void *> source, Given<void *> destination, std::int32_t width, std::int32_t height,
-                   const void *values, const Window &given)
+// One row of results or two, `outStep` bytes from each other.
+void sumRows(std::size_t rows, std::size_t samples, const unsigned char *in, unsigned char *out, std::ptrdiff_t outStep,
+             const FloatWindow &window)
+{
+#if ORV_VECTOR_BYTES > 0
+    const auto sum = [&]<std::size_t vectors>(std::integral_constant<std::size_t, vectors>) {
+        const auto one = [&](const unsigned char *from, unsigned char *to) { sumOneRow<vectors>(from, to, window); };
+        const auto two = [&](const unsigned char *from, unsigned char *to) {
+            sumTwoRows<vectors>(from, to, outStep, window);
+        };
+        if (rows == 1)
+            overBlocks<float, vectors * perVector<float>, float>(samples, in, out, one);
+        else
+            overBlocks<float, vectors * perVector<float>, float>(samples, in, out, two);
+    };
+    if (samples >= mostVectors * perVector<float>)
+        return sum(std::integral_constant<std::size_t, mostVectors>());
+    if (samples >= perVector<float>)
+        return sum(std::integral_constant<std::size_t, 1>());
+#endif
+    for (std::size_t row = 0; row < rows; ++row)
+        sumPlainly(samples, in + static_cast<std::ptrdiff_t>(row) * window.rowBytes,
+                   out + static_cast<std::ptrdiff_t>(row) * outStep, window);
+}
+
+[[gnu::noinline]] KrnStatus convolve(std::size_t layout, Given<const void *> source, Given<void *> destination,
+                                     std::int32_t width, std::int32_t height, const void *values, const Window &given)
 {
     if (values == nullptr)
         return KRN_NULL_POINTER;
@@ -108,11 +147,19 @@ KrnStatus convolve(Given<const void *> source, Given<void *> destination, std::i
     const KrnStatus status = checkWindow(source, destination, width, height, window);
     if (status != KRN_OK)
         return status;
-    const FloatWindow taps = {values, window, source.step,
-                              static_cast<std::ptrdiff_t>(samplesOf(layout) * sizeof(float))};
-    return overWindows<float, layout>(
-        source, destination, width, height, window,
-        [&taps](std::size_t samples, const unsigned char *in, unsigned char *out) { sumRow(samples, in, out, taps); });
+    const std::size_t pixelBytes = samplesOf(layout) * sizeof(float);
+    const FloatWindow taps = {values, window, source.step, static_cast<std::ptrdiff_t>(pixelBytes)};
+    if (layout == AC4)
+        return overWindows<float, float>(layout, source, destination, width, height, window,
+                                         [&taps](std::size_t samples, const unsigned char *in, unsigned char *out) {
+                                             sumRows(1, samples, in, out, 0, taps);
+                                         });
+    const std::size_t samples = static_cast<std::size_t>(width) * samplesOf(layout);
+    const auto in = from(firstOf(source, window, pixelBytes), source.step, pixelBytes);
+    const auto out = to(destination.data, destination.step, pixelBytes);
+    for (std::int32_t y = 0; y < height; y += 2)
+        sumRows(y + 1 < height ? 2 : 1, samples, rowOf(in, y), rowOf(out, y), out.step, taps);
+    return KRN_OK;
 }
 
 struct Lower {
@@ -125,51 +172,55 @@ struct Root {
     float operator()(float a) const { return __builtin_sqrtf(a); }
 };
 
+#if ORV_VECTOR_BYTES > 0
+inline Floats vectorOf(Lower, Floats a, Floats b)
+{
+    return minimum(a, b);
+}
+inline Floats vectorOf(Higher, Floats a, Floats b)
+{
+    return maximum(a, b);
+}
+inline Floats vectorOf(Root, Floats a)
+{
+    return squareRoot(a);
+}
+#endif
+
 } // namespace
 
-#define ORV_CONVOLVE(layout)                                                                                   \
-    KrnStatus krnConvolve32f##layout(const void *source, std::int32_t sourceStep, void *destination,           \
-                                     std::int32_t destinationStep, std::int32_t width, std::int32_t height,    \
-                                     const void *values, std::int32_t columns, std::int32_t rows,              \
-                                     std::int32_t anchorX, std::int32_t anchorY)                               \
-    {                                                                                                          \
-        return convolve<layout>({source, sourceStep}, {destination, destinationStep}, width, height, values,   \
-                                {columns, rows, anchorX, anchorY});                                            \
-    }                                                                                                          \
-    KrnStatus krnConvolveRow32f##layout(const void *source, std::int32_t sourceStep, void *destination,        \
-                                        std::int32_t destinationStep, std::int32_t width, std::int32_t height, \
-                                        const void *values, std::int32_t size, std::int32_t anchor)            \
-    {                                                                                                          \
-        return convolve<layout>({source, sourceStep}, {destination, destinationStep}, width, height, values,   \
-                                {size, 1, anchor, 0});                                                         \
-    }                                                                                                          \
-    KrnStatus krnConvolveCol32f##layout(const void *source, std::int32_t sourceStep, void *destination,        \
-                                        std::int32_t destinationStep, std::int32_t width, std::int32_t height, \
-                                        const void *values, std::int32_t size, std::int32_t anchor)            \
-    {                                                                                                          \
-        return convolve<layout>({source, sourceStep}, {destination, destinationStep}, width, height, values,   \
-                                {1, size, 0, anchor});                                                         \
+#define ORV_CONVOLVE(layout, ...)                                                                 \
+    KRN_KERNEL(ConvolveFloatsKernel, krnConvolve32f##layout)                                      \
+    {                                                                                             \
+        return convolve(layout, {source, sourceStep}, {destination, step}, width, height, values, \
+                        {columns, rows, anchorX, anchorY});                                       \
+    }                                                                                             \
+    KRN_KERNEL(SumLineKernel, krnConvolveRow32f##layout)                                          \
+    {                                                                                             \
+        return convolve(layout, {source, sourceStep}, {destination, step}, width, height, values, \
+                        {size, 1, anchor, 0});                                                    \
+    }                                                                                             \
+    KRN_KERNEL(SumLineKernel, krnConvolveCol32f##layout)                                          \
+    {                                                                                             \
+        return convolve(layout, {source, sourceStep}, {destination, step}, width, height, values, \
+                        {1, size, 0, anchor});                                                    \
     }
 
-ORV_CONVOLVE(C1)
-ORV_CONVOLVE(C3)
-ORV_CONVOLVE(C4)
-ORV_CONVOLVE(AC4)
+ORV_LAYOUTS(ORV_CONVOLVE, )
 
-KrnStatus krnMinRow32f(const void *source1, const void *source2, void *destination, std::int32_t length)
+KRN_KERNEL(FloatPairRowKernel, krnMinRow32f)
 {
     return computeOneRow<float>(length, Lower(), destination, source1, source2);
 }
 
-KrnStatus krnMaxRow32f(const void *source1, const void *source2, void *destination, std::int32_t length)
+KRN_KERNEL(FloatPairRowKernel, krnMaxRow32f)
 {
     return computeOneRow<float>(length, Higher(), destination, source1, source2);
 }
 
-KrnStatus krnSqrt32fC1(const void *source, std::int32_t sourceStep, void *destination, std::int32_t destinationStep,
-                       std::int32_t width, std::int32_t height)
+KRN_KERNEL(CopyKernel, krnSqrt32fC1)
 {
-    return compute<float, C1>(width, height, Root(), Given{destination, destinationStep}, Given{source, sourceStep});
+    return compute<float, C1>(width, height, Root(), Given{destination, step}, Given{source, sourceStep});
 }
 
 #include "end.h"

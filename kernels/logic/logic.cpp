@@ -1,11 +1,5 @@
 // Bitwise operations, by the width of a sample.
-#include <cstddef>
-#include <cstdint>
-
-#if defined(__x86_64__) || defined(__i386__)
-#include <smmintrin.h>
-#endif
-
+#include "external.h"
 #include "signatures.h"
 
 #include "begin.h"
@@ -13,9 +7,8 @@
 namespace {
 
 #include "rows.h"
-#if ORV_SSE_LEVEL >= 2
 #include "vectors.h"
-#endif
+
 #include "points.h"
 
 #include "operators.h"
@@ -34,46 +27,40 @@ struct Xor {
 };
 
 template <class Sample, std::size_t layout, class Operator>
-KrnStatus constants(const void *source, std::int32_t sourceStep, const void *values, void *destination,
-                    std::int32_t step, std::int32_t width, std::int32_t height)
+KrnStatus constants(const void *values, Given<const void *> in, Given<void *> out, std::int32_t width,
+                    std::int32_t height)
 {
     const auto make = [](Sample value) { return WithConstant<Operator, Sample>{{}, value}; };
-    return computeByChannel<Sample, layout, Sample>(values, width, height, make, Given{destination, step},
-                                                    Given{source, sourceStep});
+    return computeByChannel<Sample, layout, Sample>(values, width, height, make, out, in);
 }
 
 } // namespace
 
-#define ORV_IMAGES(name, Sample, layout, Operator)                                                                 \
-    KrnStatus name(const void *source1, std::int32_t step1, const void *source2, std::int32_t step2,               \
-                   void *destination, std::int32_t step, std::int32_t width, std::int32_t height)                  \
+#define ORV_IMAGES(layout, stem, Sample, Operator)                                                                 \
+    KRN_KERNEL(BinaryKernel, stem##layout)                                                                         \
     {                                                                                                              \
         return compute<Sample, layout>(width, height, Operator(), Given{destination, step}, Given{source1, step1}, \
                                        Given{source2, step2});                                                     \
     }
 
-#define ORV_CONSTANTS(name, Sample, layout, Operator)                                                             \
-    KrnStatus name(const void *source, std::int32_t sourceStep, const void *values, void *destination,            \
-                   std::int32_t step, std::int32_t width, std::int32_t height)                                    \
-    {                                                                                                             \
-        return constants<Sample, layout, Operator>(source, sourceStep, values, destination, step, width, height); \
+#define ORV_CONSTANTS(name, layout, Sample, Operator)                                                                  \
+    KRN_KERNEL(ConstantsKernel, name)                                                                                  \
+    {                                                                                                                  \
+        return constants<Sample, layout, Operator>(values, Given{source, sourceStep}, Given{destination, step}, width, \
+                                                   height);                                                            \
     }
 
-#define ORV_LOGIC(Operator, samples, Sample)                                                                 \
-    ORV_IMAGES(krn##Operator##samples##C1, Sample, C1, Operator)                                             \
-    ORV_IMAGES(krn##Operator##samples##C3, Sample, C3, Operator)                                             \
-    ORV_IMAGES(krn##Operator##samples##C4, Sample, C4, Operator)                                             \
-    ORV_IMAGES(krn##Operator##samples##AC4, Sample, AC4, Operator)                                           \
-    KrnStatus krn##Operator##C##samples##C1(const void *source, std::int32_t sourceStep, std::int32_t value, \
-                                            void *destination, std::int32_t step, std::int32_t width,        \
-                                            std::int32_t height)                                             \
-    {                                                                                                        \
-        const Sample cut = static_cast<Sample>(value);                                                       \
-        return constants<Sample, C1, Operator>(source, sourceStep, &cut, destination, step, width, height);  \
-    }                                                                                                        \
-    ORV_CONSTANTS(krn##Operator##C##samples##C3, Sample, C3, Operator)                                       \
-    ORV_CONSTANTS(krn##Operator##C##samples##C4, Sample, C4, Operator)                                       \
-    ORV_CONSTANTS(krn##Operator##C##samples##AC4, Sample, AC4, Operator)
+#define ORV_LOGIC(Operator, samples, Sample)                                                                     \
+    ORV_LAYOUTS(ORV_IMAGES, krn##Operator##samples, Sample, Operator)                                            \
+    KRN_KERNEL(ConstantKernel, krn##Operator##C##samples##C1)                                                    \
+    {                                                                                                            \
+        const Sample cut = static_cast<Sample>(value);                                                           \
+        return constants<Sample, C1, Operator>(&cut, Given{source, sourceStep}, Given{destination, step}, width, \
+                                               height);                                                          \
+    }                                                                                                            \
+    ORV_CONSTANTS(krn##Operator##C##samples##C3, C3, Sample, Operator)                                           \
+    ORV_CONSTANTS(krn##Operator##C##samples##C4, C4, Sample, Operator)                                           \
+    ORV_CONSTANTS(krn##Operator##C##samples##AC4, AC4, Sample, Operator)
 
 ORV_LOGIC(And, 8u, std::uint8_t)
 ORV_LOGIC(And, 16u, std::uint16_t)

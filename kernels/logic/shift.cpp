@@ -1,11 +1,5 @@
 // Shifts by a count of bits: to the left by the width of a sample, to the right by its type.
-#include <cstddef>
-#include <cstdint>
-
-#if defined(__x86_64__) || defined(__i386__)
-#include <smmintrin.h>
-#endif
-
+#include "external.h"
 #include "signatures.h"
 
 #include "begin.h"
@@ -13,9 +7,8 @@
 namespace {
 
 #include "rows.h"
-#if ORV_SSE_LEVEL >= 2
 #include "vectors.h"
-#endif
+
 #include "points.h"
 
 #include "operators.h"
@@ -64,87 +57,69 @@ template <> inline std::int8_t ShiftRight<std::int8_t>::operator()(std::int8_t v
     return static_cast<std::int8_t>((bits ^ sign) - sign);
 }
 
-#if ORV_SSE_LEVEL >= 2
+#if ORV_VECTOR_BYTES > 0
 
-// The instructions shift words at the least: bytes are shifted as words, and rid of the bits of their neighbour. Their
-// counts saturate as the operators' do.
-inline __m128i shiftCount(std::uint32_t count)
+inline U8s everyByte(std::uint32_t byte)
 {
-    return _mm_cvtsi32_si128(static_cast<int>(count < 64 ? count : 64));
-}
-inline __m128i everyByte(unsigned byte)
-{
-    return _mm_set1_epi8(static_cast<char>(byte));
+    return everywhere(static_cast<std::uint8_t>(byte));
 }
 
-inline auto vectorOf(ShiftLeft<std::uint8_t> shift, Vector<std::uint8_t> a)
+// The instructions shift words at the least: bytes are shifted as words, and lose the bits of their neighbour.
+inline U8s vectorOf(ShiftLeft<std::uint8_t> shift, U8s a)
 {
-    const __m128i words = _mm_sll_epi16(asIntegers(a), shiftCount(shift.count));
-    return asVector<std::uint8_t>(_mm_and_si128(words, everyByte(shift.count < 8 ? 0xFFu << shift.count : 0)));
+    const U16s words = shiftedLeft(as<std::uint16_t>(a), ShiftCount(shift.count));
+    return as<std::uint8_t>(words) & everyByte(shift.count < 8 ? 0xFFu << shift.count : 0);
 }
-inline auto vectorOf(ShiftLeft<std::uint16_t> shift, Vector<std::uint16_t> a)
+inline U16s vectorOf(ShiftLeft<std::uint16_t> shift, U16s a)
 {
-    return asVector<std::uint16_t>(_mm_sll_epi16(asIntegers(a), shiftCount(shift.count)));
+    return shiftedLeft(a, ShiftCount(shift.count));
 }
-inline auto vectorOf(ShiftLeft<std::int32_t> shift, Vector<std::int32_t> a)
+inline S32s vectorOf(ShiftLeft<std::int32_t> shift, S32s a)
 {
-    return asVector<std::int32_t>(_mm_sll_epi32(asIntegers(a), shiftCount(shift.count)));
+    return shiftedLeft(a, ShiftCount(shift.count));
 }
-inline __m128i shiftedBytes(std::uint32_t count, __m128i bytes)
+inline U8s vectorOf(ShiftRight<std::uint8_t> shift, U8s a)
 {
-    return _mm_and_si128(_mm_srl_epi16(bytes, shiftCount(count)), everyByte(count < 8 ? 0xFFu >> count : 0));
+    const U16s words = shiftedRight(as<std::uint16_t>(a), ShiftCount(shift.count));
+    return as<std::uint8_t>(words) & everyByte(shift.count < 8 ? 0xFFu >> shift.count : 0);
 }
-inline auto vectorOf(ShiftRight<std::uint8_t> shift, Vector<std::uint8_t> a)
-{
-    return asVector<std::uint8_t>(shiftedBytes(shift.count, asIntegers(a)));
-}
-inline auto vectorOf(ShiftRight<std::int8_t> shift, Vector<std::int8_t> a)
+inline S8s vectorOf(ShiftRight<std::int8_t> shift, S8s a)
 {
     const std::uint32_t count = shift.count < 7 ? shift.count : 7;
-    const __m128i sign = everyByte(0x80u >> count);
-    return asVector<std::int8_t>(_mm_sub_epi8(_mm_xor_si128(shiftedBytes(count, asIntegers(a)), sign), sign));
+    const U8s sign = everyByte(0x80u >> count);
+    const U8s bits = vectorOf(ShiftRight<std::uint8_t>{count}, as<std::uint8_t>(a));
+    return as<std::int8_t>((bits ^ sign) - sign);
 }
-inline auto vectorOf(ShiftRight<std::uint16_t> shift, Vector<std::uint16_t> a)
+template <class Sample> inline Vector<Sample> vectorOf(ShiftRight<Sample> shift, Vector<Sample> a)
 {
-    return asVector<std::uint16_t>(_mm_srl_epi16(asIntegers(a), shiftCount(shift.count)));
-}
-inline auto vectorOf(ShiftRight<std::int16_t> shift, Vector<std::int16_t> a)
-{
-    return asVector<std::int16_t>(_mm_sra_epi16(asIntegers(a), shiftCount(shift.count)));
-}
-inline auto vectorOf(ShiftRight<std::int32_t> shift, Vector<std::int32_t> a)
-{
-    return asVector<std::int32_t>(_mm_sra_epi32(asIntegers(a), shiftCount(shift.count)));
+    return shiftedRight(a, ShiftCount(shift.count));
 }
 
 #endif
 
 template <class Sample, std::size_t layout, template <class> class Shift>
-KrnStatus shifts(const void *source, std::int32_t sourceStep, const void *counts, void *destination, std::int32_t step,
-                 std::int32_t width, std::int32_t height)
+KrnStatus shifts(const void *counts, Given<const void *> in, Given<void *> out, std::int32_t width, std::int32_t height)
 {
     const auto make = [](std::uint32_t count) { return Shift<Sample>{count}; };
-    return computeByChannel<Sample, layout, std::uint32_t>(counts, width, height, make, Given{destination, step},
-                                                           Given{source, sourceStep});
+    return computeByChannel<Sample, layout, std::uint32_t>(counts, width, height, make, out, in);
 }
 
 } // namespace
 
-#define ORV_SHIFTS(stem, layout, Sample, Shift)                                                                \
-    KrnStatus stem##layout(const void *source, std::int32_t sourceStep, const void *counts, void *destination, \
-                           std::int32_t step, std::int32_t width, std::int32_t height)                         \
-    {                                                                                                          \
-        return shifts<Sample, layout, Shift>(source, sourceStep, counts, destination, step, width, height);    \
+#define ORV_SHIFTS(stem, layout, Sample, Shift)                                                                  \
+    KRN_KERNEL(ConstantsKernel, stem##layout)                                                                    \
+    {                                                                                                            \
+        return shifts<Sample, layout, Shift>(values, Given{source, sourceStep}, Given{destination, step}, width, \
+                                             height);                                                            \
     }
 
-#define ORV_SHIFT(stem, Sample, Shift)                                                                     \
-    KrnStatus stem##C1(const void *source, std::int32_t sourceStep, std::int32_t count, void *destination, \
-                       std::int32_t step, std::int32_t width, std::int32_t height)                         \
-    {                                                                                                      \
-        return shifts<Sample, C1, Shift>(source, sourceStep, &count, destination, step, width, height);    \
-    }                                                                                                      \
-    ORV_SHIFTS(stem, C3, Sample, Shift)                                                                    \
-    ORV_SHIFTS(stem, C4, Sample, Shift)                                                                    \
+#define ORV_SHIFT(stem, Sample, Shift)                                                                                \
+    KRN_KERNEL(ConstantKernel, stem##C1)                                                                              \
+    {                                                                                                                 \
+        return shifts<Sample, C1, Shift>(&value, Given{source, sourceStep}, Given{destination, step}, width, height); \
+    }                                                                                                                 \
+    ORV_SHIFTS(stem, C3, Sample, Shift)                                                                               \
+    ORV_SHIFTS(stem, C4, Sample, Shift)                                                                               \
     ORV_SHIFTS(stem, AC4, Sample, Shift)
 
 ORV_SHIFT(krnLShiftC8u, std::uint8_t, ShiftLeft)

@@ -1,4 +1,4 @@
-// The control word of the vector unit. To be included as bytes16.h is.
+// The control word of the vector unit. To be included as vectors.h is.
 
 constexpr unsigned mxcsrRoundMask = 0x6000;
 constexpr unsigned mxcsrNearest = 0;

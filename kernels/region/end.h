@@ -3,10 +3,8 @@
 } // namespace slotN
 } // namespace orv
 
-#if ORV_SSE_LEVEL > 0
-#if defined(__clang__)
+// GCC compiles lambdas of templates where these are instantiated, at the end of the source: its target pragma stays on,
+// and nothing may follow.
+#if defined(ORV_REGION_TARGET_1) && defined(__clang__)
 #pragma clang attribute pop
-#else
-#pragma GCC pop_options
-#endif
 #endif

@@ -1,5 +1,5 @@
 // Arithmetic on samples, for the kernels of points.h. Each integer operator knows the exact result, from which the
-// scaled forms follow, and the saturated one. To be included as points.h is, after it.
+// scaled forms follow, and the saturated one. To be included after points.h.
 
 template <class Sample> constexpr bool isSigned = static_cast<Sample>(-1) < static_cast<Sample>(1);
 template <class Sample> constexpr std::int64_t topOf = (std::int64_t{1} << (8 * sizeof(Sample) - isSigned<Sample>)) - 1;
@@ -24,9 +24,9 @@ template <class Sample, class Value> inline Sample saturated(Value value)
     return static_cast<Sample>(value > bottom ? value : bottom);
 }
 
-// Sums and differences of signed samples wrap, and are put right where they did. In the width of the sample and without
+// Sums and differences of signed samples wrap, and are corrected where they did. In the width of the sample and without
 // branches, so that the compiler's vectors hold as many of them as they can.
-template <class Sample> inline Sample chosen(Sample mask, Sample yes, Sample no)
+template <class Sample> inline Sample chosenSample(Sample mask, Sample yes, Sample no)
 {
     return static_cast<Sample>((yes & mask) | (no & ~mask));
 }
@@ -43,13 +43,13 @@ template <class Sample> inline Sample saturatingSum(Sample a, Sample b)
 {
     const Sample sum = static_cast<Sample>(a + b);
     const Sample wrapped = signMask(static_cast<Sample>((a ^ sum) & (b ^ sum)));
-    return chosen(wrapped, saturatedTowards(a), sum);
+    return chosenSample(wrapped, saturatedTowards(a), sum);
 }
 template <class Sample> inline Sample saturatingDifference(Sample a, Sample b)
 {
     const Sample difference = static_cast<Sample>(a - b);
     const Sample wrapped = signMask(static_cast<Sample>((a ^ b) & (a ^ difference)));
-    return chosen(wrapped, saturatedTowards(a), difference);
+    return chosenSample(wrapped, saturatedTowards(a), difference);
 }
 
 template <class Sample> struct Sum {
@@ -115,7 +115,7 @@ template <> inline std::int16_t Product<std::int16_t>::operator()(std::int16_t a
     const std::int32_t product = std::int32_t{a} * b;
     const std::int16_t low = static_cast<std::int16_t>(product), high = static_cast<std::int16_t>(product >> 16);
     const std::int16_t wrapped = static_cast<std::int16_t>(-(high != signMask(low)));
-    return chosen(wrapped, saturatedTowards(high), low);
+    return chosenSample(wrapped, saturatedTowards(high), low);
 }
 template <> inline std::int32_t Product<std::int32_t>::operator()(std::int32_t a, std::int32_t b) const
 {
@@ -125,68 +125,63 @@ template <> inline std::int32_t Product<std::int32_t>::operator()(std::int32_t a
 }
 
 // The operators by vectors.
-#if ORV_SSE_LEVEL >= 2
+#if ORV_VECTOR_BYTES > 0
 
-inline auto vectorOf(Sum<std::uint8_t>, Vector<std::uint8_t> a, Vector<std::uint8_t> b)
+template <class Sample> inline auto vectorOf(Sum<Sample>, Vector<Sample> a, Vector<Sample> b) requires requires
 {
-    return asVector<std::uint8_t>(_mm_adds_epu8(asIntegers(a), asIntegers(b)));
+    saturatingSum(a, b);
 }
-inline auto vectorOf(Sum<std::int16_t>, Vector<std::int16_t> a, Vector<std::int16_t> b)
 {
-    return asVector<std::int16_t>(_mm_adds_epi16(asIntegers(a), asIntegers(b)));
+    return saturatingSum(a, b);
 }
-inline auto vectorOf(Sum<std::int32_t>, Vector<std::int32_t> a, Vector<std::int32_t> b)
+inline S32s vectorOf(Sum<std::int32_t>, S32s a, S32s b)
 {
-    const Vector<std::int32_t> sum = a + b;
+    const S32s sum = a + b;
     return ((a ^ sum) & (b ^ sum)) < 0 ? (a >> 31) ^ 0x7FFFFFFF : sum;
 }
 
-inline auto vectorOf(Difference<std::uint8_t>, Vector<std::uint8_t> a, Vector<std::uint8_t> b)
+template <class Sample> inline auto vectorOf(Difference<Sample>, Vector<Sample> a, Vector<Sample> b) requires requires
 {
-    return asVector<std::uint8_t>(_mm_subs_epu8(asIntegers(a), asIntegers(b)));
+    saturatingDifference(a, b);
 }
-inline auto vectorOf(Difference<std::int16_t>, Vector<std::int16_t> a, Vector<std::int16_t> b)
 {
-    return asVector<std::int16_t>(_mm_subs_epi16(asIntegers(a), asIntegers(b)));
+    return saturatingDifference(a, b);
 }
-inline auto vectorOf(Difference<std::int32_t>, Vector<std::int32_t> a, Vector<std::int32_t> b)
+inline S32s vectorOf(Difference<std::int32_t>, S32s a, S32s b)
 {
-    const Vector<std::int32_t> difference = a - b;
+    const S32s difference = a - b;
     return ((a ^ b) & (a ^ difference)) < 0 ? (a >> 31) ^ 0x7FFFFFFF : difference;
 }
 
-// Products of bytes fill a word without a sign. The pack takes words with one, so those beyond it are turned into
+// Products of bytes fill a word without a sign. packed() takes signed words, so those beyond its range are turned into
 // others that it saturates too.
-inline __m128i byteProducts(__m128i a, __m128i b)
+inline S16s byteProducts(U8s a, U8s b)
 {
-    const __m128i product = _mm_mullo_epi16(a, b);
-#if ORV_SSE_LEVEL >= 5
-    return _mm_min_epu16(product, _mm_set1_epi16(255));
+    const U16s products = as<std::uint16_t>(a) * as<std::uint16_t>(b);
+#if ORV_SSE41
+    return as<std::int16_t>(minimum(products, everywhere<std::uint16_t>(255)));
 #else
-    return _mm_xor_si128(product, _mm_srai_epi16(product, 15));
+    return as<std::int16_t>(products) ^ (as<std::int16_t>(products) >> 15);
 #endif
 }
-inline auto vectorOf(Product<std::uint8_t>, Vector<std::uint8_t> a, Vector<std::uint8_t> b)
+inline U8s vectorOf(Product<std::uint8_t>, U8s a, U8s b)
 {
-    const __m128i zero = _mm_setzero_si128(), left = asIntegers(a), right = asIntegers(b);
-    return asVector<std::uint8_t>(
-        _mm_packus_epi16(byteProducts(_mm_unpacklo_epi8(left, zero), _mm_unpacklo_epi8(right, zero)),
-                         byteProducts(_mm_unpackhi_epi8(left, zero), _mm_unpackhi_epi8(right, zero))));
+    constexpr U8s zeros = {};
+    return packed<std::uint8_t>(
+        byteProducts(interleaveLow<std::uint8_t>(a, zeros), interleaveLow<std::uint8_t>(b, zeros)),
+        byteProducts(interleaveHigh<std::uint8_t>(a, zeros), interleaveHigh<std::uint8_t>(b, zeros)));
 }
-inline auto vectorOf(Product<std::int16_t>, Vector<std::int16_t> a, Vector<std::int16_t> b)
+inline S16s vectorOf(Product<std::int16_t>, S16s a, S16s b)
 {
-    const __m128i low = _mm_mullo_epi16(asIntegers(a), asIntegers(b)),
-                  high = _mm_mulhi_epi16(asIntegers(a), asIntegers(b));
-    return asVector<std::int16_t>(_mm_packs_epi32(_mm_unpacklo_epi16(low, high), _mm_unpackhi_epi16(low, high)));
+    const S16s low = a * b, high = highProducts(a, b);
+    return packed<std::int16_t>(as<std::int32_t>(interleaveLow<std::int16_t>(low, high)),
+                                as<std::int32_t>(interleaveHigh<std::int16_t>(low, high)));
 }
-#if ORV_SSE_LEVEL >= 5
-inline auto vectorOf(Product<std::int32_t>, Vector<std::int32_t> a, Vector<std::int32_t> b)
+#if ORV_SSE41
+inline S32s vectorOf(Product<std::int32_t>, S32s a, S32s b)
 {
-    const __m128i left = asIntegers(a), right = asIntegers(b);
-    const auto even = asVector<std::int32_t>(_mm_mul_epi32(left, right));
-    const auto odd = asVector<std::int32_t>(_mm_mul_epi32(_mm_srli_epi64(left, 32), _mm_srli_epi64(right, 32)));
-    const Vector<std::int32_t> low = __builtin_shufflevector(even, odd, 0, 4, 2, 6);
-    const Vector<std::int32_t> high = __builtin_shufflevector(even, odd, 1, 5, 3, 7);
+    const S32s even = evenProducts(a, b), odd = evenProducts(oddAsEven(a), oddAsEven(b));
+    const S32s low = evenAndOdd(even, evenAsOdd(odd)), high = evenAndOdd(oddAsEven(even), odd);
     return high == (low >> 31) ? low : ((a ^ b) >> 31) ^ 0x7FFFFFFF;
 }
 #endif
@@ -208,7 +203,7 @@ template <class Operator> struct Exchanged {
     auto operator()(auto a, auto b) const { return operation(b, a); }
 };
 
-#if ORV_SSE_LEVEL >= 2
+#if ORV_VECTOR_BYTES > 0
 template <class Operator> inline auto vectorOf(Exchanged<Operator> exchanged, auto a, auto b) requires requires
 {
     vectorOf(exchanged.operation, b, a);
@@ -226,41 +221,30 @@ inline auto vectorOf(WithConstant<Operator, Sample> with, Vector<Sample> a) requ
 }
 #endif
 
-// The exact result divided by a power of two, rounded to nearest with ties to even, then saturated. A shift of 63 gives
-// 0 for all results that two samples can have.
-template <class Operator, class Sample> struct ScaledDown {
-    Operator operation;
-    std::int32_t shift;
+// The exact result divided by 2 to the power of the scale, rounded to nearest with ties to even, then saturated; a
+// negative scale multiplies. A scale of 63 leaves 0 of all results that two samples can have, and no result but 0 stays
+// in the range when it is multiplied by 2 to the power of 31. Not inlined, and so one code for all operators: the
+// operations pass no scale.
+template <class Sample> [[gnu::noinline]] Sample scaled(std::int64_t exact, std::int32_t scale)
+{
+    if (scale < 0)
+        return saturated<Sample>(std::int64_t{saturated<Sample>(exact)} << (scale > -31 ? -scale : 31));
+    const std::int32_t shift = scale < 63 ? scale : 63;
+    return saturated<Sample>((exact + (std::int64_t{1} << (shift - 1)) - 1 + ((exact >> shift) & 1)) >> shift);
+}
 
-    Sample operator()(auto... samples) const
-    {
-        const std::int64_t value = operation.exact(samples...);
-        return saturated<Sample>((value + (std::int64_t{1} << (shift - 1)) - 1 + ((value >> shift) & 1)) >> shift);
-    }
+template <class Operator, class Sample> struct Scaled {
+    static constexpr bool sampleBySample = true;
+    Operator operation;
+    std::int32_t scale;
+
+    Sample operator()(auto... samples) const { return scaled<Sample>(operation.exact(samples...), scale); }
 };
 
-// The exact result times a power of two, saturated. What saturates before the shift does so after it too.
-template <class Operator, class Sample> struct ScaledUp {
-    Operator operation;
-    std::int32_t shift;
-
-    Sample operator()(auto... samples) const
-    {
-        return saturated<Sample>(std::int64_t{saturated<Sample>(operation.exact(samples...))} << shift);
-    }
-};
-
-// Calls run(wrap), where wrap makes of an operator the one of this scale: results are divided by 2 to the power of the
-// scale. No result of two samples keeps a bit beyond 63 downwards, or one that does not saturate beyond 31 upwards.
+// Calls run(wrap), where wrap makes of an operator the one of this scale.
 template <class Sample, class Run> inline KrnStatus withScale(std::int32_t scale, Run run)
 {
     if (scale == 0)
         return run([](auto operation) { return operation; });
-    if (scale > 0)
-        return run([=](auto operation) {
-            return ScaledDown<decltype(operation), Sample>{operation, scale < 63 ? scale : 63};
-        });
-    return run([=](auto operation) {
-        return ScaledUp<decltype(operation), Sample>{operation, scale > -31 ? -scale : 31};
-    });
+    return run([=](auto operation) { return Scaled<decltype(operation), Sample>{operation, scale}; });
 }

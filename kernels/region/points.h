@@ -1,9 +1,10 @@
 // Kernels that compute each sample from the samples at the same place: a kernel is an operator and a layout. To be
-// included inside the unnamed namespace of a region, after rows.h (and vectors.h, where ORV_SSE_LEVEL is 2 or more).
+// included inside the unnamed namespace of a region, after rows.h and vectors.h.
 //
-// An operator takes one sample of each source. Where there is also a vectorOf(operator, vectors...), that takes sixteen
-// bytes of each, and is what runs in builds with vectors; or a member many(samples, out, in...), which does most of a
-// row and says how many samples that was. Else the compiler makes what it can of the loop.
+// An operator takes one sample of each source. Where vectorOf(operator, vectors...) exists too, builds with vectors run
+// that, and the operator itself on rows shorter than a vector only. An operator may instead have a member many(samples,
+// out, in...), which does most of a row and returns how many samples that was. Else the compiler vectorizes the loop,
+// unless the operator has a member sampleBySample.
 
 // Layouts by their samples a pixel; AC4 leaves every fourth sample as it is.
 enum : std::size_t { C1 = 1, C3 = 3, C4 = 4, AC4 = 0 };
@@ -13,7 +14,15 @@ constexpr std::size_t samplesOf(std::size_t layout)
     return layout == AC4 ? 4 : layout;
 }
 
-#if ORV_SSE_LEVEL >= 2
+// Defines a kernel for each layout.
+#define ORV_LAYOUTS(define, ...) \
+    define(C1, __VA_ARGS__) define(C3, __VA_ARGS__) define(C4, __VA_ARGS__) define(AC4, __VA_ARGS__)
+
+// In a loop that runs for a few samples only: vectors would be code that never runs.
+#define ORV_NOT_VECTORIZED __asm__ volatile("")
+
+#if ORV_VECTOR_BYTES > 0
+
 // An operator whose formula serves numbers and vectors alike has it as a member.
 inline auto vectorOf(auto operation, auto... vectors) requires requires
 {
@@ -22,66 +31,90 @@ inline auto vectorOf(auto operation, auto... vectors) requires requires
 {
     return operation.vector(vectors...);
 }
-#endif
 
-#if ORV_SSE_LEVEL >= 2
-// Long rows of two sources and a destination of its own fill no cache that serves them all. Stores that pass the caches
-// by save the reading of what they overwrite.
-template <class... Source> inline bool worthStreaming(std::size_t bytes, const unsigned char *out, const Source *...in)
+// Long rows with several sources fill no cache that serves them all. Stores past the caches save the reading of what
+// they overwrite.
+constexpr std::size_t longRowBytes = std::size_t{8} << 20;
+
+// Rows by vectors. The last one overlaps its neighbour where vectors do not divide the row. It is computed before
+// anything is written, so that the row may be its own source. The row has at least one vector; finish(result, index)
+// gives what is stored.
+template <class Out, class In, class Operator, class Finish, class... Source>
+inline void computeVectors(std::size_t samples, Operator operation, Finish finish, unsigned char *out,
+                           const Source *...in)
 {
-    constexpr std::size_t longRow = std::size_t{8} << 20;
-    return bytes >= longRow && reinterpret_cast<std::uintptr_t>(out) % 16 == 0 && (... && (in != out));
+    constexpr std::size_t step = perVector<Out>;
+    const auto at = [=](std::size_t i) { return finish(vectorOf(operation, loadVector<In>(in, i)...), i); };
+    const std::size_t tail = samples - step;
+    const auto last = at(tail);
+    std::size_t i = 0;
+    if (sizeof...(in) > 1 && samples * sizeof(Out) >= longRowBytes && onVectorBoundary(out) && (... && (in != out))) {
+        for (; i <= tail; i += step)
+            streamVector<Out>(out, i, at(i));
+        finishStreaming();
+    }
+    ORV_UNROLLED
+    for (; i <= tail; i += step)
+        storeVector<Out>(out, i, at(i));
+    if (i != samples)
+        storeVector<Out>(out, tail, last);
 }
+
 #endif
 
 // Not inlined: the layouts of a kernel share it.
 template <class Out, class In, class Operator, class... Source>
-__attribute__((noinline)) void computeRow(std::size_t samples, Operator operation, unsigned char *out,
-                                          const Source *...in)
+[[gnu::noinline]] void computeRow(std::size_t samples, Operator operation, unsigned char *out, const Source *...in)
 {
     std::size_t i = 0;
-#if ORV_SSE_LEVEL >= 2
-    if constexpr (requires { operation.many(samples, out, in...); }) {
+#if ORV_VECTOR_BYTES > 0
+    constexpr bool byVectors = requires
+    {
+        vectorOf(operation, loadVector<In>(in)...);
+    };
+    if constexpr (byVectors)
+        if (samples >= perVector<Out>)
+            return computeVectors<Out, In>(
+                samples, operation, [](Vector<Out> result, std::size_t) { return result; }, out, in...);
+    if constexpr (requires { operation.many(samples, out, in...); })
         i = operation.many(samples, out, in...);
-    } else if constexpr (requires { vectorOf(operation, loadVector<In>(in, 0)...); }) {
-        if (sizeof...(in) > 1 && worthStreaming(samples * sizeof(Out), out, in...)) {
-            for (; i + 16 / sizeof(Out) <= samples; i += 16 / sizeof(Out))
-                streamVector<Out>(out, i, vectorOf(operation, loadVector<In>(in, i)...));
-            _mm_sfence();
-        }
-        ORV_UNROLLED
-        for (; i + 16 / sizeof(Out) <= samples; i += 16 / sizeof(Out))
-            storeVector<Out>(out, i, vectorOf(operation, loadVector<In>(in, i)...));
-    }
+#else
+    constexpr bool byVectors = false;
 #endif
-    ORV_INDEPENDENT
-    for (; i < samples; ++i)
-        store(out, i, static_cast<Out>(operation(load<In>(in, i)...)));
+    if constexpr (byVectors || requires { operation.sampleBySample; }) {
+        for (; i < samples; ++i) {
+            ORV_NOT_VECTORIZED;
+            store(out, i, static_cast<Out>(operation(load<In>(in, i)...)));
+        }
+    } else {
+        ORV_INDEPENDENT
+        for (; i < samples; ++i)
+            store(out, i, static_cast<Out>(operation(load<In>(in, i)...)));
+    }
 }
 
-// Pixels of four samples, of which the fourth stays: computed all four into a buffer, and moved from there.
+// Pixels of four samples, of which the fourth stays. Without vectors all four are computed into a buffer, and moved
+// from there.
 template <class Out, class In, class Operator, class... Source>
-__attribute__((noinline)) void computeThreeOfFour(std::size_t pixels, Operator operation, unsigned char *out,
-                                                  const Source *...in)
+[[gnu::noinline]] void computeThreeOfFour(std::size_t pixels, Operator operation, unsigned char *out,
+                                          const Source *...in)
 {
-    std::size_t i = 0;
-#if ORV_SSE_LEVEL >= 2
-    if constexpr (requires { vectorOf(operation, loadVector<In>(in, 0)...); }) {
-        constexpr std::size_t lanes = 16 / sizeof(Out);
-        ORV_UNROLLED
-        for (; 4 * i + lanes <= 4 * pixels; i += lanes / 4)
-            storeVector<Out>(
-                out, 4 * i,
-                keepingFourth<Out>(vectorOf(operation, loadVector<In>(in, 4 * i)...), loadVector<Out>(out, 4 * i)));
-    }
+#if ORV_VECTOR_BYTES > 0
+    if constexpr (requires { vectorOf(operation, loadVector<In>(in)...); })
+        if (4 * pixels >= perVector<Out>)
+            return computeVectors<Out, In>(
+                4 * pixels, operation,
+                [out](Vector<Out> result, std::size_t i) {
+                    return keepingFourth<Out>(result, loadVector<Out>(out, i));
+                },
+                out, in...);
 #endif
     constexpr std::size_t most = 128;
     unsigned char buffer[most * 4 * sizeof(Out)];
-    while (i < pixels) {
+    for (std::size_t i = 0; i < pixels; i += most) {
         const std::size_t some = pixels - i < most ? pixels - i : most;
         computeRow<Out, In>(4 * some, operation, buffer, (in + 4 * i * sizeof(In))...);
         moveThreeOfFour<Out>(some, buffer, out + 4 * i * sizeof(Out));
-        i += some;
     }
 }
 
@@ -92,18 +125,28 @@ template <class Pointer> struct Given {
 };
 template <class Pointer> Given(Pointer *, std::int32_t) -> Given<Pointer *>;
 
+// C1, C3 and C4 are one code: pixels of so many samples.
+template <class Out, class In, class Operator, class... Source>
+[[gnu::noinline]] KrnStatus computePixels(std::size_t channels, std::int32_t width, std::int32_t height,
+                                          Operator operation, Given<void *> out, Source... in)
+{
+    const auto row = [=](std::size_t pixels, unsigned char *result, auto *...sources) {
+        computeRow<Out, In>(pixels * channels, operation, result, sources...);
+    };
+    return overRows(width, height, row, to(out.data, out.step, channels * sizeof(Out)),
+                    from(in.data, in.step, channels * sizeof(In))...);
+}
+
 template <class Out, std::size_t layout, class In = Out, class Operator, class... Source>
 inline KrnStatus compute(std::int32_t width, std::int32_t height, Operator operation, Given<void *> out, Source... in)
 {
-    constexpr std::int32_t channels = static_cast<std::int32_t>(samplesOf(layout));
+    if constexpr (layout != AC4)
+        return computePixels<Out, In>(layout, width, height, operation, out, in...);
     const auto row = [=](std::size_t pixels, unsigned char *result, auto *...sources) {
-        if constexpr (layout == AC4)
-            computeThreeOfFour<Out, In>(pixels, operation, result, sources...);
-        else
-            computeRow<Out, In>(pixels * samplesOf(layout), operation, result, sources...);
+        computeThreeOfFour<Out, In>(pixels, operation, result, sources...);
     };
-    return overRows(width, height, row, to(out.data, out.step, channels * static_cast<std::int32_t>(sizeof(Out))),
-                    from(in.data, in.step, channels * static_cast<std::int32_t>(sizeof(In)))...);
+    return overRows(width, height, row, to(out.data, out.step, 4 * sizeof(Out)),
+                    from(in.data, in.step, 4 * sizeof(In))...);
 }
 
 // One row of so many samples.
@@ -119,27 +162,36 @@ inline KrnStatus computeOneRow(std::int32_t length, Operator operation, void *ou
     return KRN_OK;
 }
 
-// One value a channel. Where they are all the same, which is the common case, a pixel is as many samples of the one
-// channel; else the channels are computed one by one.
-template <class Sample, std::size_t layout, class Value, class Make, class... In>
+// Pixels of `channels` samples, of which the first `computed` are computed, each channel by an operator of its own.
+template <class Sample, class Value, class Make>
+[[gnu::noinline]] KrnStatus computeChannels(std::size_t channels, std::size_t computed, const void *values,
+                                            std::int32_t width, std::int32_t height, Make make, Given<void *> out,
+                                            Given<const void *> in)
+{
+    const auto row = [=](std::size_t pixels, unsigned char *result, const unsigned char *source) {
+        for (std::size_t channel = 0; channel < computed; ++channel) {
+            const auto operation = make(load<Value>(values, channel));
+            for (std::size_t i = channel; i < pixels * channels; i += channels) {
+                ORV_NOT_VECTORIZED;
+                store(result, i, static_cast<Sample>(operation(load<Sample>(source, i))));
+            }
+        }
+    };
+    const std::size_t pixelBytes = channels * sizeof(Sample);
+    return overRows(width, height, row, to(out.data, out.step, pixelBytes), from(in.data, in.step, pixelBytes));
+}
+
+// A raster and one value a channel. Where the values are all the same, which is the common case, a pixel is as many
+// samples of one channel.
+template <class Sample, std::size_t layout, class Value, class Make>
 inline KrnStatus computeByChannel(const void *values, std::int32_t width, std::int32_t height, Make make,
-                                  Given<void *> out, In... in)
+                                  Given<void *> out, Given<const void *> in)
 {
     if (values == nullptr)
         return KRN_NULL_POINTER;
-    constexpr std::size_t channels = layout == AC4 ? 3 : layout;
-    bool same = true;
-    for (std::size_t channel = 1; channel < channels; ++channel)
-        same = same && load<Value>(values, channel) == load<Value>(values, 0);
-    if (same)
-        return compute<Sample, layout>(width, height, make(load<Value>(values, 0)), out, in...);
-    constexpr std::int32_t pixelBytes = static_cast<std::int32_t>(samplesOf(layout) * sizeof(Sample));
-    const auto row = [=](std::size_t pixels, unsigned char *result, auto *...sources) {
-        for (std::size_t channel = 0; channel < channels; ++channel) {
-            const auto operation = make(load<Value>(values, channel));
-            for (std::size_t i = channel; i < pixels * samplesOf(layout); i += samplesOf(layout))
-                store(result, i, static_cast<Sample>(operation(load<Sample>(sources, i)...)));
-        }
-    };
-    return overRows(width, height, row, to(out.data, out.step, pixelBytes), from(in.data, in.step, pixelBytes)...);
+    constexpr std::size_t computed = layout == AC4 ? 3 : layout;
+    for (std::size_t channel = 1; channel < computed; ++channel)
+        if (load<Value>(values, channel) != load<Value>(values, 0))
+            return computeChannels<Sample, Value>(samplesOf(layout), computed, values, width, height, make, out, in);
+    return compute<Sample, layout>(width, height, make(load<Value>(values, 0)), out, in);
 }

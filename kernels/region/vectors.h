@@ -1,28 +1,91 @@
-// Vectors of sixteen bytes by sample type. To be included inside the unnamed namespace of a region, in builds whose
-// vectors hold integers (ORV_SSE_LEVEL of 2 and more). The includer has <emmintrin.h>, <cstddef> and <cstdint>.
+// The vector layer: vectors of a sample type, as wide as the build's, and all that kernels do with them. Besides these
+// functions, vectors take the operators of their samples (+, -, *, &, |, ^, ~, shifts by a constant, comparisons, ?:).
+// To be included inside the unnamed namespace of a region.
+//
+// Operations work within lanes of 16 bytes, so that a kernel reads the same for all widths. The few that cross lanes
+// are in shuffles.h, which comes with these.
+
+#if ORV_VECTOR_BYTES > 0
 
 template <class Sample> struct VectorOf {
-    typedef Sample Type __attribute__((vector_size(16)));
+    typedef Sample Type __attribute__((vector_size(ORV_VECTOR_BYTES)));
 };
 template <class Sample> using Vector = typename VectorOf<Sample>::Type;
+template <class Sample> constexpr std::size_t perVector = ORV_VECTOR_BYTES / sizeof(Sample);
 
-template <class Sample> inline Vector<Sample> loadVector(const void *row, std::size_t index)
+// One lane, for what gains nothing from more.
+typedef std::uint8_t Lane __attribute__((vector_size(16)));
+
+using U8s = Vector<std::uint8_t>;
+using S8s = Vector<std::int8_t>;
+using U16s = Vector<std::uint16_t>;
+using S16s = Vector<std::int16_t>;
+using S32s = Vector<std::int32_t>;
+using Floats = Vector<float>;
+
+// The instructions of one width: ORV_VECTOR(add_epi16) is the addition of words.
+#if ORV_VECTOR_BYTES == 32
+using Bits = __m256i;
+using FloatBits = __m256;
+#define ORV_VECTOR(name) _mm256_##name
+#define ORV_VECTOR_BITS(name) _mm256_##name##_si256
+#else
+using Bits = __m128i;
+using FloatBits = __m128;
+#define ORV_VECTOR(name) _mm_##name
+#define ORV_VECTOR_BITS(name) _mm_##name##_si128
+#endif
+
+inline Bits bitsOf(auto vector)
+{
+    return reinterpret_cast<Bits>(vector);
+}
+// The same bits as samples of another type.
+template <class Sample> inline Vector<Sample> as(auto vector)
+{
+    return reinterpret_cast<Vector<Sample>>(vector);
+}
+
+template <class Sample> inline Vector<Sample> loadVector(const void *row, std::size_t index = 0)
 {
     Vector<Sample> vector;
-    __builtin_memcpy(&vector, static_cast<const unsigned char *>(row) + index * sizeof(Sample), 16);
+    __builtin_memcpy(&vector, static_cast<const unsigned char *>(row) + index * sizeof(Sample), sizeof vector);
+    return vector;
+}
+
+// Keeps a vector that several operations take from being loaded for each of them.
+template <class Sample> inline Vector<Sample> loadVectorOnce(const void *row, std::size_t index = 0)
+{
+    Vector<Sample> vector = loadVector<Sample>(row, index);
+    __asm__("" : "+x"(vector));
     return vector;
 }
 
 template <class Sample> inline void storeVector(void *row, std::size_t index, Vector<Sample> vector)
 {
-    __builtin_memcpy(static_cast<unsigned char *>(row) + index * sizeof(Sample), &vector, 16);
+    __builtin_memcpy(static_cast<unsigned char *>(row) + index * sizeof(Sample), &vector, sizeof vector);
 }
 
-// Past the caches, to a multiple of sixteen bytes.
+inline bool onVectorBoundary(const void *address)
+{
+    return reinterpret_cast<std::uintptr_t>(address) % ORV_VECTOR_BYTES == 0;
+}
+
+// Past the caches, to a vector boundary; finishStreaming() comes before anybody else may read.
 template <class Sample> inline void streamVector(void *row, std::size_t index, Vector<Sample> vector)
 {
-    _mm_stream_si128(reinterpret_cast<__m128i *>(static_cast<unsigned char *>(row) + index * sizeof(Sample)),
-                     reinterpret_cast<__m128i>(vector));
+    ORV_VECTOR_BITS(stream)
+    (reinterpret_cast<Bits *>(static_cast<unsigned char *>(row) + index * sizeof(Sample)), bitsOf(vector));
+}
+inline void finishStreaming()
+{
+    _mm_sfence();
+}
+
+// The lower half of a vector.
+template <class Sample> inline void storeHalf(void *row, std::size_t index, Vector<Sample> vector)
+{
+    __builtin_memcpy(static_cast<unsigned char *>(row) + index * sizeof(Sample), &vector, sizeof vector / 2);
 }
 
 template <class Sample> inline Vector<Sample> everywhere(Sample sample)
@@ -30,30 +93,203 @@ template <class Sample> inline Vector<Sample> everywhere(Sample sample)
     return sample - Vector<Sample>{};
 }
 
-inline __m128i asIntegers(auto vector)
+// Bit by bit: `yes` where the mask is set, else `no`.
+template <class Sample> inline Vector<Sample> chosen(Vector<Sample> mask, Vector<Sample> yes, Vector<Sample> no)
 {
-    return reinterpret_cast<__m128i>(vector);
-}
-template <class Sample> inline Vector<Sample> asVector(__m128i integers)
-{
-    return reinterpret_cast<Vector<Sample>>(integers);
+    const Bits bits = bitsOf(mask);
+    return as<Sample>((bits & bitsOf(yes)) | (~bits & bitsOf(no)));
 }
 
-// All bits of the first three samples of each four.
-template <class Sample> inline __m128i threeOfFourBits()
+// One bit for each byte of the mask, whose bytes have all bits set or none.
+inline unsigned bitsOfMask(U8s mask)
+{
+    return static_cast<unsigned>(ORV_VECTOR(movemask_epi8)(bitsOf(mask)));
+}
+constexpr unsigned allBits = static_cast<unsigned>((std::uint64_t{1} << ORV_VECTOR_BYTES) - 1);
+
+inline U8s saturatingSum(U8s a, U8s b)
+{
+    return as<std::uint8_t>(ORV_VECTOR(adds_epu8)(bitsOf(a), bitsOf(b)));
+}
+inline U16s saturatingSum(U16s a, U16s b)
+{
+    return as<std::uint16_t>(ORV_VECTOR(adds_epu16)(bitsOf(a), bitsOf(b)));
+}
+inline S16s saturatingSum(S16s a, S16s b)
+{
+    return as<std::int16_t>(ORV_VECTOR(adds_epi16)(bitsOf(a), bitsOf(b)));
+}
+inline U8s saturatingDifference(U8s a, U8s b)
+{
+    return as<std::uint8_t>(ORV_VECTOR(subs_epu8)(bitsOf(a), bitsOf(b)));
+}
+inline S8s saturatingDifference(S8s a, S8s b)
+{
+    return as<std::int8_t>(ORV_VECTOR(subs_epi8)(bitsOf(a), bitsOf(b)));
+}
+inline S16s saturatingDifference(S16s a, S16s b)
+{
+    return as<std::int16_t>(ORV_VECTOR(subs_epi16)(bitsOf(a), bitsOf(b)));
+}
+
+// Of floats: the second where either is no number.
+inline Floats minimum(Floats a, Floats b)
+{
+    return reinterpret_cast<Floats>(ORV_VECTOR(min_ps)(reinterpret_cast<FloatBits>(a), reinterpret_cast<FloatBits>(b)));
+}
+inline Floats maximum(Floats a, Floats b)
+{
+    return reinterpret_cast<Floats>(ORV_VECTOR(max_ps)(reinterpret_cast<FloatBits>(a), reinterpret_cast<FloatBits>(b)));
+}
+inline S16s maximum(S16s a, S16s b)
+{
+    return as<std::int16_t>(ORV_VECTOR(max_epi16)(bitsOf(a), bitsOf(b)));
+}
+inline S16s minimum(S16s a, S16s b)
+{
+    return as<std::int16_t>(ORV_VECTOR(min_epi16)(bitsOf(a), bitsOf(b)));
+}
+#if ORV_SSE41
+inline U16s minimum(U16s a, U16s b)
+{
+    return as<std::uint16_t>(ORV_VECTOR(min_epu16)(bitsOf(a), bitsOf(b)));
+}
+#endif
+inline Floats squareRoot(Floats a)
+{
+    return reinterpret_cast<Floats>(ORV_VECTOR(sqrt_ps)(reinterpret_cast<FloatBits>(a)));
+}
+
+// The high words of the products of words; the low ones are those of the operator.
+inline S16s highProducts(S16s a, S16s b)
+{
+    return as<std::int16_t>(ORV_VECTOR(mulhi_epi16)(bitsOf(a), bitsOf(b)));
+}
+inline U16s highProducts(U16s a, U16s b)
+{
+    return as<std::uint16_t>(ORV_VECTOR(mulhi_epu16)(bitsOf(a), bitsOf(b)));
+}
+
+// The products of words, added up two by two.
+inline S32s pairSums(S16s a, S16s b)
+{
+    return as<std::int32_t>(ORV_VECTOR(madd_epi16)(bitsOf(a), bitsOf(b)));
+}
+#if ORV_SHUFFLES
+// The same of bytes and signed bytes; the sums saturate.
+inline S16s pairSums(U8s a, S8s b)
+{
+    return as<std::int16_t>(ORV_VECTOR(maddubs_epi16)(bitsOf(a), bitsOf(b)));
+}
+#endif
+
+#if ORV_SSE41
+// The 64-bit products of the even samples.
+inline S32s evenProducts(S32s a, S32s b)
+{
+    return as<std::int32_t>(ORV_VECTOR(mul_epi32)(bitsOf(a), bitsOf(b)));
+}
+// Even samples of the one, odd samples of the other.
+inline S32s evenAndOdd(S32s even, S32s odd)
+{
+    return as<std::int32_t>(ORV_VECTOR(blend_epi16)(bitsOf(even), bitsOf(odd), 0xCC));
+}
+// Each sample with its neighbour's place: the odd ones where the even ones were.
+inline S32s oddAsEven(S32s a)
+{
+    return as<std::int32_t>(ORV_VECTOR(srli_epi64)(bitsOf(a), 32));
+}
+inline S32s evenAsOdd(S32s a)
+{
+    return as<std::int32_t>(ORV_VECTOR(slli_epi64)(bitsOf(a), 32));
+}
+#endif
+
+// Samples of two vectors in turn, from the lower or the upper half of each lane: with zeros this widens unsigned
+// samples.
+template <class Sample> inline Vector<Sample> interleaveLow(Vector<Sample> a, Vector<Sample> b)
 {
     if constexpr (sizeof(Sample) == 1)
-        return _mm_set1_epi32(0x00FFFFFF);
+        return as<Sample>(ORV_VECTOR(unpacklo_epi8)(bitsOf(a), bitsOf(b)));
     else if constexpr (sizeof(Sample) == 2)
-        return _mm_set_epi32(0x0000FFFF, -1, 0x0000FFFF, -1);
+        return as<Sample>(ORV_VECTOR(unpacklo_epi16)(bitsOf(a), bitsOf(b)));
     else
-        return _mm_set_epi32(0, -1, -1, -1);
+        return as<Sample>(ORV_VECTOR(unpacklo_epi32)(bitsOf(a), bitsOf(b)));
+}
+template <class Sample> inline Vector<Sample> interleaveHigh(Vector<Sample> a, Vector<Sample> b)
+{
+    if constexpr (sizeof(Sample) == 1)
+        return as<Sample>(ORV_VECTOR(unpackhi_epi8)(bitsOf(a), bitsOf(b)));
+    else if constexpr (sizeof(Sample) == 2)
+        return as<Sample>(ORV_VECTOR(unpackhi_epi16)(bitsOf(a), bitsOf(b)));
+    else
+        return as<Sample>(ORV_VECTOR(unpackhi_epi32)(bitsOf(a), bitsOf(b)));
 }
 
-// The result, with the fourth samples of what stood there before.
-template <class Sample> inline Vector<Sample> keepingFourth(Vector<Sample> result, Vector<Sample> before)
+// The counterpart of the two: narrows with saturation, the samples of `low` to the lower halves of lanes.
+template <class Narrow> inline Vector<Narrow> packed(S16s low, S16s high)
 {
-    const __m128i bits = threeOfFourBits<Sample>();
-    return asVector<Sample>(
-        _mm_or_si128(_mm_and_si128(bits, asIntegers(result)), _mm_andnot_si128(bits, asIntegers(before))));
+    static_assert(sizeof(Narrow) == 1);
+    if constexpr (static_cast<Narrow>(-1) > 0)
+        return as<Narrow>(ORV_VECTOR(packus_epi16)(bitsOf(low), bitsOf(high)));
+    else
+        return as<Narrow>(ORV_VECTOR(packs_epi16)(bitsOf(low), bitsOf(high)));
 }
+template <class Narrow> inline Vector<Narrow> packed(S32s low, S32s high)
+{
+    static_assert(sizeof(Narrow) == 2);
+    if constexpr (static_cast<Narrow>(-1) < 0)
+        return as<Narrow>(ORV_VECTOR(packs_epi32)(bitsOf(low), bitsOf(high)));
+    else
+#if ORV_SSE41
+        return as<Narrow>(ORV_VECTOR(packus_epi32)(bitsOf(low), bitsOf(high)));
+#else
+        // For values in the range of the sample: down by half of it, and back.
+        return as<Narrow>(ORV_VECTOR(packs_epi32)(bitsOf(low - 32768), bitsOf(high - 32768))) ^ std::uint16_t{0x8000};
+#endif
+}
+
+// Shifts by a count that is known at run time only; counts beyond the width leave nothing, or nothing but the sign.
+struct ShiftCount {
+    __m128i bits;
+
+    explicit ShiftCount(std::uint32_t count) : bits(_mm_cvtsi32_si128(static_cast<int>(count < 64 ? count : 64))) {}
+};
+inline U16s shiftedLeft(U16s a, ShiftCount count)
+{
+    return as<std::uint16_t>(ORV_VECTOR(sll_epi16)(bitsOf(a), count.bits));
+}
+inline S32s shiftedLeft(S32s a, ShiftCount count)
+{
+    return as<std::int32_t>(ORV_VECTOR(sll_epi32)(bitsOf(a), count.bits));
+}
+inline U16s shiftedRight(U16s a, ShiftCount count)
+{
+    return as<std::uint16_t>(ORV_VECTOR(srl_epi16)(bitsOf(a), count.bits));
+}
+inline S16s shiftedRight(S16s a, ShiftCount count)
+{
+    return as<std::int16_t>(ORV_VECTOR(sra_epi16)(bitsOf(a), count.bits));
+}
+inline S32s shiftedRight(S32s a, ShiftCount count)
+{
+    return as<std::int32_t>(ORV_VECTOR(sra_epi32)(bitsOf(a), count.bits));
+}
+
+// Floats to integers, to nearest in the processor's rounding mode or toward zero, and back.
+inline S32s rounded(Floats a)
+{
+    return as<std::int32_t>(ORV_VECTOR(cvtps_epi32)(reinterpret_cast<FloatBits>(a)));
+}
+inline S32s truncated(Floats a)
+{
+    return as<std::int32_t>(ORV_VECTOR(cvttps_epi32)(reinterpret_cast<FloatBits>(a)));
+}
+inline Floats toFloats(S32s a)
+{
+    return reinterpret_cast<Floats>(ORV_VECTOR(cvtepi32_ps)(bitsOf(a)));
+}
+
+#endif
+
+#include "shuffles.h"

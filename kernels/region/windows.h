@@ -27,38 +27,38 @@ inline KrnStatus checkWindow(Given<const void *> source, Given<void *> destinati
     return KRN_OK;
 }
 
-// Runs row(samples, in, out) over all rows, where `in` is the first sample of the first pixel's window. Source and
-// destination are different rasters. Pixels whose fourth sample stays are computed into a buffer, and moved from there.
-template <class Sample, std::size_t layout, class Out = Sample, class Row>
-inline KrnStatus overWindows(Given<const void *> source, Given<void *> destination, std::int32_t width,
-                             std::int32_t height, const Window &window, Row row)
+// The first sample of the first pixel's window.
+inline const unsigned char *firstOf(Given<const void *> source, const Window &window, std::size_t pixelBytes)
 {
-    constexpr std::size_t channels = samplesOf(layout);
-    constexpr std::int32_t pixelBytes = static_cast<std::int32_t>(channels * sizeof(Sample));
-    constexpr std::int32_t outBytes = static_cast<std::int32_t>(channels * sizeof(Out));
-    const unsigned char *first = static_cast<const unsigned char *>(source.data) -
-                                 static_cast<std::ptrdiff_t>(window.anchorY) * source.step -
-                                 static_cast<std::ptrdiff_t>(window.anchorX) * pixelBytes;
-    const auto all = [=](std::size_t pixels, const unsigned char *in, unsigned char *out) {
-        if constexpr (layout == AC4) {
-            constexpr std::size_t most = 128;
-            unsigned char buffer[most * outBytes];
-            for (std::size_t i = 0; i < pixels; i += most) {
-                const std::size_t some = pixels - i < most ? pixels - i : most;
-                row(4 * some, in + i * pixelBytes, buffer);
-                moveThreeOfFour<Out>(some, buffer, out + i * outBytes);
-            }
-        } else {
-            row(channels * pixels, in, out);
-        }
-    };
-    return overRows(width, height, all, from(first, source.step, pixelBytes),
-                    to(destination.data, destination.step, outBytes));
+    return static_cast<const unsigned char *>(source.data) - static_cast<std::ptrdiff_t>(window.anchorY) * source.step -
+           static_cast<std::ptrdiff_t>(window.anchorX) * static_cast<std::ptrdiff_t>(pixelBytes);
 }
 
-// Runs block(in, out) over a row in pieces of so many samples. The last piece overlaps the one before it, so the row
+// Runs row(samples, in, out) over all rows, where `in` is the first sample of the first pixel's window. Source and
+// destination are different rasters. Pixels whose fourth sample stays are computed into a buffer, and moved from there.
+template <class Sample, class Out, class Row>
+inline KrnStatus overWindows(std::size_t layout, Given<const void *> source, Given<void *> destination,
+                             std::int32_t width, std::int32_t height, const Window &window, Row row)
+{
+    const std::size_t channels = samplesOf(layout), pixelBytes = channels * sizeof(Sample);
+    const auto all = [&](std::size_t pixels, const unsigned char *in, unsigned char *out) {
+        if (layout != AC4)
+            return row(channels * pixels, in, out);
+        constexpr std::size_t most = 128;
+        unsigned char buffer[most * 4 * sizeof(Out)];
+        for (std::size_t i = 0; i < pixels; i += most) {
+            const std::size_t some = pixels - i < most ? pixels - i : most;
+            row(4 * some, in + i * pixelBytes, buffer);
+            moveThreeOfFour<Out>(some, buffer, out + i * 4 * sizeof(Out));
+        }
+    };
+    return overRows(width, height, all, from(firstOf(source, window, pixelBytes), source.step, pixelBytes),
+                    to(destination.data, destination.step, channels * sizeof(Out)));
+}
+
+// Runs block(in, out) over a row in blocks of so many samples. The last block overlaps the one before it, so the row
 // must have at least one.
-template <class Sample, std::size_t most, class Out = Sample, class Block>
+template <class Sample, std::size_t most, class Out, class Block>
 inline void overBlocks(std::size_t samples, const unsigned char *in, unsigned char *out, Block block)
 {
     std::size_t i = 0;

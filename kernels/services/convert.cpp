@@ -1,11 +1,5 @@
 // Conversions between integer samples and floats.
-#include <cstddef>
-#include <cstdint>
-
-#if defined(__x86_64__) || defined(__i386__)
-#include <emmintrin.h>
-#endif
-
+#include "external.h"
 #include "signatures.h"
 
 #include "begin.h"
@@ -13,9 +7,8 @@
 namespace {
 
 #include "rows.h"
-#if ORV_SSE_LEVEL >= 2
 #include "vectors.h"
-#endif
+
 #include "points.h"
 
 // The range of a sample type, and the same as floats. The top of 32 bits is one beyond it: floats have no nearer value.
@@ -59,44 +52,60 @@ template <class Sample, Rounding rounding> inline Sample toSample(float value)
     return static_cast<Sample>(rounded);
 }
 
-#if ORV_SSE_LEVEL >= 2
+#if ORV_VECTOR_BYTES > 0
 
 #include "control_word.h"
-#include "floats4.h"
 
-// Four floats, rounded to integers that pack to the right samples.
-template <class Sample, Rounding rounding> inline __m128i toIntegers4(__m128 value)
+// Floats, rounded to integers that pack to the right samples.
+template <class Sample, Rounding rounding> inline S32s toIntegers(Floats value)
 {
-    // What no 32-bit integer holds becomes the lowest one, which packs to the bottom of most samples.
+    const Floats bottom = everywhere(Range<Sample>::bottom), top = everywhere(mostWhole<Sample>);
+    // What no 32-bit integer holds becomes the lowest one, which packs to the bottom of most samples. The minimum of a
+    // number and a not-a-number is its second operand.
     constexpr bool packsToBottom =
         sizeof(Sample) < 4 && Range<Sample>::topSample != 65535 && rounding != Rounding::NearestAway;
-    const __m128 inside =
-        packsToBottom ? notAbove(value, Range<Sample>::top) : clamped(value, Range<Sample>::bottom, mostWhole<Sample>);
-    __m128i whole = rounding == Rounding::NearestEven ? _mm_cvtps_epi32(inside) : _mm_cvttps_epi32(inside);
+    const Floats inside = packsToBottom ? minimum(top, value) : minimum(maximum(value, bottom), top);
+    S32s whole = rounding == Rounding::NearestEven ? rounded(inside) : truncated(inside);
     if constexpr (rounding == Rounding::NearestAway) {
-        const __m128 fraction = _mm_sub_ps(inside, _mm_cvtepi32_ps(whole));
-        const __m128 half = _mm_set1_ps(0.5f);
-        whole = _mm_sub_epi32(whole, _mm_castps_si128(_mm_cmpge_ps(fraction, half)));
-        whole = _mm_add_epi32(whole, _mm_castps_si128(_mm_cmple_ps(fraction, _mm_sub_ps(_mm_setzero_ps(), half))));
+        const Floats fraction = inside - toFloats(whole);
+        whole = whole - (fraction >= 0.5f) + (fraction <= -0.5f);
     }
-    if constexpr (sizeof(Sample) == 4) {
-        const __m128 above = _mm_cmpge_ps(value, _mm_set1_ps(Range<Sample>::top));
-        whole = _mm_or_si128(whole, _mm_srli_epi32(_mm_castps_si128(above), 1));
-    }
+    if constexpr (sizeof(Sample) == 4)
+        whole |= as<std::int32_t>(as<std::uint32_t>(value >= Range<Sample>::top) >> 1);
     return whole;
+}
+
+// Stores a vector of bytes, or two of words, or four of integers, from four of integers. Packing works within lanes, so
+// what it gives is put in order after it.
+template <class Sample> inline void storeNarrowed(unsigned char *out, const S32s (&integers)[4])
+{
+    if constexpr (sizeof(Sample) == 4) {
+        for (std::size_t i = 0; i < 4; ++i)
+            storeVector<std::int32_t>(out, i * perVector<std::int32_t>, integers[i]);
+    } else {
+        using Word = std::conditional_t<sizeof(Sample) == 2, Sample, std::int16_t>;
+        const Vector<Word> low = packed<Word>(integers[0], integers[1]), high = packed<Word>(integers[2], integers[3]);
+        if constexpr (sizeof(Sample) == 2) {
+            storeVector<Sample>(out, 0, inOrderOfPairs(low));
+            storeVector<Sample>(out, perVector<Sample>, inOrderOfPairs(high));
+        } else {
+            storeVector<Sample>(out, 0, inOrderOfQuads(packed<Sample>(low, high)));
+        }
+    }
 }
 
 // Returns how many samples it has done.
 template <class Sample, Rounding rounding>
-inline std::size_t toSixteens(std::size_t samples, unsigned char *out, const unsigned char *in)
+inline std::size_t convertVectors(std::size_t samples, unsigned char *out, const unsigned char *in)
 {
     const unsigned savedControl = krnSetMxcsrRound(mxcsrNearest);
+    constexpr std::size_t step = 4 * perVector<float>;
     std::size_t i = 0;
-    for (; i + 16 <= samples; i += 16) {
-        __m128i integers[4];
+    for (; i + step <= samples; i += step) {
+        S32s integers[4];
         for (std::size_t quarter = 0; quarter < 4; ++quarter)
-            integers[quarter] = toIntegers4<Sample, rounding>(loadFloats(in + 4 * (i + 4 * quarter)));
-        storePacked<Sample>(out + i * sizeof(Sample), integers);
+            integers[quarter] = toIntegers<Sample, rounding>(loadVector<float>(in, i + quarter * perVector<float>));
+        storeNarrowed<Sample>(out + i * sizeof(Sample), integers);
     }
     krnRestoreMxcsr(savedControl);
     return i;
@@ -106,10 +115,10 @@ inline std::size_t toSixteens(std::size_t samples, unsigned char *out, const uns
 
 template <class Sample, Rounding rounding> struct ToInteger {
     Sample operator()(float value) const { return toSample<Sample, rounding>(value); }
-#if ORV_SSE_LEVEL >= 2
+#if ORV_VECTOR_BYTES > 0
     std::size_t many(std::size_t samples, unsigned char *out, const unsigned char *in) const
     {
-        return toSixteens<Sample, rounding>(samples, out, in);
+        return convertVectors<Sample, rounding>(samples, out, in);
     }
 #endif
 };
@@ -119,13 +128,11 @@ template <class Sample> struct ToFloat {
 };
 
 template <class Sample, std::size_t layout>
-KrnStatus convertToIntegers(const void *source, std::int32_t sourceStep, void *destination,
-                            std::int32_t destinationStep, std::int32_t width, std::int32_t height,
-                            std::int32_t rounding)
+KrnStatus convertToIntegers(Given<const void *> source, Given<void *> destination, std::int32_t width,
+                            std::int32_t height, std::int32_t rounding)
 {
     const auto run = [=](auto operation) {
-        return compute<Sample, layout, float>(width, height, operation, Given{destination, destinationStep},
-                                              Given{source, sourceStep});
+        return compute<Sample, layout, float>(width, height, operation, destination, source);
     };
     switch (rounding) {
     case 0:
@@ -139,20 +146,17 @@ KrnStatus convertToIntegers(const void *source, std::int32_t sourceStep, void *d
 
 } // namespace
 
-#define ORV_TO_FLOATS(name, Sample, layout)                                                                          \
-    KrnStatus name(const void *source, std::int32_t sourceStep, void *destination, std::int32_t destinationStep,     \
-                   std::int32_t width, std::int32_t height)                                                          \
-    {                                                                                                                \
-        return compute<float, layout, Sample>(width, height, ToFloat<Sample>(), Given{destination, destinationStep}, \
-                                              Given{source, sourceStep});                                            \
+#define ORV_TO_FLOATS(name, Sample, layout)                                                               \
+    KRN_KERNEL(CopyKernel, name)                                                                          \
+    {                                                                                                     \
+        return compute<float, layout, Sample>(width, height, ToFloat<Sample>(), Given{destination, step}, \
+                                              Given{source, sourceStep});                                 \
     }
 
-#define ORV_TO_INTEGERS(name, Sample, layout)                                                                     \
-    KrnStatus name(const void *source, std::int32_t sourceStep, void *destination, std::int32_t destinationStep,  \
-                   std::int32_t width, std::int32_t height, std::int32_t rounding)                                \
-    {                                                                                                             \
-        return convertToIntegers<Sample, layout>(source, sourceStep, destination, destinationStep, width, height, \
-                                                 rounding);                                                       \
+#define ORV_TO_INTEGERS(layout, stem, Sample)                                                                         \
+    KRN_KERNEL(ConvertRoundKernel, stem##layout)                                                                      \
+    {                                                                                                                 \
+        return convertToIntegers<Sample, layout>({source, sourceStep}, {destination, step}, width, height, rounding); \
     }
 
 #define ORV_CONVERSIONS(samples, Sample)                    \
@@ -160,10 +164,7 @@ KrnStatus convertToIntegers(const void *source, std::int32_t sourceStep, void *d
     ORV_TO_FLOATS(krnConvert##samples##32fC3, Sample, C3)   \
     ORV_TO_FLOATS(krnConvert##samples##32fC4, Sample, C4)   \
     ORV_TO_FLOATS(krnConvert##samples##32fAC4, Sample, AC4) \
-    ORV_TO_INTEGERS(krnConvert32f##samples##C1, Sample, C1) \
-    ORV_TO_INTEGERS(krnConvert32f##samples##C3, Sample, C3) \
-    ORV_TO_INTEGERS(krnConvert32f##samples##C4, Sample, C4) \
-    ORV_TO_INTEGERS(krnConvert32f##samples##AC4, Sample, AC4)
+    ORV_LAYOUTS(ORV_TO_INTEGERS, krnConvert32f##samples, Sample)
 
 ORV_CONVERSIONS(8u, std::uint8_t)
 ORV_CONVERSIONS(8s, std::int8_t)

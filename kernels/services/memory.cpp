@@ -65,7 +65,7 @@ void krnFree(void *block)
         memoryFunctions.releaseBlock(static_cast<void **>(block)[-1]);
 }
 
-KrnStatus krnCopyBytes(const void *source, void *destination, std::int32_t count)
+KRN_KERNEL(CopyBytesKernel, krnCopyBytes)
 {
     if (source == nullptr || destination == nullptr)
         return KRN_NULL_POINTER;

@@ -2,8 +2,8 @@
 // uses it: a kernel's region, so that each build compiles these for its own processor, or a source of the front end.
 // The includer has <cstddef> and <cstdint>.
 
-// Rows are independent of each other and a row's samples too, so a loop over them may run in vectors even where source
-// and destination are the same raster.
+// Rows are independent of each other and so are a row's samples. A loop over them may therefore run in vectors even
+// where source and destination are the same raster.
 #if defined(__clang__)
 #define ORV_INDEPENDENT _Pragma("clang loop vectorize(assume_safety)")
 #define ORV_UNROLLED _Pragma("clang loop unroll_count(4)")
@@ -27,21 +27,21 @@ template <class Sample> inline void store(void *row, std::size_t index, Sample s
     __builtin_memcpy(static_cast<unsigned char *>(row) + index * sizeof(Sample), &sample, sizeof(Sample));
 }
 
-// A rectangle as a kernel gets it: first row, bytes from row to row, bytes of a pixel.
+// A raster with the bytes of its pixels.
 template <class Byte> struct Rectangle {
     Byte *row;
     std::int32_t step;
     std::int32_t pixelBytes;
 };
 
-inline Rectangle<const unsigned char> from(const void *source, std::int32_t step, std::int32_t pixelBytes)
+inline Rectangle<const unsigned char> from(const void *source, std::int32_t step, std::size_t pixelBytes)
 {
-    return {static_cast<const unsigned char *>(source), step, pixelBytes};
+    return {static_cast<const unsigned char *>(source), step, static_cast<std::int32_t>(pixelBytes)};
 }
 
-inline Rectangle<unsigned char> to(void *destination, std::int32_t step, std::int32_t pixelBytes)
+inline Rectangle<unsigned char> to(void *destination, std::int32_t step, std::size_t pixelBytes)
 {
-    return {static_cast<unsigned char *>(destination), step, pixelBytes};
+    return {static_cast<unsigned char *>(destination), step, static_cast<std::int32_t>(pixelBytes)};
 }
 
 template <class Byte> inline Byte *rowOf(Rectangle<Byte> rectangle, std::int32_t y)
@@ -84,8 +84,8 @@ inline std::int32_t overRows(std::int32_t width, std::int32_t height, Row row, R
     return 0;
 }
 
-// Moves three samples of each four; the fourth is stored as it is. Pixels of four bytes and of eight are words, of
-// whose bits the last quarter stays.
+// Moves three samples of each four; the fourth is stored as it is. Pixels of four and eight bytes are words, of whose
+// bits the last quarter stays.
 template <class Sample> inline void moveThreeOfFour(std::size_t pixels, const unsigned char *in, unsigned char *out)
 {
     if constexpr (sizeof(Sample) == 4) {

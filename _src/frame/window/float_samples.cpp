@@ -5,7 +5,7 @@ namespace orv {
 namespace {
 
 struct Conversions {
-    const Kernel<ConvertKernel> &toFloats;
+    const Kernel<CopyKernel> &toFloats;
     LayoutKernels<ConvertRoundKernel> fromFloats;
 };
 

@@ -1,0 +1,9 @@
+// The signatures of all families.
+#pragma once
+
+#include "../arith/signatures.h"
+#include "../copy/signatures.h"
+#include "../filter/signatures.h"
+#include "../geometry/signatures.h"
+#include "../measure/signatures.h"
+#include "../services/signatures.h"

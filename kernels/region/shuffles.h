@@ -1,0 +1,108 @@
+// Shuffles of bytes: the operations of the vector layer that cross lanes. Where a byte goes is known when they are
+// compiled, and the compiler finds the instructions. Included by vectors.h.
+
+#if ORV_VECTOR_BYTES > 0
+
+// Byte `at` of the result is byte Origin::of(at) of the vector, or of the lane.
+template <class Origin, class Bytes, std::size_t... at>
+inline Bytes shuffledBytes(Bytes bytes, std::index_sequence<at...>)
+{
+    return __builtin_shufflevector(bytes, bytes, static_cast<int>(Origin::of(at))...);
+}
+template <class Origin, class Bytes> inline Bytes shuffledBytes(Bytes bytes)
+{
+    return shuffledBytes<Origin>(bytes, std::make_index_sequence<sizeof(Bytes)>());
+}
+
+#if !ORV_SHUFFLES
+// Without an instruction for bytes, by those for words and pairs of them.
+inline U16s reversedWords(U16s words)
+{
+    const __m128i halves = _mm_shufflehi_epi16(_mm_shufflelo_epi16(bitsOf(words), 0x1B), 0x1B);
+    return as<std::uint16_t>(_mm_shuffle_epi32(halves, 0x4E));
+}
+#endif
+
+#endif
+
+#if ORV_SHUFFLES
+
+// A vector has one item of so many bytes for each of as many pixels. These are as many vectors of the pixels' own bytes
+// as a pixel has items, of which the one of this number gets each pixel's item over and over, at all its places.
+template <std::size_t itemBytes, std::size_t items, std::size_t number> struct SpreadOrigin {
+    static constexpr std::size_t of(std::size_t at)
+    {
+        return (ORV_VECTOR_BYTES * number + at) / itemBytes / items * itemBytes + at % itemBytes;
+    }
+};
+template <std::size_t itemBytes, std::size_t items, std::size_t number> inline U8s spread(U8s bytes)
+{
+    if constexpr (items == 1)
+        return bytes;
+    else
+        return shuffledBytes<SpreadOrigin<itemBytes, items, number>>(bytes);
+}
+
+#endif
+
+#if ORV_VECTOR_BYTES > 0
+
+// All bits of the first `moved` bytes of each pixel, in the vector of that number from the start of a pixel on.
+template <std::size_t pixelBytes, std::size_t moved, std::size_t number = 0> struct MovedBits {
+    alignas(ORV_VECTOR_BYTES) unsigned char bytes[ORV_VECTOR_BYTES];
+
+    constexpr MovedBits() : bytes()
+    {
+        for (std::size_t at = 0; at < sizeof bytes; ++at)
+            bytes[at] = (ORV_VECTOR_BYTES * number + at) % pixelBytes < moved ? 0xFF : 0;
+    }
+};
+template <std::size_t pixelBytes, std::size_t moved, std::size_t number = 0> inline U8s movedBits()
+{
+    static constexpr MovedBits<pixelBytes, moved, number> bits;
+    return loadVector<std::uint8_t>(bits.bytes);
+}
+
+// The result, with the fourth samples of what was there before.
+template <class Sample> inline Vector<Sample> keepingFourth(Vector<Sample> result, Vector<Sample> before)
+{
+    const Vector<Sample> bits = as<Sample>(movedBits<4 * sizeof(Sample), 3 * sizeof(Sample)>());
+    return chosen<Sample>(bits, result, before);
+}
+
+// packed() of neighbouring vectors gives their samples lane by lane: the lower lanes of both first. These put them in
+// order, after one step of packing and after two.
+template <class Vector> inline Vector inOrderOfPairs(Vector vector)
+{
+#if ORV_VECTOR_BYTES == 32
+    return reinterpret_cast<Vector>(_mm256_permute4x64_epi64(bitsOf(vector), 0xD8));
+#else
+    return vector;
+#endif
+}
+template <class Vector> inline Vector inOrderOfQuads(Vector vector)
+{
+#if ORV_VECTOR_BYTES == 32
+    const __m256i order = _mm256_setr_epi32(0, 4, 1, 5, 2, 6, 3, 7);
+    return reinterpret_cast<Vector>(_mm256_permutevar8x32_epi32(bitsOf(vector), order));
+#else
+    return vector;
+#endif
+}
+
+// What interleaving gave, one vector after the other in order.
+template <class Sample>
+inline void storeHalvesInOrder(void *row, std::size_t index, Vector<Sample> low, Vector<Sample> high)
+{
+#if ORV_VECTOR_BYTES == 32
+    const Bits lower = _mm256_permute2x128_si256(bitsOf(low), bitsOf(high), 0x20);
+    const Bits upper = _mm256_permute2x128_si256(bitsOf(low), bitsOf(high), 0x31);
+    storeVector<Sample>(row, index, as<Sample>(lower));
+    storeVector<Sample>(row, index + perVector<Sample>, as<Sample>(upper));
+#else
+    storeVector<Sample>(row, index, low);
+    storeVector<Sample>(row, index + perVector<Sample>, high);
+#endif
+}
+
+#endif

@@ -1,0 +1,161 @@
+// Operands that show faults, all with all; numbers worked by hand; and the smallest and largest samples.
+#include <gtest/gtest.h>
+
+#include <climits>
+#include <cmath>
+#include <limits>
+
+#include "trial.h"
+
+namespace {
+
+using namespace orv;
+
+using Numbers = std::vector<double>;
+
+// A row of so many numbers for each of the second operands. Two images meet in a rectangle of both.
+testing::AssertionResult holdPairs(const Row &row, const Numbers &firsts, const Numbers &seconds, int mode)
+{
+    Random random(1);
+    const int columns = static_cast<int>(firsts.size()), rows = static_cast<int>(seconds.size());
+    const Formula formula = formulaOf(row);
+    testing::AssertionResult outcome = testing::AssertionSuccess();
+    std::size_t next = 0;
+    const auto first = [&] { return firsts[next++ % firsts.size()]; };
+    if (row.takes(SECOND)) {
+        const bool one = row.takes(ONE_ROW);
+        Trial trial(row, {one ? columns * rows : columns, one ? 1 : rows}, random);
+        trial.first.fill(first);
+        next = 0;
+        trial.second.fill([&] { return seconds[next++ / firsts.size()]; });
+        trial.mode = mode;
+        return hold(trial, formula);
+    }
+    Trial trial(row, {columns}, random);
+    trial.first.fill(first);
+    trial.mode = mode;
+    for (const double second : seconds) {
+        trial.constants.fill(second);
+        if (outcome)
+            outcome = hold(trial, formula);
+    }
+    return outcome;
+}
+
+// What the row reads, with all words where an image alone is read.
+Numbers firstsOf(const Row &row)
+{
+    Numbers numbers = numbersOf(row.source);
+    if (row.takes(SECOND | CONSTANT))
+        return numbers;
+    if (row.source.bytes == 2)
+        for (double word = row.source.lowest; word <= row.source.highest; ++word)
+            numbers.push_back(word);
+    if (row.takes(ROUNDING)) {
+        Random random(7);
+        const double range = row.destination.highest - row.destination.lowest;
+        for (int i = 0; i < 2000; ++i) {
+            numbers.push_back(row.destination.lowest + range * (1.25 * random() / 4294967296.0 - 0.125));
+            numbers.push_back(static_cast<int>(random() % 2048) / 4.0 - 256); // many ties
+        }
+    }
+    return numbers;
+}
+
+Numbers secondsOf(const Row &row)
+{
+    if (row.shifts()) {
+        Numbers counts = {INT_MAX, INT_MIN, -1};
+        for (int count = 0; count <= 40; ++count)
+            counts.push_back(count);
+        return counts;
+    }
+    if (!row.takes(SECOND | CONSTANT))
+        return {0};
+    Numbers numbers = numbersOf(row.source);
+    if (row.is("MulScale") || row.is("MulCScale"))
+        for (int factor = 256; factor < 65535 && row.source.bytes == 2; ++factor)
+            if (65535 % factor == 0)
+                numbers.push_back(factor); // whole results of products and of those beside
+    return numbers;
+}
+
+// Layouts and forms in place are left to the walk.
+TEST(Operands, AllWithAll)
+{
+    int rows = 0;
+    for (const Row &row : allRows()) {
+        const bool moves = row.is("Copy") || row.is("Fill") || row.is("Jaehne") || row.takes(FLIP | WINDOW | EXTREMES);
+        if (row.run == nullptr || row.plain || row.layout.source + row.layout.destination != 2 || moves ||
+            row.takes(IN_PLACE | MASK))
+            continue;
+        ++rows;
+        const std::vector<int> modes = row.takes(SCALE)      ? scales()
+                                       : row.takes(ROUNDING) ? std::vector<int>{0, 1, 2, -7}
+                                                             : std::vector<int>{0};
+        for (const int mode : modes)
+            ASSERT_TRUE(holdPairs(row, firstsOf(row), secondsOf(row), mode));
+    }
+    EXPECT_GT(rows, 70);
+}
+
+// Two samples of a row, or a sample and a constant. Those of convolutions are coefficients, and their modes divisors.
+TEST(Operands, NumbersWorkedByHand)
+{
+    struct Worked {
+        double a, b;
+        int mode;
+        double result;
+    };
+    const std::pair<const char *, std::vector<Worked>> cases[] = {
+        {"krnAdd8uC1", {{200, 100, 0, 255}, {255, 255, 9, 1}, {255, 255, 10, 0}}},
+        {"krnSub8uC1", {{200, 100, 0, 0}, {100, 200, 0, 100}, {0, 255, 8, 1}, {5, 4, -20, 0}}},
+        {"krnMul8uC1", {{1, 5, 1, 2}, {1, 7, 1, 4}, {255, 255, 16, 1}, {255, 255, 17, 0}, {1, 1, -7, 128}}},
+        {"krnAdd16sC1", {{-32768, -32768, 16, -1}, {-32768, -32768, 17, 0}}},
+        {"krnSub16sC1", {{1, 0, 1, 0}, {3, 0, 1, -2}}},
+        {"krnMul16sC1", {{-32768, -32768, 0, 32767}, {-32768, -32768, 30, 1}, {-1, 1, -15, -32768}}},
+        {"krnAdd32sRow", {{INT_MAX, 1, 0, INT_MAX}, {INT_MIN, INT_MIN, 32, -1}, {INT_MIN, INT_MIN, 33, 0}}},
+        {"krnMul32sRow", {{65536, 65536, 0, INT_MAX}, {INT_MIN, INT_MIN, 62, 1}, {INT_MIN, INT_MIN, 63, 0}}},
+        {"krnSubRevC32sRow", {{INT_MIN, 1, 0, INT_MAX}, {3, 10, 0, 7}}},
+        {"krnMulC32sRow", {{INT_MIN, 0, INT_MIN, 0}}},
+        {"krnSqr16uC1", {{255, 0, 0, 65025}, {256, 0, 0, 65535}}},
+        {"krnMulScale8uC1", {{128, 255, 0, 128}, {254, 254, 0, 253}}},
+        {"krnAbs8sC1", {{-128, 0, 0, 127}}},
+        {"krnAbs32sC1", {{INT_MIN, 0, 0, INT_MAX}}},
+        {"krnLShiftC8uC1", {{129, 1, 0, 2}}},
+        {"krnRShiftC8sC1", {{-3, 1, 0, -2}}},
+        {"krnConvert32f8uC1", {{2.5, 0, 0, 2}, {2.5, 0, 1, 2}, {2.5, 0, 2, 3}}},
+        {"krnConvert32f32sC1", {{2147483648.0, 0, 0, INT_MAX}, {-0.5, 0, 2, -1}}},
+        {"krnConvolve8uC1", {{1, 5, 2, 2}, {1, 9, 6, 2}, {1, 11, 3, 4}, {1, -3, 2, 0}, {1, -5, -2, 2}}},
+        {"krnConvolve16sC1", {{1, -3, 2, -2}, {1, -9, 6, -2}, {1, 100000, 3, 32767}, {1, -5, -2, 2}}},
+    };
+    Random random(1);
+    for (const auto &[name, rows] : cases)
+        for (const auto &[a, b, mode, result] : rows) {
+            Trial trial(rowNamed(name), {33}, random);
+            trial.first.fill([first = a] { return first; });
+            trial.second.fill([second = b] { return second; });
+            trial.constants.fill(b);
+            trial.coefficients.assign(1, b);
+            (trial.row.takes(WINDOW) ? trial.divisor : trial.mode) = mode;
+            EXPECT_TRUE(hold(trial, [expected = result](const Trial &, int, int) { return expected; }));
+        }
+}
+
+// Not-a-numbers in all places, and zeros of both signs as the extremes.
+TEST(Operands, ExtremesOfZerosAndNotANumbers)
+{
+    constexpr double none = std::numeric_limits<double>::quiet_NaN();
+    const Numbers sets[] = {{0.0, -0.0},       {0.0, -0.0, 1.0},        {0.0, -0.0, -1.0},
+                            {none, 0.0, -0.0}, {none, -1.0, 1.0, -0.0}, {none}};
+    Random random(1);
+    for (const Row &row : allRows())
+        for (int i = 0; i < 500 && row.is("MinMax"); ++i) {
+            Trial trial(row, {1 + static_cast<int>(random() % 70), 1 + static_cast<int>(random() % 3)}, random);
+            const Numbers &numbers = sets[random() % std::size(sets)];
+            trial.first.fill([&] { return numbers[random() % numbers.size()]; });
+            ASSERT_TRUE(hold(trial, formulaOf(row)));
+        }
+}
+
+} // namespace
