@@ -12,13 +12,14 @@ std::size_t pixelsOf(const Image &target)
 
 Job job(std::function<void()> call, const Image &source, const Image &destination)
 {
-    return {std::move(call), sampleBytes(destination), pixelsOf(destination), source->imageData, destination->imageData};
+    return {std::move(call), sampleBytes(destination), pixelsOf(destination), source->imageData,
+            destination->imageData};
 }
 
 using Binary = OrvStatus(const OrvImage *, const OrvImage *, OrvImage *);
 using Unary = OrvStatus(const OrvImage *, OrvImage *);
 
-// Which images a case works on.
+// The images of a case.
 struct Form {
     int depth, channels;
     bool alpha = false, masked = false, inPlace = false;

@@ -1,4 +1,4 @@
-// A case of the benchmark: an operation on images of one size. Families list theirs in a source of their own.
+// A case of the benchmark: an operation on images of a given size. Each family lists its cases in a source of its own.
 #pragma once
 
 #include <cstddef>
@@ -8,13 +8,13 @@
 
 namespace bench {
 
-// One call, ready to run, with the images that it works on inside the function.
+// One call, ready to run. The function holds the images that it works on.
 struct Job {
     std::function<void()> call;
-    std::size_t bytes;  // what memcpy moves in comparison: those of the destination, where the case says no other
+    std::size_t bytes;  // that the memcpy of the comparison moves: those of the destination, if there is one
     std::size_t pixels; // of the call
-    // Where memcpy reads and writes: best the images of the call themselves, since how well memory lies in the caches
-    // is a matter of its pages. Null for memory of the benchmark's own.
+    // What memcpy reads and writes. Best are the images of the call: the pages of a block decide how well it fits the
+    // caches. Null for a block that the benchmark allocates.
     const void *from = nullptr;
     void *to = nullptr;
 };
@@ -22,12 +22,13 @@ struct Job {
 struct Case {
     std::string name;
     std::function<Job(int side)> prepare; // for an image of side x side pixels
-    bool tiny = false;                    // also timed on one pixel
+    bool tiny = false;                    // also timed at 8 x 8
 };
 
 std::vector<Case> copyingCases();
 std::vector<Case> arithmeticCases();
 std::vector<Case> geometryCases();
+std::vector<Case> measureCases();
 std::vector<Case> neighbourhoodCases();
 std::vector<Case> kernelCases();
 

@@ -14,13 +14,13 @@ struct ReleaseImage {
 
 using Image = std::shared_ptr<OrvImage>;
 
-// Of random samples; its rows are aligned to 32 bytes.
+// An image of random samples, whose rows are aligned to 32 bytes.
 Image image(int depth, int channels, int side, bool planes = false);
 
-// The same with an elliptic mask that reaches to the edges.
+// The same with a mask: the largest ellipse that fits.
 Image maskedImage(int depth, int channels, int side);
 
-// Gives the image a rectangle of all of it, and a channel.
+// Sets a rectangle that covers the whole image, and a channel.
 Image withChannel(Image target, int coi);
 
 // Bytes of the samples, without padding.

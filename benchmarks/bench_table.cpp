@@ -1,6 +1,6 @@
-// The benchmark: every case in the plain build and in the best one, at a size that stays in the cache and at one that
-// does not, beside memcpy of as many bytes in the same run. Of a machine that others share, the shortest times say
-// most; so each figure is the shortest of many short rounds, taken in turn with those of memcpy.
+// The benchmark: every case in three builds, at a size that fits the cache and at one that does not, compared with a
+// memcpy in the same run. Other programs disturb the machine, and the shortest times suffer least. So each figure is
+// the shortest of many short rounds, which alternate with those of memcpy.
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
@@ -9,10 +9,11 @@
 #include <cstring>
 #include <limits>
 #include <map>
+#include <regex>
+#include <string>
 #include <vector>
 
 #include "bench_case.h"
-#include "kernels.h"
 #include "orv.h"
 
 namespace {
@@ -21,8 +22,8 @@ using bench::Case;
 using bench::Job;
 using Clock = std::chrono::steady_clock;
 
-constexpr int cachedSide = 256, memorySide = 2048;
-constexpr int slots[] = {0, 5};
+constexpr int tinySide = 8, cachedSide = 256, memorySide = 2048;
+constexpr int builds[] = {ORV_BUILD_PLAIN, ORV_BUILD_SSE41, ORV_BUILD_AVX2};
 
 double secondsOf(int rounds, const std::function<void()> &call)
 {
@@ -32,16 +33,16 @@ double secondsOf(int rounds, const std::function<void()> &call)
     return std::chrono::duration<double>(Clock::now() - start).count() / rounds;
 }
 
-// As many calls as take about a tenth of a millisecond, so that the clock's own cost is none of the figure.
+// As many calls as take about a tenth of a millisecond, so that the cost of reading the clock does not count.
 int roundsFor(const std::function<void()> &call)
 {
     const double once = secondsOf(3, call);
     return std::clamp(static_cast<int>(1e-4 / std::max(once, 1e-9)), 1, 10000);
 }
 
-void run(benchmark::State &state, const Case &item, int slot, int side)
+void run(benchmark::State &state, const Case &item, int build, int side)
 {
-    krnDispatchIndex = slot;
+    orvUseBuild(build);
     const Job job = item.prepare(side);
     std::vector<unsigned char> spareFrom(job.from == nullptr ? job.bytes : 0, 1),
         spareTo(job.to == nullptr ? job.bytes : 0);
@@ -63,19 +64,24 @@ void run(benchmark::State &state, const Case &item, int slot, int side)
     state.counters["ns_per_call"] = best * 1e9;
     state.counters["ns_per_pixel"] = best * 1e9 / static_cast<double>(job.pixels);
     state.counters["memcpy_ratio"] = best / bestCopy;
-    krnDispatchIndex = 0;
+    orvUseBuild(ORV_BUILD_PLAIN);
 }
 
-// Gathers the runs of a case in one line.
+// Prints the runs of a case in one line.
 class TableReporter : public benchmark::ConsoleReporter {
 public:
     TableReporter() : ConsoleReporter(OO_None) {}
 
     bool ReportContext(const Context &) override
     {
-        std::printf("%-30s %33s %33s %12s\n", "", "256 x 256", "2048 x 2048", "1 x 1");
-        std::printf("%-30s %16s %16s %16s %16s %12s\n", "ns/pixel (times memcpy)", "slot 0", "slot 5", "slot 0",
-                    "slot 5", "slot 0, ns");
+        std::printf("%-30s %50s %50s %20s\n", "", "256 x 256", "2048 x 2048", "8 x 8, ns per call");
+        std::printf("%-30s", "ns/pixel (times memcpy)");
+        for (int size = 0; size < 2; ++size)
+            for (const int build : builds)
+                std::printf(" %16s", orvBuildName(build));
+        for (const int build : builds)
+            std::printf(" %6s", orvBuildName(build));
+        std::printf("\n");
         return true;
     }
 
@@ -99,17 +105,20 @@ private:
     {
         if (!current_.empty()) {
             std::printf("%-30s", current_.c_str());
-            for (const char *column : {"256/0", "256/5", "2048/0", "2048/5"})
-                printCell(column);
-            if (cells_.count("1/0") != 0)
-                std::printf(" %12.1f", cells_["1/0"].at("ns_per_call").value);
+            for (const int side : {cachedSide, memorySide})
+                for (const int build : builds)
+                    printCell(columnOf(side, build));
+            for (const int build : builds)
+                printTiny(columnOf(tinySide, build));
             std::printf("\n");
             std::fflush(stdout);
         }
         cells_.clear();
     }
 
-    void printCell(const char *column)
+    static std::string columnOf(int side, int build) { return std::to_string(side) + "/" + std::to_string(build); }
+
+    void printCell(const std::string &column)
     {
         if (cells_.count(column) == 0) {
             std::printf(" %16s", "-");
@@ -121,40 +130,98 @@ private:
         std::printf(" %16s", text);
     }
 
+    void printTiny(const std::string &column)
+    {
+        if (cells_.count(column) != 0)
+            std::printf(" %6.0f", cells_[column].at("ns_per_call").value);
+        else
+            std::printf(" %6s", "-");
+    }
+
     std::string current_;
     std::map<std::string, benchmark::UserCounters> cells_;
 };
 
-void registerRun(const Case &item, int side, int slot)
+void registerRun(const Case &item, int side, int build)
 {
-    const std::string name = item.name + "/" + std::to_string(side) + "/" + std::to_string(slot);
+    const std::string name = item.name + "/" + std::to_string(side) + "/" + std::to_string(build);
     benchmark::RegisterBenchmark(name.c_str(),
-                                 [item, slot, side](benchmark::State &state) { run(state, item, slot, side); })
+                                 [item, build, side](benchmark::State &state) { run(state, item, build, side); })
         ->UseManualTime()
         ->Iterations(side > cachedSide ? 40 : 300);
 }
 
+void registerCase(const Case &item)
+{
+    for (const int build : builds) {
+        if (orvUseBuild(build) != build)
+            continue; // the processor does not support it
+        for (const int side : {cachedSide, memorySide})
+            registerRun(item, side, build);
+        if (item.tiny)
+            registerRun(item, tinySide, build);
+    }
+    orvUseBuild(ORV_BUILD_PLAIN);
+}
+
+std::vector<Case> allCases()
+{
+    std::vector<Case> cases = bench::copyingCases();
+    for (const std::vector<Case> &more : {bench::arithmeticCases(), bench::geometryCases(), bench::measureCases(),
+                                          bench::neighbourhoodCases(), bench::kernelCases()})
+        cases.insert(cases.end(), more.begin(), more.end());
+    return cases;
+}
+
+// Google Benchmark matches its filter against names with size and build. This one sees the name of the case alone, so
+// that an expression can end with $. False, after a message, if it is no regular expression or matches nothing.
+bool registerMatching(const std::vector<Case> &cases, const std::string &filter)
+{
+    try {
+        const std::regex expression(filter);
+        std::size_t matches = 0;
+        for (const Case &item : cases)
+            if (std::regex_search(item.name, expression)) {
+                registerCase(item);
+                ++matches;
+            }
+        if (matches == 0)
+            std::fprintf(stderr, "orv_bench: no case matches \"%s\"; --list prints their names\n", filter.c_str());
+        return matches != 0;
+    } catch (const std::regex_error &) {
+        std::fprintf(stderr, "orv_bench: \"%s\" is not a regular expression\n", filter.c_str());
+        return false;
+    }
+}
+
 } // namespace
 
+// orv_bench [--list] [--filter=EXPRESSION] [options of Google Benchmark]
 int main(int argc, char **argv)
 {
-    orvSetErrMode(ORV_ErrorModeLeaf);
-    orvRedirectError(orvStdErrReport);
-    std::vector<Case> cases = bench::copyingCases();
-    for (const std::vector<Case> &more :
-         {bench::arithmeticCases(), bench::geometryCases(), bench::neighbourhoodCases(), bench::kernelCases()})
-        cases.insert(cases.end(), more.begin(), more.end());
-    for (const Case &item : cases) {
-        for (const int side : {cachedSide, memorySide})
-            for (const int slot : slots)
-                registerRun(item, side, slot);
-        if (item.tiny)
-            registerRun(item, 1, 0);
+    orvRedirectError(orvStdErrReport); // a failure ends the program with a message
+    const std::vector<Case> cases = allCases();
+    const std::string option = "--filter=";
+    std::string filter;
+    int kept = 1;
+    for (int i = 1; i < argc; ++i) {
+        const std::string argument = argv[i];
+        if (argument == "--list") {
+            for (const Case &item : cases)
+                std::printf("%s\n", item.name.c_str());
+            return 0;
+        }
+        if (argument.compare(0, option.size(), option) == 0)
+            filter = argument.substr(option.size());
+        else
+            argv[kept++] = argv[i];
     }
+    argc = kept;
     benchmark::Initialize(&argc, argv);
-    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+    if (benchmark::ReportUnrecognizedArguments(argc, argv) || !registerMatching(cases, filter))
         return 1;
     TableReporter table;
     benchmark::RunSpecifiedBenchmarks(&table);
     benchmark::Shutdown();
+    return 0;
 }

@@ -1,4 +1,4 @@
-// Operations that move pixels to other places.
+// Operations that move pixels.
 #include "bench_case.h"
 #include "bench_images.h"
 

@@ -1,4 +1,4 @@
-// Kernels that no exported operation shows on their own.
+// Kernels that no exported function runs alone.
 #include "kernels.h"
 #include "bench_case.h"
 #include "bench_images.h"

@@ -1,4 +1,4 @@
-// Operations that look around each pixel. Their coefficients and shifts are those of everyday: small integers.
+// Operations with a neighbourhood. Coefficients and shifts are typical ones: small integers.
 #include "bench_case.h"
 #include "bench_images.h"
 
@@ -9,7 +9,7 @@ const std::int32_t binomial3[] = {1, 2, 1, 2, 4, 2, 1, 2, 1};
 const std::int32_t edge3[] = {1, 0, -1, 2, 0, -2, 1, 0, -1};
 const std::int32_t binomial5[] = {1, 4, 6, 4, 1};
 
-// A window of the record's kind that lives as long as the benchmark.
+// A window of either record type. It lives as long as the benchmark.
 template <class Record> struct Window;
 
 template <> struct Window<OrvConvKernel> {
@@ -95,7 +95,7 @@ template <class Record> void addForms(std::vector<Case> &cases, int depth, int c
     add("separable 5+5", [&](const Image &a, const Image &b) { separable(a, b, of.row, of.column); });
 }
 
-// What two kernels cost beside one, on the engine that works in floats.
+// The cost of two kernels compared with one, in float arithmetic.
 template <class Record> void addCombinations(std::vector<Case> &cases, int depth)
 {
     const Windows<Record> &of = windows<Record>();
@@ -108,8 +108,8 @@ template <class Record> void addCombinations(std::vector<Case> &cases, int depth
         }));
 }
 
-// A small rectangle of an image of 4096 x 4096: its cost must be that of the rectangle. The two sizes of the table are
-// both 64 x 64 here, with and without the edge of the image in reach.
+// A small rectangle of an image of 4096 x 4096. The cost must depend on the rectangle and not on the image. Both sizes
+// of the table are 64 x 64 here: the first inside the image, the second at its corner.
 Case smallRectangle()
 {
     return {
