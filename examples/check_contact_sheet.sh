@@ -1,6 +1,6 @@
 #!/bin/bash
-# check_contact_sheet.sh PROGRAM IMAGES: runs the contact sheet on photographs, on odd pictures and on files that it must
-# refuse with one line and exit code 1.
+# check_contact_sheet.sh PROGRAM IMAGES: runs the contact sheet on photographs, on unusual pictures, and on files that it
+# must refuse with one line and exit code 1.
 set -uo pipefail
 
 program=$1

@@ -20,9 +20,11 @@ namespace fs = std::filesystem;
 
 constexpr const char *usage =
     "usage: contact_sheet [--output DIR] [--images DIR] [--overview FILE] [PHOTOGRAPH.png ...]\n"
-    "Writes pictures of what the library does with the photographs, or with those in the folder of images, and a page\n"
-    "index.html that shows them, to the output folder; and a choice of them in one picture when asked for an "
-    "overview.\n"
+    "Writes pictures of what the library does with the photographs, and a page index.html that shows them, to the "
+    "output\n"
+    "folder. Without photographs it takes those of the folder of images. --overview writes a selection of the pictures "
+    "to\n"
+    "one PNG file.\n"
     "Defaults: --output contact-sheet --images examples/images\n";
 
 struct Options {
@@ -50,9 +52,9 @@ Options parse(int count, char **arguments)
         } else if (argument == "--help") {
             options.help = true;
         } else if (value == nullptr) {
-            throw Failure("unknown option " + argument + "; --help tells those that there are");
+            throw Failure("unknown option " + argument + "; --help lists the options");
         } else if (++i == count || *arguments[i] == 0) {
-            throw Failure(argument + " wants a name after it");
+            throw Failure(argument + " needs a name after it");
         } else {
             *value = arguments[i];
         }
@@ -105,42 +107,7 @@ Photograph readPhotograph(const std::string &path)
     return {name, false, std::move(image), std::move(grey)};
 }
 
-// What the codes of the classification choose.
-const char *processorBuild()
-{
-    switch (krnCpuCode()) {
-    case 0x05:
-    case 0x10:
-    case 0x11:
-    case 0x40:
-        return "1 (MMX and SSE)";
-    case 0x06:
-    case 0x07:
-    case 0x09:
-    case 0x41:
-        return "2 (SSE2)";
-    case 0x08:
-    case 0x0A:
-    case 0x0B:
-    case 0x20:
-    case 0x42:
-        return "3 (SSE3)";
-    case 0x21:
-    case 0x22:
-    case 0x24:
-    case 0x43:
-        return "4 (SSSE3)";
-    case 0x23:
-    case 0x25:
-    case 0x44:
-    case 0x45:
-        return "5 (SSE4.1)";
-    default:
-        return "0 (plain)";
-    }
-}
-
-// The pictures of one run: where they are written, and what the page and the overview will need of them.
+// The pictures of one run: their folder, and what the page and the overview need of them.
 struct Sheet {
     fs::path folder;
     bool wantsThumbnails;
@@ -163,6 +130,8 @@ void addPicture(Sheet &sheet, const Family &family, const Entry &entry, const Ph
 void addPictures(Sheet &sheet, const std::vector<Photograph> &photographs)
 {
     for (const Family &family : families()) {
+        const std::size_t before = sheet.figures.size();
+        std::cout << family.title << ": " << std::flush;
         for (const Entry &entry : family.entries) {
             if (entry.photograph == everyPhotograph) {
                 for (std::size_t i = 0; i < photographs.size(); ++i)
@@ -173,16 +142,17 @@ void addPictures(Sheet &sheet, const std::vector<Photograph> &photographs)
                 addPicture(sheet, family, entry, photographs[number % photographs.size()], entry.name);
             }
         }
+        const std::size_t count = sheet.figures.size() - before;
+        std::cout << count << (count == 1 ? " picture\n" : " pictures\n");
     }
 }
 
 void run(const Options &options)
 {
-    krnClassify();
+    const std::int32_t build = orvUseBuild(ORV_BUILD_BEST);
     takeReports();
-    const std::string library =
-        std::string("Library ") + orvGetLibVersion()->Version + ", processor build " + processorBuild();
-    std::cout << library << ".\n";
+    const std::string library = std::string("orv ") + ORV_VERSION + ", " + orvBuildName(build) + " build";
+    std::cout << library << '\n';
 
     std::vector<Photograph> photographs;
     for (const std::string &path : options.photographs.empty() ? photographsIn(options.images) : options.photographs)

@@ -1,4 +1,4 @@
-// From images of any depth to 8-bit pictures that a PNG file and a page can show.
+// Converts images of any depth to 8-bit pictures for PNG files.
 #include "display.h"
 
 #include <algorithm>

@@ -9,7 +9,7 @@ std::span<const Family> families()
 {
     static const Family all[] = {
         photographFamily(), copyFamily(),     fillFamily(),          magnitudeFamily(), arithmeticFamily(),
-        logicFamily(),      geometryFamily(), neighbourhoodFamily(), patternFamily(),
+        logicFamily(),      geometryFamily(), neighbourhoodFamily(), measureFamily(),   patternFamily(),
     };
     return all;
 }

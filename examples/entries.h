@@ -1,4 +1,4 @@
-// The families of entries, each the table at the end of its own source.
+// The families of entries. Each is the table at the end of its own source.
 #pragma once
 
 #include "entry.h"
@@ -12,6 +12,7 @@ Family magnitudeFamily();
 Family arithmeticFamily();
 Family logicFamily();
 Family geometryFamily();
+Family measureFamily();
 Family neighbourhoodFamily();
 Family patternFamily();
 

@@ -9,7 +9,7 @@ Image like(const OrvImage &image)
     return owned(orvCloneImage(&image));
 }
 
-// From black at the left to white at the right, in every channel.
+// From black at the left to white at the right, in all channels.
 Image gradientLike(const OrvImage &image)
 {
     Image gradient = like(image);
@@ -42,7 +42,7 @@ Picture sum(const Photograph &photograph)
     return ofTwo(orvAdd, *photograph.grey, *rings);
 }
 
-// Each picture against the same four pixels further right and down: two rectangles of one raster.
+// The picture minus itself, shifted by four pixels right and down: two rectangles of one raster.
 Picture difference(const Photograph &photograph)
 {
     const Image result = like(*photograph.grey);
@@ -78,14 +78,14 @@ Picture squared(const Photograph &photograph)
 }
 
 constexpr Entry table[] = {
-    {"sum", "orvAdd", "The photograph and the test pattern; sums beyond 255 stay there.", true, 0, sum},
-    {"difference", "orvSubtract", "The photograph less itself four pixels further right and down.", true, 1,
+    {"sum", "orvAdd", "The photograph plus the test pattern. Sums saturate at 255.", true, 0, sum},
+    {"difference", "orvSubtract", "The photograph minus itself, shifted by four pixels right and down.", true, 1,
      difference},
     {"times-gradient", "orvMultiplyScale", "The photograph times a gradient from 0 to full scale.", true, 2,
      timesGradient},
     {"brighter", "orvAddS", "70 added to every sample.", false, 0, brighter},
-    {"negative", "orvSubtractS", "255 less every sample.", true, 1, negative},
-    {"squared", "orvSquare", "Fractions of 0 to 1 squared: what is dark gets darker.", false, 2, squared},
+    {"negative", "orvSubtractS", "255 minus every sample.", true, 1, negative},
+    {"squared", "orvSquare", "Floats from 0 to 1, squared: dark areas get darker.", false, 2, squared},
 };
 
 } // namespace

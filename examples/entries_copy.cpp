@@ -47,8 +47,8 @@ Picture channelAlone(const Photograph &photograph)
     return pictureOf(*result, source, time);
 }
 
-// The photograph in plane order. Between the orders only images of one channel are copied, so each channel goes through
-// two.
+// The photograph in plane order. Only images of one channel can be copied between the orders. So each channel takes two
+// images on its way.
 Image inPlanes(const OrvImage &source)
 {
     Image planes = newImage({.order = ORV_DATA_ORDER_PLANE}, sizeOf(source));
@@ -101,14 +101,14 @@ Picture besideAlpha(const Photograph &photograph)
 }
 
 constexpr Entry table[] = {
-    {"copy-ellipse", "orvCopy", "A copy under an elliptic mask, onto a plain ground.", true, 2, underEllipse},
+    {"copy-ellipse", "orvCopy", "A copy under an elliptic mask, onto a uniform background.", true, 2, underEllipse},
     {"copy-rectangle", "orvCopy", "The middle ninth copied into the top left corner.", true, 0, rectangleElsewhere},
     {"copy-channel", "orvCopy", "The first channel copied into the third: red into blue.", true, 1, channelToChannel},
     {"copy-one-channel", "orvCopy", "The third channel, blue, copied to an image of one channel.", true, 2,
      channelAlone},
     {"copy-alpha", "orvCopy",
-     "A copy of three channels into four with alpha. The alpha samples, filled in eight steps before, stay.", true, 1,
-     besideAlpha},
+     "A copy of three channels into four with alpha. The alpha samples, filled in eight steps before, are kept.", true,
+     1, besideAlpha},
     {"copy-planes", "orvCopy", "A copy in plane order, its three planes side by side: red, green, blue.", true, 2,
      planesBeside},
 };

@@ -1,4 +1,4 @@
-// Entries: fills of a rectangle, under a mask, of one channel, and of floats.
+// Entries: fills of a rectangle, under a mask, of one channel and of floats.
 #include "entries.h"
 
 namespace sheet {

@@ -4,7 +4,7 @@
 namespace sheet {
 namespace {
 
-// The call returns nothing. Any failure ends this program, so that a status that stands stored is its own.
+// orvMirror() returns nothing. Every failure ends this program, so a stored status can only come from this call.
 void mirror(const OrvImage &source, OrvImage &target, std::int32_t axis)
 {
     orvMirror(&source, &target, axis);
@@ -56,11 +56,12 @@ Picture oneChannel(const Photograph &photograph)
 }
 
 constexpr Entry table[] = {
-    {"mirror-rows", "orvMirror", "Axis 0: the rows exchanged.", false, 0, whole<0>},
-    {"mirror-columns", "orvMirror", "Axis 1: the columns exchanged.", false, 1, whole<1>},
+    {"mirror-rows", "orvMirror", "Axis 0: the rows reversed.", false, 0, whole<0>},
+    {"mirror-columns", "orvMirror", "Axis 1: the columns reversed.", false, 1, whole<1>},
     {"mirror-both", "orvMirror", "Axis -1: both.", false, 2, whole<-1>},
     {"mirror-half", "orvMirror", "The left half mirrored onto the right one.", true, 0, besideItself},
-    {"mirror-ellipse", "orvMirror", "The middle turned over, under an elliptic mask.", true, 2, underEllipse},
+    {"mirror-ellipse", "orvMirror", "The middle rotated by half a turn, under an elliptic mask.", true, 2,
+     underEllipse},
     {"mirror-channel", "orvMirror", "The first channel, red, mirrored alone.", false, 1, oneChannel},
 };
 

@@ -1,10 +1,10 @@
-// Entries: masks put together by logic, and the bits of samples.
+// Entries: masks combined by logic, and single bits of samples.
 #include "entries.h"
 
 namespace sheet {
 namespace {
 
-// Two ellipses that overlap in the middle, as bytes: masks differ from them in the depth of their header only.
+// Two ellipses that overlap in the middle, as 8U. A mask differs only in the depth of its header.
 struct Ellipses {
     Image left, right, result;
 
@@ -58,7 +58,7 @@ Picture inOne(const Photograph &photograph)
     return under(photograph, orvXor);
 }
 
-// One bit of every sample: shifted down, the others cut off.
+// One bit of every sample: shifted right, the others cleared.
 Image bitPlane(const OrvImage &image, unsigned bit, double &time)
 {
     Image plane = owned(orvCloneImage(&image));
@@ -85,12 +85,12 @@ Picture complement(const Photograph &photograph)
 }
 
 constexpr Entry table[] = {
-    {"mask-and", "orvAnd", "A copy under two ellipses: where both are.", false, 0, inBoth},
-    {"mask-or", "orvOr", "Where either is.", false, 0, inEither},
-    {"mask-xor", "orvXor", "Where one is, and not the other.", true, 1, inOne},
-    {"bit-planes", "orvRShiftS, orvAndS", "Single bits of the samples: shifted down, the others cut off.", true, 2,
+    {"mask-and", "orvAnd", "A copy under two ellipses: the pixels in both.", false, 0, inBoth},
+    {"mask-or", "orvOr", "The pixels in either ellipse.", false, 0, inEither},
+    {"mask-xor", "orvXor", "The pixels in exactly one ellipse.", true, 1, inOne},
+    {"bit-planes", "orvRShiftS, orvAndS", "Single bits of the samples: shifted right, the others cleared.", true, 2,
      bitPlanes},
-    {"complement", "orvNot", "All bits turned.", false, 0, complement},
+    {"complement", "orvNot", "All bits inverted.", false, 0, complement},
 };
 
 } // namespace

@@ -1,4 +1,4 @@
-// Entries: the magnitude of signed images, before on the left and after on the right.
+// Entries: the magnitude of signed images. The source is on the left, the result on the right.
 #include "entries.h"
 
 namespace sheet {
@@ -44,11 +44,10 @@ template <std::int32_t Depth> Picture ofPattern(const Photograph &)
 }
 
 constexpr Entry table[] = {
-    {"abs-16s", "orvAbs",
-     "The difference of horizontal neighbours, and its magnitude: edges of both directions are bright.", true, 0,
-     ofDifference},
-    {"abs-32f", "orvAbs",
-     "The photograph as -1 to 1, and its magnitude: what was darker than grey is turned to bright.", true, 1, ofFloats},
+    {"abs-16s", "orvAbs", "The difference of horizontal neighbours, and its magnitude: edges of both signs are bright.",
+     true, 0, ofDifference},
+    {"abs-32f", "orvAbs", "The photograph from -1 to 1, and its magnitude: samples below middle grey become bright.",
+     true, 1, ofFloats},
     {"abs-8s", "orvAbs", "The test pattern, and its magnitude: twice as many rings.", true, noPhotograph,
      ofPattern<ORV_DEPTH_8S>},
     {"abs-32s", "orvAbs", "The same in 32 bits.", false, noPhotograph, ofPattern<ORV_DEPTH_32S>},

@@ -19,7 +19,7 @@ Kernel kernelOf(Size size, Size anchor, const std::vector<std::int32_t> &values,
     return Kernel(kernel);
 }
 
-// With its anchor in the middle.
+// A kernel with its anchor in the middle.
 Kernel kernelOf(Size size, const std::vector<std::int32_t> &values, std::int32_t shift)
 {
     return kernelOf(size, {size.width / 2, size.height / 2}, values, shift);
@@ -30,9 +30,9 @@ void repeatEdges(OrvImage &image)
     orvSetBorderMode(&image, ORV_BORDER_REPLICATE, ORV_SIDE_ALL, 0);
 }
 
-// A part of the photograph in the middle of a picture twice its size. It is an image of its own, with a border that
-// begins where it ends. A window whose one coefficient lies in the corner away from the anchor fetches pixels from
-// afar: the four quarters of the picture come from half the part's size away, each from another direction.
+// Shows a part of the photograph with its border around it, in a picture twice its size. The part is an image of its
+// own. A window whose only coefficient is in the corner opposite to the anchor shifts the image by the size of the
+// window. Four such windows, one per direction, make the four quarters of the picture.
 Picture bordered(const Photograph &photograph, std::int32_t mode)
 {
     const OrvImage &photo = *photograph.colour;
@@ -100,7 +100,7 @@ Picture sharpened(const Photograph &photograph)
     return convolved(*photograph.colour, {kernel.get()});
 }
 
-// In 16 bits, where results below zero have their place: black and white on grey.
+// At 16S, because results may be negative: black and white on grey.
 Picture emboss(const Photograph &photograph)
 {
     const Kernel kernel = kernelOf({3, 3}, {2, 1, 0, 1, 0, -1, 0, -1, -2}, 0);
@@ -135,11 +135,12 @@ constexpr Entry table[] = {
     {"border-reflect", "orvSetBorderMode", "The same mirrored at its edges.", true, 1, border<ORV_BORDER_REFLECT>},
     {"border-wrap", "orvSetBorderMode", "The same continued from the opposite side.", false, 1,
      border<ORV_BORDER_WRAP>},
-    {"edges", "orvConvolve2D", "What grows brighter to the right, by a window of 3 × 3.", false, 0, edges},
-    {"gradient", "orvConvolve2D", "The length of the gradient: two windows, the root of the sum of squares.", true, 0,
-     gradient},
-    {"sharpened", "orvConvolve2D", "The centre sixteenfold less its neighbours, divided by 8.", false, 2, sharpened},
-    {"emboss", "orvConvolve2D", "Light from one corner, in 16 bits.", true, 1, emboss},
+    {"edges", "orvConvolve2D", "Edges where the picture becomes brighter to the right, by a window of 3 × 3.", false, 0,
+     edges},
+    {"gradient", "orvConvolve2D",
+     "The length of the gradient: two windows, combined by the root of the sum of squares.", true, 0, gradient},
+    {"sharpened", "orvConvolve2D", "16 times the centre minus its neighbours, divided by 8.", false, 2, sharpened},
+    {"emboss", "orvConvolve2D", "Light from one corner, computed at 16S.", true, 1, emboss},
     {"binomial-blur", "orvConvolveSep2D", "A row and a column of nine binomial coefficients.", true, 2, binomialBlur},
 };
 

@@ -14,7 +14,7 @@ template <std::int32_t Depth> Picture pattern(const Photograph &)
 constexpr const char *operation = "orvCreateImageJaehne";
 
 constexpr Entry table[] = {
-    {"pattern-8u", operation, "Rings, at the centre the mean.", true, noPhotograph, pattern<ORV_DEPTH_8U>},
+    {"pattern-8u", operation, "Rings around the middle of the range.", true, noPhotograph, pattern<ORV_DEPTH_8U>},
     {"pattern-8s", operation, "Rings about 0.", false, noPhotograph, pattern<ORV_DEPTH_8S>},
     {"pattern-16u", operation, "Rings over 0 to 65535.", false, noPhotograph, pattern<ORV_DEPTH_16U>},
     {"pattern-16s", operation, "Rings about 0.", false, noPhotograph, pattern<ORV_DEPTH_16S>},

@@ -1,4 +1,4 @@
-// Entries: the photographs, a clone, and pixels one by one.
+// Entries: the photographs, a clone, and single pixels.
 #include <cmath>
 #include <vector>
 
@@ -24,7 +24,7 @@ struct Point {
     std::int32_t x, y;
 };
 
-// A wave that rises from (0, 0) to the opposite corner, without gaps and three pixels thick.
+// A wave from (0, 0) to the opposite corner, without gaps and three pixels thick.
 std::vector<Point> risingWave(Size size)
 {
     constexpr double pi = 3.14159265358979;
@@ -46,7 +46,7 @@ std::vector<Point> risingWave(Size size)
 Picture drawnLine(const Photograph &photograph)
 {
     const Image image = owned(orvCloneImage(photograph.colour.get()));
-    OrvImage fromBelow = *image; // the same raster with its rows counted from the last
+    OrvImage fromBelow = *image; // the same raster, rows counted from the last one
     fromBelow.origin = ORV_ORIGIN_BL;
     const std::vector<Point> points = risingWave(sizeOf(*image));
     const std::uint8_t red[3] = {220, 40, 30};
@@ -64,9 +64,8 @@ constexpr Entry table[] = {
     {"photograph", "libpng", "The photograph as read.", true, everyPhotograph, asRead},
     {"clone", "orvCloneImage", "A clone, with a raster of its own.", false, 2, clone},
     {"line", "orvPutPixel",
-     "A line drawn pixel by pixel, through a header with its origin at the bottom left: y counts up from the last row. "
-     "The "
-     "time is that of one pixel.",
+     "A line drawn pixel by pixel, through a header with its origin at the bottom left, where y counts from the last "
+     "row. The time is that of one pixel.",
      true, 0, drawnLine},
 };
 

@@ -19,25 +19,25 @@ struct Photograph {
     Image grey;       // 8U, one channel
 };
 
-// What an entry gives: a picture, and what its caption says of the call that made it.
+// The result of an entry: a picture, and the facts of the call that made it.
 struct Picture {
     Image image;         // 8U, pixel order, top row first
-    std::string worked;  // on what the call worked: depth, channels, size
-    double microseconds; // of one call, the best of some; negative when there was none to time
-    std::string shownAs; // how samples became the picture's, empty when they are the same
+    std::string worked;  // what the call processed: depth, channels, size
+    double microseconds; // of one call, the shortest of several; negative if there was no call
+    std::string shownAs; // how samples were mapped to 8 bits; empty if they were not
 };
 
-// One row of a table. A new picture is a row and its function; nothing else knows of it.
+// One row of a table. A new picture needs a row and its function, nothing else.
 struct Entry {
     const char *name;      // of the picture's file, without its ending
     const char *operation; // the exported function
     const char *caption;   // one sentence
-    bool inOverview;       // the overview is a choice, so that it stays small
-    int photograph;        // which one, counted round those that there are, or one of the two values below
+    bool inOverview;       // the overview shows a selection, to stay small
+    int photograph;        // its number, modulo their count, or one of the two values below
     Picture (*make)(const Photograph &photograph);
 };
 constexpr int everyPhotograph = -1;
-constexpr int noPhotograph = -2; // the function is given the first, and leaves it alone
+constexpr int noPhotograph = -2; // the function gets the first and ignores it
 
 struct Family {
     const char *title;
@@ -47,14 +47,14 @@ struct Family {
 // All families in the order of the page.
 std::span<const Family> families();
 
-// "8U, 3 channels, 640 x 480" of the whole image, or of a rectangle and channel of it.
+// For example "8U, 3 channels, 640 x 480": of the whole image, or of its rectangle and channel.
 std::string describe(const OrvImage &image);
 
-// The picture of a result whose range its depth tells, and of one that a mapping shows better.
+// The picture of a result, mapped by the range of its depth or by a given mapping.
 Picture pictureOf(const OrvImage &result, const OrvImage &worked, double microseconds);
 Picture pictureOf(const OrvImage &result, const Mapping &mapping, const OrvImage &worked, double microseconds);
 
-// The shortest of some runs of a call in microseconds. What prepares a run is not timed.
+// The shortest of several runs of a call, in microseconds. The preparation of a run is not timed.
 template <class Call, class Prepare> double bestTime(const Call &call, const Prepare &prepare)
 {
     using Clock = std::chrono::steady_clock;

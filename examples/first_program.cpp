@@ -6,9 +6,10 @@
 
 int main()
 {
-    krnClassify();                      // once, before any other call: the build for this processor
-    orvSetErrMode(ORV_ErrorModeParent); // a failure comes back as a status and does not end the program
-    orvRedirectError(orvStdErrReport);  // and is told on standard error
+    // Before any other call: let failures come back as statuses, report them, and run this processor's best build.
+    orvSetErrMode(ORV_ErrorModeParent);
+    orvRedirectError(orvStdErrReport);
+    const std::int32_t build = orvUseBuild(ORV_BUILD_BEST);
 
     OrvImage *rings = orvCreateImageJaehne(ORV_DEPTH_16S, 640, 480);
     OrvImage *magnitude = orvCloneImage(rings);
@@ -17,7 +18,7 @@ int main()
                       orvGetPixel(rings, 320, 280, &before) == ORV_STATUS_OK &&
                       orvGetPixel(magnitude, 320, 280, &after) == ORV_STATUS_OK;
     if (done)
-        std::printf("At column 320, row 280: %d before, %d after.\n", before, after);
+        std::printf("%s build: %d before, %d after, at column 320 and row 280.\n", orvBuildName(build), before, after);
 
     orvDeallocate(rings, ORV_IMAGE_HEADER | ORV_IMAGE_DATA);
     orvDeallocate(magnitude, ORV_IMAGE_HEADER | ORV_IMAGE_DATA);

@@ -1,4 +1,4 @@
-// The page of the contact sheet: plain HTML with its style in it.
+// The page of the contact sheet: HTML with an embedded style.
 #include "html_page.h"
 
 #include <cstdio>
@@ -101,8 +101,8 @@ void writePage(const std::string &path, const std::string &subtitle, const std::
 {
     std::ofstream page(path, std::ios::binary);
     page << head << "<header><h1>orv contact sheet</h1>\n<p>" << escaped(subtitle)
-         << "</p>\n<p>Under each picture: the function, the time of one call (the best of some), what it shows, "
-            "and depth, channels and size of what the call worked on.</p></header>\n";
+         << "</p>\n<p>Under each picture: the function, the time of one call (the shortest of several), what it shows, "
+            "and depth, channels and size of what the call processed.</p></header>\n";
     const Family *family = nullptr;
     for (const Figure &figure : figures) {
         if (figure.family != family) {

@@ -8,7 +8,7 @@
 
 namespace sheet {
 
-// A picture on the page. Its pixels are in its file.
+// A picture on the page. The pixels are in a file of their own.
 struct Figure {
     const Family *family;
     const Entry *entry;
@@ -19,7 +19,7 @@ struct Figure {
     double microseconds;
 };
 
-// Writes the page, figures of a family under one heading, in their order. Throws a Failure that names the file.
+// Writes the page: a heading for each family, then its figures in order. Throws a Failure that names the file.
 void writePage(const std::string &path, const std::string &subtitle, const std::vector<Figure> &figures);
 
 } // namespace sheet

@@ -1,4 +1,4 @@
-// A choice of the pictures of a sheet in one.
+// A selection of the pictures of a sheet, in one picture.
 #include "overview.h"
 
 #include <algorithm>
@@ -27,7 +27,7 @@ Image thumbnail(const OrvImage &image)
         return std::max(1, static_cast<std::int32_t>(side * scale + 0.5));
     };
     Image small = reduced(image, {scaled(image.width), scaled(image.height)});
-    // 64 levels in place of 256: nobody sees it, and the file is little more than half as large.
+    // 64 levels instead of 256: the difference is invisible, and the file is little more than half as large.
     for (std::int32_t y = 0; y < small->height; ++y)
         for (std::uint8_t &sample :
              std::span(rowOf<std::uint8_t>(*small, y), 3 * static_cast<std::size_t>(small->width)))

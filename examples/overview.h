@@ -1,4 +1,4 @@
-// A choice of the pictures of a sheet in one.
+// A selection of the pictures of a sheet, in one picture.
 #pragma once
 
 #include <vector>
@@ -7,10 +7,10 @@
 
 namespace sheet {
 
-// The picture as small as its cell of the overview, in somewhat fewer colours.
+// The picture reduced to a cell of the overview, with fewer colours.
 Image thumbnail(const OrvImage &image);
 
-// Thumbnails in their order, row by row, copied into one picture of 900 pixels' width.
+// Copies thumbnails in order, row by row, into one picture 900 pixels wide.
 Image overview(const std::vector<Image> &thumbnails);
 
 } // namespace sheet

@@ -1,4 +1,4 @@
-// Images that release themselves, and the failures that end the program with one line.
+// Images that release themselves, and failures that end the program with one line.
 #include "owned_image.h"
 
 #include <cstdio>
@@ -6,7 +6,7 @@
 namespace sheet {
 namespace {
 
-char lastReport[256]; // the handler has no argument for a place of ours
+char lastReport[256]; // global, because a handler has no argument for context
 
 OrvStatus keepReport(OrvStatus status, const char *func, const char *context, const char *, std::int32_t)
 {
@@ -36,7 +36,7 @@ void ReleaseImage::operator()(OrvImage *image) const
 
 Image owned(OrvImage *image)
 {
-    // Exhausted memory for a header is the one failure that the library does not report.
+    // The library does not report exhausted memory for a header.
     if (image == nullptr)
         throw Failure(lastReport[0] != 0 ? lastReport : "not enough memory for an image header");
     return Image(image);

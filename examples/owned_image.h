@@ -1,4 +1,4 @@
-// Images that release themselves, and the failures that end the program with one line.
+// Images that release themselves, and failures that end the program with one line.
 #pragma once
 
 #include <orv.h>
@@ -11,25 +11,25 @@
 
 namespace sheet {
 
-// Its text is the one line that the user sees.
+// The text is the one line that the user sees.
 struct Failure : std::runtime_error {
     using std::runtime_error::runtime_error;
 };
 
-// Has the library hand its reports to this program, which goes on after them.
+// Installs a report handler that keeps the report, so that the program continues and check() can throw it.
 void takeReports();
 
-// Throws what the library reported when a call did not succeed.
+// Throws the report if the status is a failure.
 void check(OrvStatus status);
 
 struct ReleaseImage {
     void operator()(OrvImage *image) const;
 };
 
-// Owns header and raster. Rectangles and masks belong to whoever hung them on.
+// Owns header and raster. Rectangles and masks belong to the code that set them.
 using Image = std::unique_ptr<OrvImage, ReleaseImage>;
 
-// Takes over what the library created; throws what it reported when there is nothing.
+// Takes ownership of an image that the library created. Throws the report if it is null.
 Image owned(OrvImage *image);
 
 struct Size {
@@ -48,16 +48,16 @@ struct Layout {
     std::int32_t alpha = 0;
 };
 
-// A new image with all samples 0.
+// A new image whose samples are all 0.
 Image newImage(Layout layout, Size size);
 
-// A second header for the same raster, which a call restricts to a rectangle and to the pixels of a mask.
+// A second header for the same raster, restricted to a rectangle and a mask.
 OrvImage viewOf(const OrvImage &image, OrvROI *rectangle, OrvImage *mask = nullptr);
 
-// A mask with the largest ellipse that fits.
+// A mask: the largest ellipse that fits.
 Image ellipseMask(Size size);
 
-// The samples of a row in memory order, of the first plane in plane order.
+// The samples of a row in memory order; in plane order, of the first plane.
 template <class Sample> Sample *rowOf(const OrvImage &image, std::int32_t y)
 {
     const std::ptrdiff_t offset = std::ptrdiff_t{y} * image.widthStep;

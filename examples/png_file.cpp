@@ -1,4 +1,4 @@
-// PNG files in and out through libpng, whose errors become one line each.
+// Reads and writes PNG files by libpng. Each of its errors becomes one line.
 #include "png_file.h"
 
 #include <png.h>
@@ -13,7 +13,7 @@
 namespace sheet {
 namespace {
 
-// Two to the power of 26: more than cameras give to a PNG file, and a raster of four floats a pixel stays below 2 GB.
+// 2^26: more than a camera delivers, and a raster of four floats per pixel stays below 2 GB.
 constexpr std::int64_t mostPixels = 67108864;
 
 [[noreturn]] void fail(const std::string &path, const std::string &why)
@@ -26,7 +26,7 @@ struct CloseFile {
 };
 using File = std::unique_ptr<std::FILE, CloseFile>;
 
-// Opens a file that begins as a PNG file does.
+// Opens a file and checks the PNG signature.
 File openPng(const std::string &path)
 {
     File file(std::fopen(path.c_str(), "rb"));
@@ -42,8 +42,8 @@ File openPng(const std::string &path)
     return file;
 }
 
-// The reading half of libpng row by row, since its functions for whole pictures read interlaced files of 16 bits
-// wrongly. On an error it jumps back over frames: those that it may leave hold plain values only.
+// Reads row by row, because the functions of libpng for whole pictures read interlaced files of 16 bits wrongly. On an
+// error libpng jumps out of its caller. The functions that a jump may leave have no destructors to run.
 struct PngReader {
     png_structp png;
     png_infop info = nullptr;
@@ -58,7 +58,7 @@ struct PngReader {
     PngReader(const PngReader &) = delete;
     PngReader &operator=(const PngReader &) = delete;
 
-    // Reads what stands before the pixels, and asks for 8-bit samples: grey or colour, with or without alpha.
+    // Reads the header of the file and asks for 8-bit samples: grey or colour, with or without alpha.
     bool begin(std::FILE *file)
     {
         if (info == nullptr || setjmp(png_jmpbuf(png)) != 0)
@@ -96,7 +96,7 @@ private:
                                     : std::string("cannot read as PNG: ") + reader.message);
 }
 
-// One row onto white, from samples with alpha or without.
+// Copies a row of samples, blended with white if they have alpha.
 void copyRow(const png_byte *source, bool alpha, OrvImage &image, std::int32_t y)
 {
     const int channels = image.nChannels;

@@ -1,4 +1,4 @@
-// PNG files in and out.
+// Reads and writes PNG files.
 #pragma once
 
 #include <string>
@@ -7,11 +7,11 @@
 
 namespace sheet {
 
-// Reads a PNG file of any kind as 8U in pixel order, with one channel if it is grey and three if not. Transparent
-// pixels come onto white. Throws a Failure that names the file.
+// Reads any PNG file as 8U in pixel order, with one channel if it is grey, otherwise three. Transparent pixels are
+// blended with white. Throws a Failure that names the file.
 Image readPng(const std::string &path);
 
-// Writes an 8U image in pixel order with one channel, three, or four of which the last is alpha.
+// Writes an 8U image in pixel order with one channel, three, or four with alpha.
 void writePng(const std::string &path, const OrvImage &image);
 
 } // namespace sheet
