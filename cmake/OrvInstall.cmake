@@ -1,12 +1,6 @@
-# What `cmake --install` puts down: the header, both libraries, the CMake package and the pkg-config file. The installed
-# tree may be moved: neither package names the prefix, unless an installation folder was given as an absolute path.
+# What `cmake --install` installs: the header, both libraries, the CMake package and the pkg-config file. The installed
+# tree can be moved. Neither package names the prefix, unless an installation folder was given as an absolute path.
 include(CMakePackageConfigHelpers)
-
-# The archive's users link what the shared library has linked already.
-if(UNIX)
-  target_link_libraries(orv_static INTERFACE m)
-  set(ORV_PC_PRIVATE_LIBRARIES -lm)
-endif()
 
 install(FILES ${ORV_PUBLIC_DIR}/orv.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR})
 install(TARGETS orv orv_static EXPORT orvTargets
