@@ -14,7 +14,7 @@ rm -rf "$build"
 
 "$build/with_orv"
 "$build/with_orv_static"
-# Each was linked with what its name says, from the installed tree.
+# Each program is linked with the library in its name, from the installed tree.
 "$readelf" -d "$build/with_orv" | grep 'NEEDED.*\[liborv\.so\.[0-9]*\]'
 "$readelf" -d "$build/with_orv" | grep "R.*PATH.*$prefix"
 if "$readelf" -d "$build/with_orv_static" | grep 'NEEDED.*liborv'; then

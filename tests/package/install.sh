@@ -1,4 +1,4 @@
-# Installs the build, moves the tree to another folder and looks for what must be there.
+# Installs the build, moves the tree to another folder, and checks the installed files.
 #   install.sh CMAKE BUILD-FOLDER PREFIX CONFIGURATION
 set -euo pipefail
 cmake=$1 build=$2 prefix=$3 configuration=$4

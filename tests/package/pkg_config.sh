@@ -11,14 +11,15 @@ export PKG_CONFIG_PATH
 "$pkg_config" --print-errors --exists 'orv >= 1.0'
 read -ra cflags <<<"$("$pkg_config" --cflags orv)"
 read -ra libraries <<<"$("$pkg_config" --libs orv)"
-read -ra static_libraries <<<"$("$pkg_config" --static --libs orv)"
 libdir=$("$pkg_config" --variable=libdir orv)
 
 "$compiler" "$@" "${cflags[@]}" "$program" -o "$build/with_shared" "${libraries[@]}"
-# The archive by its file name: the linker prefers the shared library of that name beside it.
-"$compiler" "$@" "${cflags[@]}" "$program" -o "$build/with_static" "${static_libraries[@]/#-lorv/-l:liborv.a}"
+"$compiler" "$@" "${cflags[@]}" "$program" -o "$build/with_rpath" "${libraries[@]}" "-Wl,-rpath,$libdir"
+# The archive by its file name: -lorv selects the shared library if both are installed.
+"$compiler" "$@" "${cflags[@]}" "$program" -o "$build/with_static" "$libdir/liborv.a" -lm
 
 LD_LIBRARY_PATH=$libdir "$build/with_shared"
+"$build/with_rpath"
 "$build/with_static"
 "$readelf" -d "$build/with_shared" | grep 'NEEDED.*\[liborv\.so\.[0-9]*\]'
 if "$readelf" -d "$build/with_static" | grep 'NEEDED.*liborv'; then

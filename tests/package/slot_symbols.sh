@@ -1,6 +1,6 @@
-# No two builds of the kernels share a symbol. An inline function that a kernel object emits under a shared name carries
-# that build's instructions, and the linker keeps any one of the copies: so every name that the linker sees must say its
-# build, as kernels do by their namespace.
+# No two builds of the kernels share a symbol. An external inline function is emitted by each build with its own
+# instructions under one name, and the linker keeps an arbitrary one. So every name that the linker sees must contain its
+# build, as the namespace of kernels does.
 #   slot_symbols.sh NM [--slot NUMBER OBJECT...]...
 set -euo pipefail
 export LC_ALL=C
@@ -21,8 +21,8 @@ while [ $# -gt 0 ]; do
         objects+=("$1")
         shift
     done
-    # Global, weak and unique definitions. On 32-bit x86 the compiler's own functions that read the program counter are
-    # among them: two instructions of the base processor, the same in every build.
+    # Global, weak and unique definitions. On 32-bit x86 they include the compiler's own functions that read the program
+    # counter: two base instructions, the same in every build.
     names=$("$nm" -A --defined-only --extern-only "${objects[@]}" |
         awk '$NF !~ /^__x86\.get_pc_thunk\.[a-z]+$/ { print $NF, $1 }')
     if [ "$(grep -c "^_ZN3orv5slot${slot}[0-9]*krn" <<<"$names")" -lt ${#objects[@]} ]; then
@@ -36,8 +36,8 @@ while [ $# -gt 0 ]; do
     fi
     builds=$((builds + 1))
 done
-if [ $builds -ne 6 ]; then
-    echo "looked at $builds builds instead of 6"
+if [ $builds -ne 7 ]; then
+    echo "looked at $builds builds instead of 7"
     failures=1
 fi
 exit $failures

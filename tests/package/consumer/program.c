@@ -17,7 +17,7 @@ int main(void)
     OrvImage *source;
     OrvImage *result;
 
-    krnClassify();
+    orvUseBuild(ORV_BUILD_BEST);
     orvSetErrMode(ORV_ErrorModeParent);
     orvRedirectError(orvStdErrReport);
 
@@ -29,6 +29,6 @@ int main(void)
     orvDeallocate(source, ORV_IMAGE_HEADER | ORV_IMAGE_DATA);
     orvDeallocate(result, ORV_IMAGE_HEADER | ORV_IMAGE_DATA);
 
-    printf("%s: the magnitude of -1234 is %d\n", orvGetLibVersion()->Name, (int)pixel);
+    printf("orv " ORV_VERSION ": the magnitude of -1234 is %d\n", (int)pixel);
     return pixel == 1234 ? 0 : 1;
 }

@@ -23,13 +23,13 @@ int main()
     if (!clone || clone->imageData == pattern->imageData || clone->width != 31 || clone->height != 17)
         return 1;
 
-    // The middle of the chirp, where its phase is zero.
+    // The centre of the chirp, where its phase is 0.
     if (pattern->imageData[8 * pattern->widthStep + 15] != 127)
         return 1;
     for (int y = 0; y < 17; ++y)
         if (std::memcmp(pattern->imageData + y * pattern->widthStep, clone->imageData + y * clone->widthStep, 31) != 0)
             return 1;
 
-    std::cout << "orv " << orvGetLibVersion()->major << '.' << orvGetLibVersion()->minor << ": the clone is true\n";
+    std::cout << "orv " << orvGetLibVersion()->major << '.' << orvGetLibVersion()->minor << ": the clone is equal\n";
     return 0;
 }
