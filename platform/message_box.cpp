@@ -14,7 +14,7 @@
 namespace orv {
 namespace {
 
-// The letter to type is the name's first.
+// The user types the name or its first letter.
 struct Button {
     const char *name;
     int answer;
@@ -41,7 +41,7 @@ Buttons buttonsOf(unsigned flags)
 
 #if defined(ORV_HAS_TERMINAL)
 
-// No isspace and tolower: what they make of a byte depends on the program's locale.
+// isspace and tolower depend on the program's locale, hence these two.
 char lowered(char c)
 {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
@@ -60,7 +60,7 @@ bool namesButton(const char *line, std::size_t length, const char *name)
     return same == length && (length == 1 || name[same] == '\0');
 }
 
-// Null when the line names no button.
+// Null if the line names no button.
 const Button *buttonNamed(const char *line, std::size_t length, Buttons buttons)
 {
     while (length > 0 && isBlank(line[0]))
@@ -73,8 +73,8 @@ const Button *buttonNamed(const char *line, std::size_t length, Buttons buttons)
     return nullptr;
 }
 
-// Reads a line; its length counts also what the buffer had no room for. False at the end of the input. A carriage
-// return ends a line too: a terminal in raw mode, as full-screen programs set it, sends that alone.
+// Reads a line. The length includes bytes that did not fit the buffer. False at the end of the input. A carriage return
+// ends a line too, because a terminal in raw mode, as full-screen programs set it, sends nothing else.
 bool readLine(int terminal, char *line, std::size_t capacity, std::size_t &length)
 {
     length = 0;
@@ -93,7 +93,7 @@ bool readLine(int terminal, char *line, std::size_t capacity, std::size_t &lengt
     }
 }
 
-// False when the terminal is gone.
+// False if the terminal is gone.
 bool writeQuestion(int terminal, const char *text, const char *caption, unsigned flags, Buttons buttons)
 {
     const char *icon = (flags & MESSAGE_BOX_STOP) != 0 ? "[!] " : (flags & MESSAGE_BOX_INFORMATION) != 0 ? "[i] " : "";
@@ -120,7 +120,7 @@ int askOn(int terminal, const char *text, const char *caption, unsigned flags, B
 int showOnTerminal(const char *text, const char *caption, unsigned flags)
 {
     const Buttons buttons = buttonsOf(flags);
-    // Its own opening of the terminal: the standard streams may be redirected, or hold input of the application.
+    // Not the standard streams: they may be redirected, or contain input of the application.
     const int terminal = open("/dev/tty", O_RDWR | O_NOCTTY | O_CLOEXEC);
     if (terminal < 0)
         return buttons.first->answer;

@@ -1,4 +1,4 @@
-// The report handlers that come with the library: the silent one, the standard error stream, and the message box.
+// The report handlers of the library: the silent one, standard error, and the message box.
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -9,7 +9,7 @@
 
 namespace {
 
-// An orderly exit, so that the application's at-exit handlers run.
+// exit() rather than abort(), so that the application's at-exit handlers run.
 [[noreturn]] void endProcess()
 {
     std::exit(1);
@@ -32,7 +32,7 @@ const char *questionOf(int32_t mode)
     }
 }
 
-// Shows the report with the buttons of the mode; true when the answer is to end the process.
+// Shows the report with the buttons of the mode. True if the answer is to end the process.
 bool isEndWanted(const char *text, int32_t mode)
 {
     char caption[40];
@@ -103,7 +103,7 @@ OrvStatus orvGuiBoxReport(OrvStatus status, const char *func, const char *contex
                                                  : "In function %s(): [file %s, line %d]\n%s\n\n%s\n(status: %d)%s",
                       func, file, line < 0 ? 0 : line, context, statusText, status, questionOf(mode)) >= 0;
 
-    // A failure of the report itself, which exhausted memory brings, must not keep the user from being asked.
+    // If memory for the report is exhausted, the user is asked all the same.
     const bool ends = isEndWanted(formatted ? report : statusText, mode);
     if (ends)
         orv::showMessageBox("ORV Library: terminating the application", "Win32: Application exit",

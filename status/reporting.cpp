@@ -1,4 +1,4 @@
-// The reporting record with its accessors, the texts of the statuses, and the version record.
+// The reporting record and its accessors, the texts of the statuses, and the version record.
 #include "orv.h"
 #include "trace.h"
 
@@ -10,7 +10,7 @@ struct Reporting {
     OrvErrorCallback handler;
 };
 
-// One for the process, and unguarded: two threads that fail at once overwrite each other's last status.
+// One per process, without a lock: two threads that fail at the same time overwrite each other's status.
 Reporting reporting = {ORV_STATUS_OK, ORV_ErrorModeLeaf, orvNulDevReport};
 
 constexpr OrvLibVersion version = {
@@ -49,8 +49,8 @@ constexpr StatusText plainTexts[] = {
     {ORV_STATUS_NOT_IMPLEMENTED, "Not implemented"},
 };
 
-// Failures of a header check have two texts in one string: the whole for the image's mask, and from the end of the
-// prefix on for the image itself.
+// A failure of the header check has two texts in one string: the whole string for a mask, and the part after the prefix
+// for the image itself.
 constexpr int maskPrefixLength = 6;
 
 constexpr StatusText headerTexts[] = {
@@ -71,7 +71,7 @@ constexpr StatusText headerTexts[] = {
     {ORV_STATUS_BAD_ROI_SIZE, "Mask. Incorrect size of ROI in the image header"},
 };
 
-// Two of the header's failures have no status of a mask, though their strings carry the prefix like all others.
+// Two failures of the header check have no mask status, although their strings have the prefix.
 constexpr bool maskMayHave(OrvStatus status)
 {
     return status != ORV_STATUS_NULL_HEADER && status != ORV_STATUS_BAD_1U_CHANNELS;

@@ -1,12 +1,12 @@
-// Which statuses belong to a trace of reports.
+// The statuses of trace records.
 #pragma once
 
 #include "orv.h"
 
 namespace orv {
 
-// Such a record names a caller of the function that failed. It is no failure of its own, and must not hide the one it
-// belongs to.
+// A trace record names a caller of the function that failed. It is not a failure of its own, and must not replace the
+// status of the failure.
 constexpr bool isTraceRecord(OrvStatus status)
 {
     return status == ORV_STATUS_BACKTRACE || status == ORV_STATUS_AUTOTRACE;
