@@ -1007,8 +1007,10 @@ ORV_API int32_t krnCpuCode(void);
  * - #ORV_STATUS_NOT_IMPLEMENTED for a tiled image.
  *
  * An image of one channel which is an alpha channel, without a `coi`, has nothing to search. The call then returns 0
- * before it tests for tiles, and `min` and `max` keep their values. They also keep them after a failure, if the
- * rectangle does not intersect the image, and with another number of channels.
+ * before it tests for tiles, and `min` and `max` keep their values. They also keep their values
+ * - after a failure;
+ * - if the rectangle does not intersect the image;
+ * - in pixel order with another number of channels than 1, 3 and 4, and no `coi`.
  *
  * @code
  * float low = 0, high = 0;
@@ -1018,8 +1020,7 @@ ORV_API int32_t krnCpuCode(void);
  * @param srcImage  the image
  * @param min       receives the smallest sample
  * @param max       receives the largest sample
- * @return          0 or a negative status: #ORV_STATUS_BAD_ARGUMENT after the first three failures, the result of the
- * report handler after the last one
+ * @return          0, #ORV_STATUS_BAD_ARGUMENT or #ORV_STATUS_NOT_IMPLEMENTED, whatever the report handler returns
  */
 ORV_API OrvStatus orvMinMaxFP(const OrvImage *srcImage, float *min, float *max);
 /** @} */
