@@ -1,5 +1,5 @@
-// The benchmark: every case in three builds, at a size that fits the cache and at one that does not, compared with a
-// memcpy in the same run. Other programs disturb the machine, and the shortest times suffer least. So each figure is
+// The benchmark: every case in three builds, at a size that fits the cache and at one that does not. A memcpy in the
+// same run is the measure. Other programs disturb the machine, and the shortest times suffer least. So each figure is
 // the shortest of many short rounds, which alternate with those of memcpy.
 #include <benchmark/benchmark.h>
 
