@@ -396,8 +396,8 @@ ORV_API void orvFree(void *block);
  * @param imageId       stored as given
  * @param tileInfo      stored as given, may be null
  * @return  the header, to be released by orvDeallocate(). Null if memory is exhausted, which is not reported. Also null
- * if orvCheckImageHeader() would refuse a field; its status is reported with the context "Incorrect data-ins". A null
- *          colour model or channel sequence is #ORV_STATUS_BAD_COLOR_MODEL.
+ *          if orvCheckImageHeader() would refuse a field; its status is reported with the context "Incorrect data-ins".
+ *          A null colour model or channel sequence is #ORV_STATUS_BAD_COLOR_MODEL.
  */
 ORV_API OrvImage *orvCreateImageHeader(int32_t nChannels, int32_t alphaChannel, int32_t depth, const char *colorModel,
                                        const char *channelSeq, int32_t dataOrder, int32_t origin, int32_t align,
@@ -493,11 +493,11 @@ ORV_API OrvImage *orvCreateImageJaehne(int32_t depth, int32_t width, int32_t hei
 
 /** @defgroup pixels Pixel access
  *  Coordinates are those of the whole image: rectangle, channel and mask are ignored. These are the only operations
- * that apply the origin: with #ORV_ORIGIN_BL, y counts from the last row in memory. They serve depths 8U, 8S, 16U, 16S,
- * 32S and 32F, 1, 3 and 4 channels, and both data orders. With another number of channels nothing is moved.
+ *  that apply the origin: with #ORV_ORIGIN_BL, y counts from the last row in memory. They serve depths 8U, 8S, 16U,
+ *  16S, 32S and 32F, 1, 3 and 4 channels, and both data orders. With another number of channels nothing is moved.
  *
  *  Statuses: the header status; #ORV_STATUS_BAD_ARGUMENT for a null `pixel` (orvGetPixel() only) or a coordinate
- * outside the image; #ORV_STATUS_NOT_IMPLEMENTED for a tiled image or depth 1U.
+ *  outside the image; #ORV_STATUS_NOT_IMPLEMENTED for a tiled image or depth 1U.
  *  @{ */
 
 /** Reads a pixel. @param image the image @param x column @param y row @param pixel receives `nChannels` samples
@@ -573,8 +573,8 @@ ORV_API OrvStatus orvAbs(const OrvImage *srcImage, OrvImage *dstImage);
 
 /** @defgroup arithmetic Arithmetic
  *  Each sample of each channel to process is computed by itself. Integer results saturate to the range of the depth.
- * Floats do not saturate and follow the processor's arithmetic. All functions serve pixel and plane order, 1, 3 and 4
- * channels, rectangles, channels of interest and masks. In place or not.
+ *  Floats do not saturate and follow the processor's arithmetic. All functions serve pixel and plane order, 1, 3 and 4
+ *  channels, rectangles, channels of interest and masks. In place or not.
  *
  *  Statuses of functions of two images:
  *  - the header status;
@@ -584,7 +584,7 @@ ORV_API OrvStatus orvAbs(const OrvImage *srcImage, OrvImage *dstImage);
  *  - #ORV_STATUS_NO_MEMORY.
  *
  *  Functions of an image and a constant have the same statuses. In addition, the integer functions refuse depth 32F
- * with #ORV_STATUS_BAD_ARGUMENT, and those with the suffix `FP` refuse any other depth with it.
+ *  with #ORV_STATUS_BAD_ARGUMENT, and those with the suffix `FP` refuse any other depth with it.
  *  @{ */
 
 /** dst(x, y) = A(x, y) + B(x, y). Depths 8U, 16S, 32S, 32F.
@@ -605,17 +605,17 @@ ORV_API OrvStatus orvMultiply(const OrvImage *srcImageA, const OrvImage *srcImag
 ORV_API OrvStatus orvSquare(const OrvImage *src, OrvImage *dst);
 
 /** dst(x, y) = src(x, y) + value. Depths 8U, 8S, 16U, 16S, 32S. At 16S a value beyond 16 bits is added in two steps,
- * each of which saturates: first the value clamped to 16 bits, then the remainder. The result is exact for values from
- * -65536 to 65535. Beyond them only the low 16 bits of the remainder are added.
+ *  each of which saturates: first the value clamped to 16 bits, then the remainder. The result is exact for values from
+ *  -65536 to 65535. Beyond them only the low 16 bits of the remainder are added.
  *  @param srcImage source @param dstImage destination @param value the constant
  *  @return 0 or the reported status */
 ORV_API OrvStatus orvAddS(const OrvImage *srcImage, OrvImage *dstImage, int32_t value);
-/** dst(x, y) = src(x, y) + value. Depth 32F. @param srcImage source @param dstImage destination @param value the
- * constant
+/** dst(x, y) = src(x, y) + value. Depth 32F.
+ *  @param srcImage source @param dstImage destination @param value the constant
  *  @return 0 or the reported status */
 ORV_API OrvStatus orvAddSFP(const OrvImage *srcImage, OrvImage *dstImage, float value);
 /** dst(x, y) = src(x, y) - value, or value - src(x, y). Depths 8U, 8S, 16U, 16S, 32S. At 16S the steps are those of
- * orvAddS(). With `flip` they follow a negation that saturates, so that a source of -32768 counts as -32767.
+ *  orvAddS(). With `flip` they follow a negation that saturates, so that a source of -32768 counts as -32767.
  *  @param srcImage source @param dstImage destination @param value the constant @param flip non-zero for value - src
  *  @return 0 or the reported status */
 ORV_API OrvStatus orvSubtractS(const OrvImage *srcImage, OrvImage *dstImage, int32_t value, int32_t flip);
@@ -634,8 +634,8 @@ ORV_API OrvStatus orvMultiplyS(const OrvImage *srcImage, OrvImage *dstImage, int
 ORV_API OrvStatus orvMultiplySFP(const OrvImage *srcImage, OrvImage *dstImage, float value);
 
 /** Product of fractions: dst(x, y) = A(x, y) B(x, y) / m, rounded down, where the full scale m is 255 or 65535. With
- * the product t and w bits per sample it is computed as (t + t / 2^w + 1) / 2^w in integers. Depths 8U, 16U. Any other
- * depth is #ORV_STATUS_BAD_ARGUMENT.
+ *  the product t and w bits per sample it is computed as (t + t / 2^w + 1) / 2^w in integers. Depths 8U, 16U. Any other
+ *  depth is #ORV_STATUS_BAD_ARGUMENT.
  *  @param srcImageA first source @param srcImageB second source @param dstImage destination
  *  @return 0 or the reported status */
 ORV_API OrvStatus orvMultiplyScale(const OrvImage *srcImageA, const OrvImage *srcImageB, OrvImage *dstImage);
@@ -647,8 +647,8 @@ ORV_API OrvStatus orvMultiplySScale(const OrvImage *srcImage, OrvImage *dstImage
 
 /** @defgroup logic Logic and shifts
  *  Bitwise operations on the integer depths 8U, 8S, 16U, 16S and 32S. All images have the same depth. A constant is
- * truncated to the width of the sample. All functions serve pixel and plane order, 1, 3 and 4 channels, rectangles,
- * channels of interest and masks. In place or not.
+ *  truncated to the width of the sample. All functions serve pixel and plane order, 1, 3 and 4 channels, rectangles,
+ *  channels of interest and masks. In place or not.
  *
  *  Statuses:
  *  - the header status;
@@ -685,21 +685,21 @@ ORV_API OrvStatus orvNot(const OrvImage *srcImage, OrvImage *dstImage);
  *  @param src source @param dst destination @param nShift bits @return 0 or the reported status */
 ORV_API OrvStatus orvLShiftS(const OrvImage *src, OrvImage *dst, unsigned int nShift);
 /** dst = src shifted right. Signed samples keep their sign and are rounded towards minus infinity. A count of the
- * sample's width or more gives 0, or -1 for a negative sample.
+ *  sample's width or more gives 0, or -1 for a negative sample.
  *  @param src source @param dst destination @param nShift bits @return 0 or the reported status */
 ORV_API OrvStatus orvRShiftS(const OrvImage *src, OrvImage *dst, unsigned int nShift);
 /** @} */
 
 /** @defgroup neighbourhood Neighbourhoods and borders
  *  What operations share whose result at a pixel depends on the pixels around it. In their descriptions, src(x, y) is
- * the pixel x columns and y rows from the first pixel of the source's rectangle.
+ *  the pixel x columns and y rows from the first pixel of the source's rectangle.
  *
  *  **Borders.** Pixels outside the image come from its border settings, one per side: #OrvImage::BorderMode and
  *  #OrvImage::BorderConst. Only the two low bits of a mode count. The border belongs to the image and not to its
- * rectangle: image pixels outside the rectangle are read as they are.
+ *  rectangle: image pixels outside the rectangle are read as they are.
  *
  *  Above the first row and below the last one, corners included, the top or bottom side decides. Left and right of the
- * image, in its own rows, the left or right side decides. By mode:
+ *  image, in its own rows, the left or right side decides. By mode:
  *  - constant: the constant of the side. All channels have the same constant. Its low 8 or 16 bits are the sample at
  *    those sizes, all 32 bits at 32S; its value is the sample at 32F;
  *  - replicate: the nearest pixel of the image;
@@ -709,38 +709,39 @@ ORV_API OrvStatus orvRShiftS(const OrvImage *src, OrvImage *dst, unsigned int nS
  *  Reflect and wrap repeat periodically if the window is larger than the image.
  *
  *  **Channel of interest.** If the source has a `coi`, its first channel is processed, whichever the `coi` names. The
- * result goes to the channel that the destination's `coi` names.
+ *  result goes to the channel that the destination's `coi` names.
  *
  *  **Empty rectangles.** If the rectangles do not intersect, the call succeeds and writes nothing, except that a call
- * with a mask reports #ORV_STATUS_NO_MEMORY.
+ *  with a mask reports #ORV_STATUS_NO_MEMORY.
  *
  *  **Memory.** A call copies only the pixels that the windows of its rectangle read, in strips of rows. If source and
  *  destination overlap, it copies a whole plane before it writes to it. If memory is exhausted, the destination is
- * unchanged.
+ *  unchanged.
  *  @{ */
 /** @} */
 
 /** @defgroup convolution Convolution
  *  With the anchor (anchorX, anchorY) as given to orvCreateConvKernel(),
  *
- *      dst(x, y) = sum over 0 <= r < nRows, 0 <= c < nCols of values[r * nCols + c] src(x + anchorX - c, y + anchorY -
- * r)
+ *      dst(x, y) = sum of values[r * nCols + c] src(x + anchorX - c, y + anchorY - r)
+ *
+ *  over 0 <= r < nRows and 0 <= c < nCols.
  *
  *  This is a true convolution: the coefficient at the anchor is applied to the pixel itself, and the one to its right
- * to the pixel on the left. Each sum is divided by 2^s, where s is the low five bits of the record's `nShiftR`. Records
- * of floats have no divisor.
+ *  to the pixel on the left. Each sum is divided by 2^s, where s is the low five bits of the record's `nShiftR`.
+ *  Records of floats have no divisor.
  *
  *  All functions serve pixel and plane order, 1, 3 and 4 channels, rectangles and masks. Borders and channels of
- * interest follow @ref neighbourhood "Neighbourhoods and borders". Of four channels, an alpha channel is neither
- * computed nor written: in pixel order the `alphaChannel` of the *source* decides, in plane order that of the
- * destination.
+ *  interest follow @ref neighbourhood "Neighbourhoods and borders". Of four channels, an alpha channel is neither
+ *  computed nor written: in pixel order the `alphaChannel` of the *source* decides, in plane order that of the
+ *  destination.
  *
  *  **Integer arithmetic:** the sum has 32 bits and wraps around at 8U; it has 64 bits at 16S. The quotient is rounded
- * to nearest, ties to even, and saturates to the range of the depth.
+ *  to nearest, ties to even, and saturates to the range of the depth.
  *
  *  **Float arithmetic:** samples and coefficients are converted to 32-bit floats, which hold 24 significant bits, and
- * all intermediate results are 32-bit floats. Only the final result is converted to an integer depth: rounded to
- * nearest, ties to even, and saturated.
+ *  all intermediate results are 32-bit floats. Only the final result is converted to an integer depth: rounded to
+ *  nearest, ties to even, and saturated.
  *  @{ */
 
 /** A window of integer coefficients. orvCreateConvKernel() makes it and orvGetConvKernel() reads it. A record that the
@@ -792,7 +793,7 @@ ORV_API OrvConvKernel *orvCreateConvKernel(int32_t nCols, int32_t nRows, int32_t
 ORV_API OrvConvKernel *orvCreateConvKernelChar(int32_t nCols, int32_t nRows, int32_t anchorX, int32_t anchorY,
                                                const signed char *values, int32_t nShiftR);
 /** orvCreateConvKernel() for float coefficients. @param nCols columns @param nRows rows @param anchorX column of the
- * anchor
+ *  anchor
  *  @param anchorY row of the anchor @param values coefficients
  *  @return the record, to be released by orvDeleteConvKernelFP(), or null */
 ORV_API OrvConvKernelFP *orvCreateConvKernelFP(int32_t nCols, int32_t nRows, int32_t anchorX, int32_t anchorY,
@@ -813,7 +814,7 @@ ORV_API OrvConvKernelFP *orvCreateConvKernelFP(int32_t nCols, int32_t nRows, int
  * @param anchorX  receives the column of the anchor, as it was given
  * @param anchorY  receives the row of the anchor, as it was given
  * @param values   points to a pointer to the caller's array, which receives `nCols` * `nRows` coefficients. If that
- * pointer or the record's own is null, no coefficient is written.
+ *                 pointer or the record's own is null, no coefficient is written.
  * @param nShiftR  receives the shift
  */
 ORV_API void orvGetConvKernel(const OrvConvKernel *kernel, int32_t *nCols, int32_t *nRows, int32_t *anchorX,
@@ -832,7 +833,7 @@ ORV_API void orvGetConvKernelFP(const OrvConvKernelFP *kernel, int32_t *nCols, i
                                 int32_t *anchorY, float **values);
 
 /** Releases a record and its coefficients. Reports #ORV_STATUS_BAD_ARGUMENT for a null record. The same for a record
- * without coefficients, which is not released. @param kernel the record */
+ *  without coefficients, which is not released. @param kernel the record */
 ORV_API void orvDeleteConvKernel(OrvConvKernel *kernel);
 /** orvDeleteConvKernel() for a record of floats. @param kernel the record */
 ORV_API void orvDeleteConvKernelFP(OrvConvKernelFP *kernel);
@@ -936,8 +937,8 @@ ORV_API void orvMirror(const OrvImage *srcImage, OrvImage *dstImage, int32_t fli
 
 /** @defgroup processor Choice of the build
  *  Every kernel exists in seven builds, one per instruction set. Until orvUseBuild() or krnClassify() is called, the
- * plain build runs. Results do not depend on the build, except for the payload of a not-a-number in a sum of several
- * operands.
+ *  plain build runs. Results do not depend on the build, except for the payload of a not-a-number in a sum of several
+ *  operands.
  *
  *  Choose the build once, at the start of the program, before any other call of the library:
  *  @code
@@ -970,7 +971,7 @@ ORV_API int32_t orvUseBuild(int32_t atMost);
 
 /** @param build an `ORV_BUILD_...` value
  *  @return its constant name: "plain", "SSE", "SSE2", "SSE3", "SSSE3", "SSE4.1" or "AVX2"; "unknown" for any other
- * value */
+ *  value */
 ORV_API const char *orvBuildName(int32_t build);
 
 /**
@@ -982,7 +983,7 @@ ORV_API const char *orvBuildName(int32_t build);
 ORV_API int32_t krnClassify(void);
 
 /** @return the classification code of the processor: that of its model if it has one, otherwise that of its features. 0
- * for a processor without either. */
+ *  for a processor without either. */
 ORV_API int32_t krnCpuCode(void);
 /** @} */
 
