@@ -309,8 +309,8 @@ typedef struct OrvTileInfo {
 /**
  * Header of an image. An application may fill one itself; orvCheckImageHeader() tests whether it is usable.
  *
- * Let s be the bytes per sample; a 1U sample takes one byte. The sample of column x, row y and zero-based channel c is
- * at
+ * Let s be the bytes per sample; a 1U sample takes one byte. The sample of column x, row y and zero-based channel c
+ * starts at
  * - `imageData + y * widthStep + (x * nChannels + c) * s` in pixel order;
  * - `imageData + (c * height + y) * widthStep + x * s` in plane order.
  */
