@@ -39,7 +39,7 @@ wider_than()
                 return 1
             return 0
         }
-        /^ *[0-9a-f]+:\t/ {
+        /^ *[0-9a-f]+: *\t/ {
             ++instructions
             line = $0
             sub(/^[^\t]*\t/, "", line)
