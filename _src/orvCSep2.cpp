@@ -3,11 +3,11 @@
 #include <cstdint>
 #include <type_traits>
 
-#include "comparisons.h"
+#include "call.h"
 #include "filter/coefficients.h"
 #include "filter/conv_record.h"
 #include "float_samples.h"
-#include "report.h"
+#include "kernels.h"
 #include "window.h"
 
 namespace {
@@ -18,115 +18,116 @@ constexpr const char *unitName = "orvCSep2";
 
 template <class Record> Refusal checkVector(const Record &kernel, bool row)
 {
-    if (kernel.values == nullptr)
-        return {ORV_STATUS_BAD_ARGUMENT, "NULL kernel values"};
     const std::int32_t length = row ? kernel.nCols : kernel.nRows, thickness = row ? kernel.nRows : kernel.nCols;
-    if (length <= 1 || thickness != 1)
-        return {ORV_STATUS_BAD_ARGUMENT, "Invalid kernal size"};
-    if (badStructure(kernel))
-        return {ORV_STATUS_BAD_ARGUMENT, "Invalid kernrl anchor"};
-    return nothingRefused;
+    return firstOf({{kernel.values == nullptr, ORV_STATUS_BAD_ARGUMENT, "NULL kernel values"},
+                    {length <= 1 || thickness != 1, ORV_STATUS_BAD_ARGUMENT, "Invalid kernal size"},
+                    {badStructure(kernel), ORV_STATUS_BAD_ARGUMENT, "Invalid kernrl anchor"}});
 }
 
-// The checks behind those of the headers and of the depths that a function serves.
-template <class Record>
-Refusal checkCall(const OrvImage *source, const OrvImage *destination, const Record *xKernel, const Record *yKernel)
+// The checks after those of headers and depths.
+Refusal compareImages(const OrvImage &source, const OrvImage &destination, bool anyVector)
 {
-    if (source == destination)
-        return {ORV_STATUS_BAD_ARGUMENT, "Unsupported in-place mode"};
-    if (xKernel == nullptr && yKernel == nullptr)
-        return {ORV_STATUS_BAD_ARGUMENT, "Kernel pointers are NULL"};
-    if (source->depth != destination->depth)
-        return {ORV_STATUS_BAD_ARGUMENT, "SRC and DST depth are different"};
-    if (source->dataOrder != destination->dataOrder)
-        return {ORV_STATUS_BAD_ARGUMENT, "SRC and DST order are different"};
-    if (source->origin != destination->origin)
-        return {ORV_STATUS_BAD_ARGUMENT, "SRC and DST orign are different"};
-    if (channelsToProcess(*source) != channelsToProcess(*destination))
-        return {ORV_STATUS_BAD_CHANNELS, ""};
-    if (xKernel != nullptr)
-        if (const Refusal refusal = checkVector(*xKernel, true); refusal.status != ORV_STATUS_OK)
-            return refusal;
-    if (yKernel != nullptr)
-        if (const Refusal refusal = checkVector(*yKernel, false); refusal.status != ORV_STATUS_OK)
-            return refusal;
-    if (anyTiled(source, destination))
-        return {ORV_STATUS_NOT_IMPLEMENTED, ""};
-    return nothingRefused;
+    return firstOf(
+        {{&source == &destination, ORV_STATUS_BAD_ARGUMENT, "Unsupported in-place mode"},
+         {!anyVector, ORV_STATUS_BAD_ARGUMENT, "Kernel pointers are NULL"},
+         {source.depth != destination.depth, ORV_STATUS_BAD_ARGUMENT, "SRC and DST depth are different"},
+         {source.dataOrder != destination.dataOrder, ORV_STATUS_BAD_ARGUMENT, "SRC and DST order are different"},
+         {source.origin != destination.origin, ORV_STATUS_BAD_ARGUMENT, "SRC and DST orign are different"},
+         {channelsToProcess(source) != channelsToProcess(destination), ORV_STATUS_BAD_CHANNELS, ""}});
 }
 
-// One vector: its kernel, called with the anchor as it was given, and with a divisor in integers.
-template <class Signature, class Record> struct OneVector {
-    LayoutKernels<Signature> row, column;
-    const Record &record;
+// One vector: its kernel, called with the anchor as it was given.
+auto makeOneVector(const LayoutKernels<ConvolveLineKernel> &kernels, const OrvConvKernel &record, std::int32_t anchor)
+{
+    return [&kernels, &record, anchor](const Work &work) {
+        const ConstRaster &in = work.sources[0];
+        return kernels[work.layout](in.data, in.step, work.destination.data, work.destination.step, work.size.width,
+                                    work.size.height, record.values, record.nCols * record.nRows, anchor,
+                                    divisorOf(record));
+    };
+}
 
-    void operator()(Layout layout, const PaddedSource &source, Raster out, std::uint8_t *) const
-    {
-        const bool across = record.nRows == 1;
-        const auto call = [&](auto... divisor) {
-            (across ? row : column)[layout](source.raster.data, source.raster.step, out.data, out.step,
-                                            source.size.width, source.size.height, record.values,
-                                            record.nCols * record.nRows,
-                                            across ? givenAnchorX(record) : givenAnchorY(record), divisor...);
-        };
-        if constexpr (requires { record.nShiftR; })
-            call(divisorOf(record));
-        else
-            call();
-    }
+auto makeOneVector(const LayoutKernels<SumLineKernel> &kernels, const OrvConvKernelFP &record, std::int32_t anchor)
+{
+    return [&kernels, &record, anchor](const Work &work) {
+        const ConstRaster &in = work.sources[0];
+        return kernels[work.layout](in.data, in.step, work.destination.data, work.destination.step, work.size.width,
+                                    work.size.height, record.values, record.nCols * record.nRows, anchor);
+    };
+}
+
+// Kernels of a row and of a column.
+template <class Signature> struct LineKernels {
+    LayoutKernels<Signature> row, column;
 };
 
-using IntegerVector = OneVector<ConvolveLineKernel, OrvConvKernel>;
-using FloatVector = OneVector<SumLineKernel, OrvConvKernelFP>;
+#define ORV_LINE_KERNELS(samples)                                                                \
+    {                                                                                            \
+        ORV_LAYOUT_KERNELS(krnConvolveRow##samples), ORV_LAYOUT_KERNELS(krnConvolveCol##samples) \
+    }
 
-#define ORV_LINE_KERNELS(samples) \
-    ORV_LAYOUT_KERNELS(krnConvolveRow##samples), ORV_LAYOUT_KERNELS(krnConvolveCol##samples)
+constexpr LineKernels<ConvolveLineKernel> ofBytes = ORV_LINE_KERNELS(8u), ofWords = ORV_LINE_KERNELS(16s);
+constexpr LineKernels<SumLineKernel> ofFloats = ORV_LINE_KERNELS(32f);
 
-constexpr LayoutKernels<SumLineKernel> floatRow = ORV_LAYOUT_KERNELS(krnConvolveRow32f);
-
-// The sums of columns, of all columns with the margins.
-FloatPieces sumsOf(Layout layout, const PaddedSource &source)
+// The sums of columns, over all columns that the row will read.
+FloatStrips sumsOf(const Work &work)
 {
-    return FloatPieces(layout, {static_cast<std::int32_t>(source.wholeWidth()), source.size.height});
+    return FloatStrips(work.layout, paddedWidth(work), work.size.height);
 }
 
-// Both vectors, in floats: the column first, over all columns that the row will read.
+// Both vectors, in floats: the column first.
 template <class Record> struct TwoVectors {
     const Record &x, &y;
     std::int32_t depth;
 
-    std::int64_t workBytes(Layout layout, const PaddedSource &source) const
+    std::int64_t scratchBytes(const Work &work) const
     {
-        return wholeAsFloatsBytes(source, layout, depth) + sumsOf(layout, source).bytes() +
-               FloatPieces(layout, source.size).bytes() + coefficientBytes(x) + coefficientBytes(y);
+        return withMarginsAsFloatsBytes(work, depth) + sumsOf(work).bytes() + resultsOf(work).bytes() +
+               coefficientBytes(x) + coefficientBytes(y);
     }
 
-    void operator()(Layout layout, const PaddedSource &source, Raster out, std::uint8_t *work) const
+    KrnStatus run(const Work &work) const
     {
-        const FloatRaster whole = wholeAsFloats(source, layout, depth, work);
-        const float *const xValues = takeCoefficients(x, work), *const yValues = takeCoefficients(y, work);
-        const FloatPieces pieces = sumsOf(layout, source);
-        const std::ptrdiff_t marginBytes = std::ptrdiff_t{4} * source.margins.left * samplesPerPixel(layout);
-        for (std::int32_t row = 0; row < source.size.height; row += pieces.rows()) {
-            std::uint8_t *free = work;
-            const Size size = {source.size.width, pieces.at(row).height};
-            const FloatRaster sums = pieces.take(free, size);
-            const Raster from = whole.raster.fromRow(source.margins.top + row);
-            krnConvolveCol32fC1(from.data, from.step, sums.raster.data, sums.raster.step, sums.size.width,
-                                sums.size.height, yValues, y.nRows, givenAnchorY(y));
+        std::uint8_t *scratch = work.scratch;
+        ConstRaster whole;
+        const float *xValues = nullptr, *yValues = nullptr;
+        KrnStatus status = withMarginsAsFloats(work, depth, scratch, whole);
+        if (status == KRN_OK)
+            status = takeCoefficients(x, scratch, xValues);
+        if (status == KRN_OK)
+            status = takeCoefficients(y, scratch, yValues);
 
-            const auto across = [&](Layout as, const Raster &to) {
-                floatRow[as](sums.raster.data + marginBytes, sums.raster.step, to.data, to.step, size.width,
-                             size.height, xValues, x.nCols, givenAnchorX(x));
-            };
-            if (depth == ORV_DEPTH_32F) {
-                across(layout, out.fromRow(row));
-                continue;
-            }
-            const FloatRaster result = FloatPieces(layout, source.size).take(free, size);
-            across(withAllSamples(layout), result.raster);
-            fromFloats(result, layout, depth, out.fromRow(row));
+        const FloatStrips strips = sumsOf(work);
+        const Raster sums = strips.take(scratch), results = resultsOf(work).take(scratch);
+        const ConstRaster firstSums = sums.fromByte(std::int64_t{4} * work.margins.left * samplesPerPixel(work.layout));
+        for (std::int32_t row = 0; row < work.size.height && status == KRN_OK; row += strips.rows()) {
+            const Size size = {work.size.width, strips.rowsFrom(row)};
+            const ConstRaster from = whole.fromRow(std::int64_t{work.margins.top} + row);
+            status = krnConvolveCol32fC1(from.data, from.step, sums.data, sums.step, strips.samples(), size.height,
+                                         yValues, y.nRows, givenAnchorY(y));
+            if (status == KRN_OK)
+                status = runRow(work, firstSums, xValues, row, size, results);
         }
+        return status;
+    }
+
+private:
+    static FloatStrips resultsOf(const Work &work)
+    {
+        return FloatStrips(work.layout, work.size.width, work.size.height);
+    }
+
+    // From the sums of columns into rows of the destination.
+    KrnStatus runRow(const Work &work, ConstRaster sums, const float *values, std::int32_t row, Size size,
+                     Raster results) const
+    {
+        const Raster out = work.destination.fromRow(row);
+        const bool floats = depth == ORV_DEPTH_32F;
+        const Raster to = floats ? out : results;
+        const Layout layout = floats ? work.layout : withAllSamples(work.layout);
+        const KrnStatus status = ofFloats.row[layout](sums.data, sums.step, to.data, to.step, size.width, size.height,
+                                                      values, x.nCols, givenAnchorX(x));
+        return status == KRN_OK && !floats ? fromFloats(results, work.layout, depth, out, size) : status;
     }
 };
 
@@ -138,8 +139,8 @@ std::int64_t sumOfSizes(const OrvConvKernel &vector)
     return sum;
 }
 
-// Both vectors on bytes whose sums of columns fit words, and whose sums of these are whole numbers that floats hold:
-// then integers give what floats would.
+// Both vectors, in integers. The sums of columns fit words, and the sums of those fit a float exactly, so the results
+// are those of floats.
 struct BytesInWords {
     const OrvConvKernel &x, &y;
 
@@ -150,68 +151,71 @@ struct BytesInWords {
                shiftOf(x) + shiftOf(y) < 31;
     }
 
-    std::int64_t workBytes(Layout layout, const PaddedSource &source) const { return sumsOf(layout, source).bytes(); }
+    std::int64_t scratchBytes(const Work &work) const { return sumsOf(work).bytes(); }
 
-    void operator()(Layout layout, const PaddedSource &source, Raster out, std::uint8_t *work) const
+    KrnStatus run(const Work &work) const
     {
-        const std::int32_t channels = samplesPerPixel(layout);
-        const FloatPieces pieces = sumsOf(layout, source);
-        const Raster whole = source.whole(channels).fromRow(source.margins.top);
-        for (std::int32_t row = 0; row < source.size.height; row += pieces.rows()) {
-            std::uint8_t *free = work;
-            const Size size = {source.size.width, pieces.at(row).height};
-            const FloatRaster sums = pieces.take(free, size); // words, which leave half of each row unused
-            const Raster from = whole.fromRow(row), to = out.fromRow(row);
-            krnConvolveCol8u16sC1(from.data, from.step, sums.raster.data, sums.raster.step, sums.size.width,
-                                  sums.size.height, y.values, y.nRows, givenAnchorY(y));
-            rowOfWords[layout](sums.raster.data + std::ptrdiff_t{2} * source.margins.left * channels, sums.raster.step,
-                               to.data, to.step, size.width, size.height, x.values, x.nCols, givenAnchorX(x),
-                               1 << (shiftOf(x) + shiftOf(y)));
+        constexpr LayoutKernels<ConvolveLineKernel> rowOfWords = ORV_LAYOUT_KERNELS(krnConvolveRow16s8u);
+        const std::int32_t channels = samplesPerPixel(work.layout);
+        const FloatStrips strips = sumsOf(work);
+        std::uint8_t *scratch = work.scratch;
+        const Raster sums = strips.take(scratch); // words, which leave half of each row unused
+        const ConstRaster firstSums = sums.fromByte(std::int64_t{2} * work.margins.left * channels);
+        const ConstRaster whole = withMargins(work, channels).fromRow(work.margins.top);
+        KrnStatus status = KRN_OK;
+        for (std::int32_t row = 0; row < work.size.height && status == KRN_OK; row += strips.rows()) {
+            const std::int32_t rows = strips.rowsFrom(row);
+            const ConstRaster from = whole.fromRow(row);
+            const Raster to = work.destination.fromRow(row);
+            status = krnConvolveCol8u16sC1(from.data, from.step, sums.data, sums.step, strips.samples(), rows, y.values,
+                                           y.nRows, givenAnchorY(y));
+            if (status == KRN_OK)
+                status =
+                    rowOfWords[work.layout](firstSums.data, firstSums.step, to.data, to.step, work.size.width, rows,
+                                            x.values, x.nCols, givenAnchorX(x), 1 << (shiftOf(x) + shiftOf(y)));
         }
+        return status;
     }
-
-private:
-    static constexpr LayoutKernels<ConvolveLineKernel> rowOfWords = ORV_LAYOUT_KERNELS(krnConvolveRow16s8u);
 };
 
-// `one` makes the loop of a single vector.
-template <class Record, class MakeOne>
-OrvStatus run(const OrvImage *source, const OrvImage *destination, const Record *x, const Record *y, MakeOne one)
+template <class TwoPasses, class Record>
+OrvStatus runTwo(const OrvImage *source, const OrvImage *destination, const Record &x, const Record &y,
+                 const TwoPasses &loop)
 {
-    if (x == nullptr || y == nullptr) {
-        const Record &only = x != nullptr ? *x : *y;
-        return neighbourhood(neighbourhoodOf(only, source, destination), one(only));
-    }
-    Neighbourhood call = {source, destination, {}, 0, 0, source->alphaChannel != 0};
-    unite(call, *x);
-    unite(call, *y);
-    if constexpr (std::is_same_v<Record, OrvConvKernel>)
-        if (destination->depth == ORV_DEPTH_8U && BytesInWords::serve(*x, *y))
-            return neighbourhood(call, BytesInWords{*x, *y});
-    return neighbourhood(call, TwoVectors<Record>{*x, *y, destination->depth});
+    WindowCall call = callOfSeveral(source, destination);
+    add(call, x);
+    add(call, y);
+    return runWindow(call, {.run = [&](const Work &work) { return loop.run(work); },
+                            .scratchBytes = [&](const Work &work) { return loop.scratchBytes(work); }});
+}
+
+template <class Signature, class Record>
+OrvStatus runOne(const OrvImage *source, const OrvImage *destination, const LineKernels<Signature> &kernels,
+                 const Record &record)
+{
+    const bool row = record.nRows == 1;
+    return runWindow(callOfOne(record, source, destination),
+                     {.run = makeOneVector(row ? kernels.row : kernels.column, record,
+                                           row ? givenAnchorX(record) : givenAnchorY(record))});
 }
 
 OrvStatus run(const OrvImage *source, const OrvImage *destination, const OrvConvKernel *x, const OrvConvKernel *y)
 {
-    switch (destination->depth) {
-    case ORV_DEPTH_8U:
-        return run(source, destination, x, y, [](const OrvConvKernel &only) {
-            return IntegerVector{ORV_LINE_KERNELS(8u), only};
-        });
-    case ORV_DEPTH_16S:
-        return run(source, destination, x, y, [](const OrvConvKernel &only) {
-            return IntegerVector{ORV_LINE_KERNELS(16s), only};
-        });
-    default:
+    const std::int32_t depth = destination->depth;
+    if (depth != ORV_DEPTH_8U && depth != ORV_DEPTH_16S)
         return ORV_STATUS_NOT_IMPLEMENTED;
-    }
+    if (x == nullptr || y == nullptr)
+        return runOne(source, destination, depth == ORV_DEPTH_8U ? ofBytes : ofWords, x != nullptr ? *x : *y);
+    if (depth == ORV_DEPTH_8U && BytesInWords::serve(*x, *y))
+        return runTwo(source, destination, *x, *y, BytesInWords{*x, *y});
+    return runTwo(source, destination, *x, *y, TwoVectors<OrvConvKernel>{*x, *y, depth});
 }
 
 OrvStatus run(const OrvImage *source, const OrvImage *destination, const OrvConvKernelFP *x, const OrvConvKernelFP *y)
 {
-    return run(source, destination, x, y, [](const OrvConvKernelFP &only) {
-        return FloatVector{ORV_LINE_KERNELS(32f), only};
-    });
+    if (x == nullptr || y == nullptr)
+        return runOne(source, destination, ofFloats, x != nullptr ? *x : *y);
+    return runTwo(source, destination, *x, *y, TwoVectors<OrvConvKernelFP>{*x, *y, ORV_DEPTH_32F});
 }
 
 } // namespace
@@ -221,21 +225,31 @@ extern "C" {
 OrvStatus orvConvolveSep2D(const OrvImage *srcImage, OrvImage *dstImage, const OrvConvKernel *xKernel,
                            const OrvConvKernel *yKernel)
 {
-    ORV_REFUSE(checkHeaders(srcImage, dstImage));
-    ORV_REFUSE_IF(srcImage->depth == ORV_DEPTH_32F || dstImage->depth == ORV_DEPTH_32F, ORV_STATUS_BAD_ARGUMENT,
-                  "orvConvolveSep2D does not support ORV_DEPTH_32F.\nCall orvConvolveSep2DFP instead");
-    ORV_REFUSE(checkCall(srcImage, dstImage, xKernel, yKernel));
-    ORV_RETURN_RUN(run(srcImage, dstImage, xKernel, yKernel));
+    Call call(unitName);
+    if (call.refuses(checkHeaders(srcImage, dstImage)) ||
+        call.refuses(srcImage->depth == ORV_DEPTH_32F || dstImage->depth == ORV_DEPTH_32F, ORV_STATUS_BAD_ARGUMENT,
+                     "orvConvolveSep2D does not support ORV_DEPTH_32F.\nCall orvConvolveSep2DFP instead") ||
+        call.refuses(compareImages(*srcImage, *dstImage, xKernel != nullptr || yKernel != nullptr)) ||
+        (xKernel != nullptr && call.refuses(checkVector(*xKernel, true))) ||
+        (yKernel != nullptr && call.refuses(checkVector(*yKernel, false))) ||
+        call.refuses(anyTiled(srcImage, dstImage), ORV_STATUS_NOT_IMPLEMENTED, ""))
+        return call.report();
+    return call.result(run(srcImage, dstImage, xKernel, yKernel));
 }
 
 OrvStatus orvConvolveSep2DFP(const OrvImage *srcImage, OrvImage *dstImage, const OrvConvKernelFP *xKernel,
                              const OrvConvKernelFP *yKernel)
 {
-    ORV_REFUSE(checkHeaders(srcImage, dstImage));
-    ORV_REFUSE_IF(srcImage->depth != ORV_DEPTH_32F || dstImage->depth != ORV_DEPTH_32F, ORV_STATUS_BAD_ARGUMENT,
-                  "orvConvolveSep2DFP does support ORV_DEPTH_32F only.\nCall orvConvolveSep2D instead");
-    ORV_REFUSE(checkCall(srcImage, dstImage, xKernel, yKernel));
-    ORV_RETURN_RUN(run(srcImage, dstImage, xKernel, yKernel));
+    Call call(unitName);
+    if (call.refuses(checkHeaders(srcImage, dstImage)) ||
+        call.refuses(srcImage->depth != ORV_DEPTH_32F || dstImage->depth != ORV_DEPTH_32F, ORV_STATUS_BAD_ARGUMENT,
+                     "orvConvolveSep2DFP does support ORV_DEPTH_32F only.\nCall orvConvolveSep2D instead") ||
+        call.refuses(compareImages(*srcImage, *dstImage, xKernel != nullptr || yKernel != nullptr)) ||
+        (xKernel != nullptr && call.refuses(checkVector(*xKernel, true))) ||
+        (yKernel != nullptr && call.refuses(checkVector(*yKernel, false))) ||
+        call.refuses(anyTiled(srcImage, dstImage), ORV_STATUS_NOT_IMPLEMENTED, ""))
+        return call.report();
+    return call.result(run(srcImage, dstImage, xKernel, yKernel));
 }
 
 } // extern "C"

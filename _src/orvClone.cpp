@@ -2,8 +2,8 @@
 #include <cstdint>
 
 #include "area.h"
+#include "call.h"
 #include "kernels.h"
-#include "report.h"
 
 namespace {
 
@@ -11,8 +11,8 @@ using namespace orv;
 
 constexpr const char *unitName = "orvClone";
 
-// Rows of the clone are laid by the library's rule. A source whose rows lie otherwise is copied row by row, its samples
-// only: what stands between its rows may not be there to read behind the last one.
+// The clone's rows follow the library's rule. A source with another step is copied row by row, samples only: the bytes
+// between its rows may not exist behind the last one.
 void copyRaster(const OrvImage &source, OrvImage &clone)
 {
     if (source.widthStep == clone.widthStep && source.imageSize == clone.imageSize) {
@@ -29,12 +29,14 @@ void copyRaster(const OrvImage &source, OrvImage &clone)
 
 extern "C" OrvImage *orvCloneImage(const OrvImage *image)
 {
-    ORV_REFUSE_AS(nullptr, orvCheckImageHeader(image) != ORV_STATUS_OK, orvGetErrStatus(), "Incorrect Image");
+    Call call(unitName);
+    if (call.refuses(checkHeaders(image)))
+        return call.reportAs(nullptr);
     OrvImage *clone = orvCreateImageHeader(image->nChannels, image->alphaChannel, image->depth, image->colorModel,
                                            image->channelSeq, image->dataOrder, image->origin, image->align,
                                            image->width, image->height, nullptr, nullptr, nullptr, nullptr);
-    ORV_REFUSE_AS(nullptr, clone == nullptr, ORV_STATUS_NO_MEMORY,
-                  "Not enough memory to allocate header for clone image");
+    if (call.refuses(clone == nullptr, ORV_STATUS_NO_MEMORY, "Not enough memory to allocate header for clone image"))
+        return call.reportAs(nullptr);
     *clone = *image;
     clone->imageData = nullptr;
     clone->ID = 0;
@@ -44,8 +46,9 @@ extern "C" OrvImage *orvCloneImage(const OrvImage *image)
 
     if (const OrvROI *roi = image->roi; roi != nullptr) {
         clone->roi = orvCreateROI(roi->coi, roi->xOffset, roi->yOffset, roi->width, roi->height);
-        if (clone->roi == nullptr) {
-            ORV_REPORT(ORV_STATUS_NO_MEMORY, "Not enough memory to allocate roi for clone image");
+        if (call.refuses(clone->roi == nullptr, ORV_STATUS_NO_MEMORY,
+                         "Not enough memory to allocate roi for clone image")) {
+            call.report();
             orvDeallocate(clone, ORV_IMAGE_HEADER);
             return nullptr;
         }
@@ -54,8 +57,9 @@ extern "C" OrvImage *orvCloneImage(const OrvImage *image)
         orvAllocateImageFP(clone, 0, 0.0f);
     else
         orvAllocateImage(clone, 0, 0);
-    if (clone->imageData == nullptr) {
-        ORV_REPORT(ORV_STATUS_NO_MEMORY, "Not enough memory to allocate imageData for clone image");
+    if (call.refuses(clone->imageData == nullptr, ORV_STATUS_NO_MEMORY,
+                     "Not enough memory to allocate imageData for clone image")) {
+        call.report();
         orvDeallocate(clone, ORV_IMAGE_HEADER | ORV_IMAGE_ROI);
         return nullptr;
     }

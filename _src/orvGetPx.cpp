@@ -1,8 +1,8 @@
 // Reading of single pixels.
 #include <cstdint>
 
+#include "call.h"
 #include "pixel.h"
-#include "report.h"
 
 namespace {
 
@@ -14,12 +14,13 @@ constexpr const char *unitName = "orvGetPx";
 
 extern "C" OrvStatus orvGetPixel(const OrvImage *img, std::int32_t x, std::int32_t y, void *pixel)
 {
-    ORV_CHECK_HEADER(img);
-    ORV_REFUSE_IF(pixel == nullptr, ORV_STATUS_BAD_ARGUMENT, "(0 == pixel)");
-    ORV_REFUSE_IF(x > img->width - 1 || x < 0, ORV_STATUS_BAD_ARGUMENT, "((x>img->width-1) || (x<0))");
-    ORV_REFUSE_IF(y > img->height - 1 || y < 0, ORV_STATUS_BAD_ARGUMENT, "((y>img->height-1) || (y<0))");
-    ORV_REFUSE_IF(img->tileInfo != nullptr, ORV_STATUS_NOT_IMPLEMENTED, "");
-    ORV_REFUSE_IF(img->depth == ORV_DEPTH_1U, ORV_STATUS_NOT_IMPLEMENTED, "");
+    Call call(unitName);
+    if (call.refuses(checkHeaders(img)) || call.refuses(pixel == nullptr, ORV_STATUS_BAD_ARGUMENT, "(0 == pixel)") ||
+        call.refuses(x > img->width - 1 || x < 0, ORV_STATUS_BAD_ARGUMENT, "((x>img->width-1) || (x<0))") ||
+        call.refuses(y > img->height - 1 || y < 0, ORV_STATUS_BAD_ARGUMENT, "((y>img->height-1) || (y<0))") ||
+        call.refuses(img->tileInfo != nullptr, ORV_STATUS_NOT_IMPLEMENTED, "") ||
+        call.refuses(img->depth == ORV_DEPTH_1U, ORV_STATUS_NOT_IMPLEMENTED, ""))
+        return call.report();
 
     const PixelPlace place = placeOfPixel(*img, x, y);
     const std::int32_t bytes = place.sampleBytes * samplesPerPixel(place.layout);

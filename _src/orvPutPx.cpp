@@ -2,8 +2,8 @@
 #include <cstdint>
 #include <cstring>
 
+#include "call.h"
 #include "pixel.h"
-#include "report.h"
 
 namespace {
 
@@ -34,11 +34,13 @@ std::int32_t sampleBits(const std::uint8_t *sample, std::int32_t bytes)
 
 extern "C" OrvStatus orvPutPixel(OrvImage *img, std::int32_t x, std::int32_t y, const void *pixel)
 {
-    ORV_CHECK_HEADER(img);
-    ORV_REFUSE_IF(x > img->width - 1 || x < 0, ORV_STATUS_BAD_ARGUMENT, "((x>img->width-1) || (x<0))");
-    ORV_REFUSE_IF(y > img->height - 1 || y < 0, ORV_STATUS_BAD_ARGUMENT, "((y>img->height-1) || (y<0))");
-    ORV_REFUSE_IF(img->tileInfo != nullptr, ORV_STATUS_NOT_IMPLEMENTED, "");
-    ORV_REFUSE_IF(img->depth == ORV_DEPTH_1U, ORV_STATUS_NOT_IMPLEMENTED, "");
+    Call call(unitName);
+    if (call.refuses(checkHeaders(img)) ||
+        call.refuses(x > img->width - 1 || x < 0, ORV_STATUS_BAD_ARGUMENT, "((x>img->width-1) || (x<0))") ||
+        call.refuses(y > img->height - 1 || y < 0, ORV_STATUS_BAD_ARGUMENT, "((y>img->height-1) || (y<0))") ||
+        call.refuses(img->tileInfo != nullptr, ORV_STATUS_NOT_IMPLEMENTED, "") ||
+        call.refuses(img->depth == ORV_DEPTH_1U, ORV_STATUS_NOT_IMPLEMENTED, ""))
+        return call.report();
     // A null pixel is no refusal; there is nothing to write.
     if (pixel == nullptr)
         return ORV_STATUS_OK;

@@ -2,9 +2,10 @@
 #include <algorithm>
 #include <cstdint>
 
+#include "arith/plain_rows.h"
 #include "arith/two_passes.h"
+#include "call.h"
 #include "pointwise.h"
-#include "report.h"
 
 namespace {
 
@@ -12,50 +13,31 @@ using namespace orv;
 
 constexpr const char *unitName = "orvadds";
 
-auto addBytes(std::int32_t value)
+template <class Sample> auto makeAdd(std::int32_t value, std::int32_t bottom, std::int32_t top)
 {
-    return [value](Layout layout, const Raster *in, Raster out, Size size) {
-        if (value < 0)
-            applyConstant(subtractFromBytes, subtractFromBytesInPlace, -std::max(value, -255), 1, layout, *in, out,
-                          size);
-        else
-            applyConstant(addToBytes, addToBytesInPlace, std::min(value, 255), 1, layout, *in, out, size);
-    };
+    return makePlain<Sample>([=](Sample sample) { return std::clamp(sample + value, bottom, top); });
 }
 
-template <class Sample> auto addPlain(std::int32_t value, std::int32_t bottom, std::int32_t top)
+OrvStatus run(const OrvImage *source, const OrvImage *destination, std::int32_t value)
 {
-    return [=](Layout layout, const Raster *in, Raster out, Size size) {
-        constexpr std::int32_t bytes = sizeof(Sample);
-        plainRows<Sample>(layout, inWholeSamples(*in, bytes), inWholeSamples(out, bytes), size,
-                          [=](Sample sample) { return std::clamp(sample + value, bottom, top); });
-    };
-}
-
-auto addWords(std::int32_t value)
-{
-    return [constant = WordConstant(value)](Layout layout, const Raster *in, Raster out, Size size) {
-        inBands(layout, 2, size, [&](std::int32_t row, Size band) {
-            const Raster result = out.fromRow(row);
-            applyConstant(addToWords, addToWordsInPlace, constant.clamped, 2, layout, in->fromRow(row), result, band);
-            constant.applyRest(false, layout, result, band);
-        });
-    };
-}
-
-OrvStatus run(const OrvImage *srcImage, const OrvImage *dstImage, std::int32_t value)
-{
-    switch (dstImage->depth) {
+    switch (destination->depth) {
     case ORV_DEPTH_8U:
-        return pointwise(addBytes(value), dstImage, srcImage);
+        return value < 0
+                   ? runPointwise({{source}, destination},
+                                  {.run = makeConstant(subtractFromBytes, -std::max(value, -255), 1)})
+                   : runPointwise({{source}, destination}, {.run = makeConstant(addToBytes, std::min(value, 255), 1)});
     case ORV_DEPTH_8S:
-        return pointwise(addPlain<std::int8_t>(std::clamp(value, -32768, 32767), -128, 127), dstImage, srcImage);
+        return runPointwise({{source}, destination},
+                            {.run = makeAdd<std::int8_t>(std::clamp(value, -32768, 32767), -128, 127)});
     case ORV_DEPTH_16U:
-        return pointwise(addPlain<std::uint16_t>(std::clamp(value, -65535, 65535), 0, 65535), dstImage, srcImage);
+        return runPointwise(
+            {{source}, destination},
+            {.run = makeAdd<std::uint16_t>(std::clamp(value, -65535, 65535), 0, 65535), .wholeSamples = true});
     case ORV_DEPTH_16S:
-        return pointwise(addWords(value), dstImage, srcImage);
+        return runPointwise({{source}, destination}, {.run = makeWords(addToWords, false, value)});
     case ORV_DEPTH_32S:
-        return pointwise(runConstantRows(krnAddC32sRow, krnAddC32sRowI, value), dstImage, srcImage);
+        return runPointwise({{source}, destination},
+                            {.run = makeConstantRows(krnAddC32sRow, value), .wholeSamples = true});
     default:
         return ORV_STATUS_NOT_IMPLEMENTED;
     }
@@ -65,9 +47,11 @@ OrvStatus run(const OrvImage *srcImage, const OrvImage *dstImage, std::int32_t v
 
 extern "C" OrvStatus orvAddS(const OrvImage *srcImage, OrvImage *dstImage, std::int32_t value)
 {
-    ORV_REFUSE(checkHeaders(srcImage, dstImage));
-    ORV_REFUSE(comparePair(*srcImage, *dstImage, textsOfImages));
-    ORV_REFUSE_IF(dstImage->depth == ORV_DEPTH_32F, ORV_STATUS_BAD_ARGUMENT,
-                  "For processing depth 32F use function orvAddSFP");
-    ORV_RETURN_RUN(run(srcImage, dstImage, value));
+    Call call(unitName);
+    if (call.refuses(checkHeaders(srcImage, dstImage)) ||
+        call.refuses(comparePair(*srcImage, *dstImage, textsOfImages)) ||
+        call.refuses(dstImage->depth == ORV_DEPTH_32F, ORV_STATUS_BAD_ARGUMENT,
+                     "For processing depth 32F use function orvAddSFP"))
+        return call.report();
+    return call.result(run(srcImage, dstImage, value));
 }

@@ -1,22 +1,24 @@
 // The sum of a float image and a number.
-#include "arith/float_constant.h"
-#include "report.h"
+#include "arith/arithmetic.h"
+#include "call.h"
+#include "pointwise.h"
 
 namespace {
 
 using namespace orv;
 
 constexpr const char *unitName = "orvaddsf";
-constexpr FloatConstant add = ORV_CONSTANT_KERNELS(krnAddC32f, );
-constexpr FloatConstantInPlace addInPlace = ORV_CONSTANT_KERNELS(krnAddC32f, I);
+constexpr FloatConstant add = ORV_CONSTANT_KERNELS(krnAddC32f);
 
 } // namespace
 
 extern "C" OrvStatus orvAddSFP(const OrvImage *srcImage, OrvImage *dstImage, float value)
 {
-    ORV_REFUSE(checkHeaders(srcImage, dstImage));
-    ORV_REFUSE_IF(srcImage->depth != ORV_DEPTH_32F, ORV_STATUS_BAD_ARGUMENT,
-                  "For processing this depth use function orvAddS");
-    ORV_REFUSE(comparePair(*srcImage, *dstImage, textsOfImages));
-    ORV_RETURN_RUN(runFloatConstant(add, addInPlace, value, srcImage, dstImage));
+    Call call(unitName);
+    if (call.refuses(checkHeaders(srcImage, dstImage)) ||
+        call.refuses(srcImage->depth != ORV_DEPTH_32F, ORV_STATUS_BAD_ARGUMENT,
+                     "For processing this depth use function orvAddS") ||
+        call.refuses(comparePair(*srcImage, *dstImage, textsOfImages)))
+        return call.report();
+    return call.result(runPointwise({{srcImage}, dstImage}, {.run = makeConstant(add, value)}));
 }

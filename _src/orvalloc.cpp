@@ -1,13 +1,14 @@
 // Memory blocks, headers, rectangle and tile records, and rasters.
+#include <bit>
 #include <cstdint>
 #include <cstring>
 #include <limits>
 
 #include "area.h"
+#include "call.h"
 #include "header_check.h"
 #include "kernels.h"
 #include "memory.h"
-#include "report.h"
 
 namespace {
 
@@ -22,7 +23,7 @@ struct RasterLayout {
     bool representable; // in the 32 bits of the header, with what alignment may add
 };
 
-// Rows rounded up to the image's alignment, and all of them together.
+// Rows are rounded up to the image's alignment.
 RasterLayout rasterLayout(const OrvImage &image)
 {
     bool overflow = false;
@@ -60,40 +61,38 @@ std::uint32_t fillWord(std::int32_t depth, std::int32_t value)
     }
 }
 
-// Allocates the raster of a header that may have one, and reports as the exported function of that name does.
-void allocateRaster(OrvImage &image, bool fill, std::uint32_t word, const char *function)
+// `depthText` is reported for a depth that belongs to the other allocator.
+Refusal checkAllocatable(const OrvImage *image, bool ofFloats, const char *depthText)
 {
-    const OrvStatus status = checkHeaderFields(image, image.colorModel, image.channelSeq);
-    if (status != ORV_STATUS_OK) {
-        orvError(status, function, "Incorrect data-ins", unitName, __LINE__);
-        return;
-    }
+    if (image == nullptr)
+        return {ORV_STATUS_BAD_ARGUMENT, "( image == ((void *)0) )"};
+    return firstOf({{image->imageData != nullptr, ORV_STATUS_BAD_ARGUMENT, "( image->imageData != ((void *)0) )"},
+                    {image->tileInfo != nullptr, ORV_STATUS_BAD_ARGUMENT, "( image->tileInfo != ((void *)0) )"},
+                    {(image->depth == ORV_DEPTH_32F) != ofFloats, ORV_STATUS_BAD_ARGUMENT, depthText}});
+}
+
+// The fields of a header with this colour model and channel sequence.
+Refusal checkFields(const OrvImage &header, const char *colorModel, const char *channelSeq)
+{
+    return {checkHeaderFields(header, colorModel, channelSeq), "Incorrect data-ins"};
+}
+
+// Allocates the raster of a header that may have one.
+Refusal allocateRaster(OrvImage &image, bool fill, std::uint32_t word)
+{
     const RasterLayout layout = rasterLayout(image);
     const std::int64_t bytes = image.align + layout.imageSize - 1;
     void *block = layout.representable ? memoryFunctions.allocateRaster(static_cast<std::size_t>(bytes)) : nullptr;
     image.imageDataOrigin = static_cast<std::uint8_t *>(block);
-    if (block == nullptr) {
-        orvError(ORV_STATUS_NO_MEMORY, function, "for allocate image data", unitName, __LINE__);
-        return;
-    }
+    if (block == nullptr)
+        return {ORV_STATUS_NO_MEMORY, "for allocate image data"};
     const std::uintptr_t mask = static_cast<std::uintptr_t>(image.align) - 1;
     image.imageData = reinterpret_cast<std::uint8_t *>((reinterpret_cast<std::uintptr_t>(block) + mask) & ~mask);
     image.widthStep = static_cast<std::int32_t>(layout.widthStep);
     image.imageSize = static_cast<std::int32_t>(layout.imageSize);
     if (fill)
         fillWords(image.imageData, image.imageSize, word);
-}
-
-// What both allocators refuse before they look at the depth.
-const char *notAllocatable(const OrvImage *image)
-{
-    if (image == nullptr)
-        return "( image == ((void *)0) )";
-    if (image->imageData != nullptr)
-        return "( image->imageData != ((void *)0) )";
-    if (image->tileInfo != nullptr)
-        return "( image->tileInfo != ((void *)0) )";
-    return nullptr;
+    return nothingRefused;
 }
 
 template <class Record> Record *allocateRecord()
@@ -109,7 +108,7 @@ void deallocateRaster(OrvImage &image)
     image.imageData = nullptr;
 }
 
-// Takes from a mask what it shares with its image and the image releases itself.
+// Clears what a mask shares with its image, where the image will release it.
 void disown(const OrvImage &image, OrvImage &mask, std::int32_t flags)
 {
     if (&mask == &image)
@@ -176,14 +175,15 @@ OrvImage *orvCreateImageHeader(std::int32_t nChannels, std::int32_t alphaChannel
     header.maskROI = maskROI;
     header.imageId = imageId;
     header.tileInfo = tileInfo;
-    const OrvStatus status = checkHeaderFields(header, colorModel, channelSeq);
-    ORV_REFUSE_AS(nullptr, status != ORV_STATUS_OK, status, "Incorrect data-ins");
+    Call call(unitName);
+    if (call.refuses(checkFields(header, colorModel, channelSeq)))
+        return call.reportAs(nullptr);
     OrvImage *image = allocateRecord<OrvImage>();
     if (image == nullptr)
         return nullptr;
     std::memcpy(header.colorModel, colorModel, sizeof header.colorModel);
     std::memcpy(header.channelSeq, channelSeq, sizeof header.channelSeq);
-    // The raster of a tiled image exists nowhere and may be of any size; what does not fit is cut off.
+    // A tiled image has no raster, so its size may be any; high bits are dropped.
     const RasterLayout layout = rasterLayout(header);
     header.widthStep = static_cast<std::int32_t>(layout.widthStep);
     header.imageSize = static_cast<std::int32_t>(layout.imageSize);
@@ -194,20 +194,20 @@ OrvImage *orvCreateImageHeader(std::int32_t nChannels, std::int32_t alphaChannel
 
 void orvAllocateImage(OrvImage *image, std::int32_t doFill, std::int32_t fillValue)
 {
-    const char *refusal = notAllocatable(image);
-    ORV_REFUSE_AS(, refusal != nullptr, ORV_STATUS_BAD_ARGUMENT, refusal);
-    ORV_REFUSE_AS(, image->depth == ORV_DEPTH_32F, ORV_STATUS_BAD_ARGUMENT, "( image->depth == 32 )");
-    allocateRaster(*image, doFill != 0, fillWord(image->depth, fillValue), __func__);
+    Call call(unitName);
+    if (call.refuses(checkAllocatable(image, false, "( image->depth == 32 )")) ||
+        call.refuses(checkFields(*image, image->colorModel, image->channelSeq)) ||
+        call.refuses(allocateRaster(*image, doFill != 0, fillWord(image->depth, fillValue))))
+        call.report();
 }
 
 void orvAllocateImageFP(OrvImage *image, std::int32_t doFill, float fillValue)
 {
-    const char *refusal = notAllocatable(image);
-    ORV_REFUSE_AS(, refusal != nullptr, ORV_STATUS_BAD_ARGUMENT, refusal);
-    ORV_REFUSE_AS(, image->depth != ORV_DEPTH_32F, ORV_STATUS_BAD_ARGUMENT, "( image->depth != 32 )");
-    std::uint32_t bits;
-    std::memcpy(&bits, &fillValue, sizeof bits);
-    allocateRaster(*image, doFill != 0, bits, __func__);
+    Call call(unitName);
+    if (call.refuses(checkAllocatable(image, true, "( image->depth != 32 )")) ||
+        call.refuses(checkFields(*image, image->colorModel, image->channelSeq)) ||
+        call.refuses(allocateRaster(*image, doFill != 0, std::bit_cast<std::uint32_t>(fillValue))))
+        call.report();
 }
 
 void orvDeallocateImage(OrvImage *image)
@@ -227,7 +227,7 @@ void orvDeallocate(OrvImage *image, std::int32_t flags)
     }
     if ((flags & ORV_IMAGE_ROI) != 0)
         deallocateRecord(image->roi);
-    // An image that is its own mask goes with its own flags.
+    // An image that is its own mask is released with its own flags.
     if (mask != nullptr && mask != image)
         orvDeallocate(mask, ORV_IMAGE_HEADER | ORV_IMAGE_DATA | ORV_IMAGE_ROI | ORV_IMAGE_TILE);
     if ((flags & ORV_IMAGE_TILE) != 0)

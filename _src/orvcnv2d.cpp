@@ -2,11 +2,11 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "comparisons.h"
+#include "call.h"
 #include "filter/coefficients.h"
 #include "filter/conv_record.h"
 #include "float_samples.h"
-#include "report.h"
+#include "kernels.h"
 #include "window.h"
 
 namespace {
@@ -18,160 +18,195 @@ constexpr const char *unitName = "orvcnv2d";
 constexpr std::int32_t mostKernels = 10;
 
 // The records of a call and how their results become one.
-template <class Record> struct Kernels {
-    const Record *const *records;
+template <class Record> struct Records {
+    const Record *const *first;
     std::int32_t count, method;
 
-    const Record *const *begin() const { return records; }
-    const Record *const *end() const { return records + count; }
+    const Record *const *begin() const { return first; }
+    const Record *const *end() const { return first + count; }
+
+    // A record's results are squared before they are added.
+    bool squared() const { return count > 1 && (method == ORV_COMBINE_SUMSQ || method == ORV_COMBINE_SUMSQROOT); }
+    bool rooted() const { return count > 1 && method == ORV_COMBINE_SUMSQROOT; }
 };
 
-// The checks behind those of the headers and of the depths that a function serves.
-template <class Record>
-Refusal checkCall(const OrvImage &source, const OrvImage &destination, const Kernels<Record> &kernels)
+template <class Record> bool anyBad(const Records<Record> &records)
 {
-    if (kernels.records == nullptr)
-        return {ORV_STATUS_BAD_ARGUMENT, "kernel==0"};
-    if (kernels.count <= 0 || kernels.count > mostKernels)
-        return {ORV_STATUS_BAD_ARGUMENT, "(nKernels<=0 || nKernels>10)"};
-    if (kernels.count > 1 && (kernels.method < ORV_COMBINE_SUM || kernels.method > ORV_COMBINE_MIN))
-        return {ORV_STATUS_BAD_ARGUMENT, "Inadmissible method"};
-    if (source.depth != destination.depth || source.dataOrder != destination.dataOrder)
-        return {ORV_STATUS_BAD_ARGUMENT, "Uncompatible images"};
-    if (channelsToProcess(source) != channelsToProcess(destination))
-        return {ORV_STATUS_BAD_CHANNELS, ""};
-    for (const Record *kernel : kernels)
-        if (kernel == nullptr || badStructure(*kernel))
-            return {ORV_STATUS_BAD_ARGUMENT, "Bad kernel structure"};
-    if (anyTiled(&source, &destination))
-        return {ORV_STATUS_NOT_IMPLEMENTED, ""};
-    return nothingRefused;
+    return std::any_of(records.begin(), records.end(),
+                       [](const Record *kernel) { return kernel == nullptr || badStructure(*kernel); });
 }
 
-// One kernel on 8 or 16 bits.
-struct IntegerEngine {
-    LayoutKernels<ConvolveKernel> kernels;
-    const OrvConvKernel &record;
+// The checks after those of headers and depths.
+template <class Record>
+Refusal checkCall(const OrvImage &source, const OrvImage &destination, const Records<Record> &records)
+{
+    const Refusal refusal = firstOf(
+        {{records.first == nullptr, ORV_STATUS_BAD_ARGUMENT, "kernel==0"},
+         {records.count <= 0 || records.count > mostKernels, ORV_STATUS_BAD_ARGUMENT, "(nKernels<=0 || nKernels>10)"},
+         {records.count > 1 && (records.method < ORV_COMBINE_SUM || records.method > ORV_COMBINE_MIN),
+          ORV_STATUS_BAD_ARGUMENT, "Inadmissible method"},
+         {source.depth != destination.depth || source.dataOrder != destination.dataOrder, ORV_STATUS_BAD_ARGUMENT,
+          "Uncompatible images"},
+         {channelsToProcess(source) != channelsToProcess(destination), ORV_STATUS_BAD_CHANNELS, ""}});
+    if (refusal.status != ORV_STATUS_OK)
+        return refusal;
+    return firstOf({{anyBad(records), ORV_STATUS_BAD_ARGUMENT, "Bad kernel structure"},
+                    {anyTiled(&source, &destination), ORV_STATUS_NOT_IMPLEMENTED, ""}});
+}
 
-    void operator()(Layout layout, const PaddedSource &source, Raster out, std::uint8_t *) const
-    {
-        kernels[layout](source.raster.data, source.raster.step, out.data, out.step, source.size.width,
-                        source.size.height, record.values, record.nCols, record.nRows, givenAnchorX(record),
-                        givenAnchorY(record), divisorOf(record));
-    }
-};
+// One record on 8 or 16 bits.
+auto makeIntegers(const LayoutKernels<ConvolveKernel> &kernels, const OrvConvKernel &record)
+{
+    return [&kernels, &record](const Work &work) {
+        const ConstRaster &in = work.sources[0];
+        const Raster &out = work.destination;
+        return kernels[work.layout](in.data, in.step, out.data, out.step, work.size.width, work.size.height,
+                                    record.values, record.nCols, record.nRows, givenAnchorX(record),
+                                    givenAnchorY(record), divisorOf(record));
+    };
+}
 
 constexpr LayoutKernels<ConvolveFloatsKernel> convolveFloats = ORV_LAYOUT_KERNELS(krnConvolve32f);
 
-// All else.
-template <class Record> class FloatEngine {
+// All else: in floats, converted before and after.
+template <class Record> class FloatLoop {
 public:
-    FloatEngine(const Kernels<Record> &kernels, std::int32_t depth) : kernels_(kernels), depth_(depth) {}
+    FloatLoop(const Records<Record> &records, std::int32_t depth) : records_(records), depth_(depth) {}
 
-    std::int64_t workBytes(Layout layout, const PaddedSource &source) const
+    std::int64_t scratchBytes(const Work &work) const
     {
-        const FloatPieces pieces(layout, source.size);
-        std::int64_t bytes = wholeAsFloatsBytes(source, layout, depth_) + 2 * pieces.bytes();
-        for (const Record *kernel : kernels_)
-            bytes += coefficientBytes(*kernel);
+        const FloatStrips strips(work.layout, work.size.width, work.size.height);
+        std::int64_t bytes = withMarginsAsFloatsBytes(work, depth_) + 2 * strips.bytes();
+        for (const Record *record : records_)
+            bytes += coefficientBytes(*record);
         return bytes;
     }
 
-    void operator()(Layout layout, const PaddedSource &source, Raster out, std::uint8_t *work) const;
+    KrnStatus run(const Work &work) const;
 
 private:
-    bool squares() const
-    {
-        return kernels_.count > 1 && (kernels_.method == ORV_COMBINE_SUMSQ || kernels_.method == ORV_COMBINE_SUMSQROOT);
-    }
-    void add(const FloatRaster &next, const FloatRaster &result) const;
+    // What all strips share.
+    struct Prepared {
+        ConstRaster first; // the pixel that is computed first
+        const float *coefficients[mostKernels];
+    };
 
-    const Kernels<Record> &kernels_;
+    KrnStatus prepare(const Work &work, std::uint8_t *&scratch, Prepared &prepared) const;
+    KrnStatus convolve(const Prepared &prepared, std::int32_t i, Layout layout, ConstRaster from, Raster to,
+                       Size size) const;
+    KrnStatus combine(ConstRaster next, Raster result, std::int32_t samples, std::int32_t rows) const;
+    KrnStatus runStrip(const Prepared &prepared, Layout layout, std::int32_t row, Raster result, Raster next,
+                       const FloatStrips &strips, Size size) const;
+
+    const Records<Record> &records_;
     std::int32_t depth_;
 };
 
-void square(const FloatRaster &floats)
+template <class Record>
+KrnStatus FloatLoop<Record>::prepare(const Work &work, std::uint8_t *&scratch, Prepared &prepared) const
 {
-    const Raster &raster = floats.raster;
-    krnSqr32fC1(raster.data, raster.step, raster.data, raster.step, floats.size.width, floats.size.height);
-}
-
-template <class Record> void FloatEngine<Record>::add(const FloatRaster &next, const FloatRaster &result) const
-{
-    const Raster &all = result.raster, &one = next.raster;
-    if (kernels_.method != ORV_COMBINE_MAX && kernels_.method != ORV_COMBINE_MIN) {
-        krnAdd32fC1(all.data, all.step, one.data, one.step, all.data, all.step, result.size.width, result.size.height);
-        return;
-    }
-    const Kernel<FloatPairRowKernel> &pick = kernels_.method == ORV_COMBINE_MAX ? krnMaxRow32f : krnMinRow32f;
-    for (std::int32_t row = 0; row < result.size.height; ++row) {
-        std::uint8_t *const of = all.fromRow(row).data;
-        pick(of, one.fromRow(row).data, of, result.size.width);
-    }
+    ConstRaster whole;
+    KrnStatus status = withMarginsAsFloats(work, depth_, scratch, whole);
+    for (std::int32_t i = 0; i < records_.count && status == KRN_OK; ++i)
+        status = takeCoefficients(*records_.first[i], scratch, prepared.coefficients[i]);
+    prepared.first =
+        whole.fromRow(work.margins.top).fromByte(std::int64_t{4} * work.margins.left * samplesPerPixel(work.layout));
+    return status;
 }
 
 template <class Record>
-void FloatEngine<Record>::operator()(Layout layout, const PaddedSource &source, Raster out, std::uint8_t *work) const
+KrnStatus FloatLoop<Record>::convolve(const Prepared &prepared, std::int32_t i, Layout layout, ConstRaster from,
+                                      Raster to, Size size) const
 {
-    const FloatRaster whole = wholeAsFloats(source, layout, depth_, work);
-    const Raster first = firstComputed(whole, source, layout);
-    const float *coefficients[mostKernels];
-    for (std::int32_t i = 0; i < kernels_.count; ++i)
-        coefficients[i] = takeCoefficients(*kernels_.records[i], work);
-    const auto convolve = [&](std::int32_t i, Layout as, const Raster &from, const Raster &to, Size size) {
-        const Record &kernel = *kernels_.records[i];
-        convolveFloats[as](from.data, from.step, to.data, to.step, size.width, size.height, coefficients[i],
-                           kernel.nCols, kernel.nRows, givenAnchorX(kernel), givenAnchorY(kernel));
-    };
-    if (depth_ == ORV_DEPTH_32F && kernels_.count == 1)
-        return convolve(0, layout, first, out, source.size);
+    const Record &record = *records_.first[i];
+    return convolveFloats[layout](from.data, from.step, to.data, to.step, size.width, size.height,
+                                  prepared.coefficients[i], record.nCols, record.nRows, givenAnchorX(record),
+                                  givenAnchorY(record));
+}
+
+// Combines the next record's result with the results before it.
+template <class Record>
+KrnStatus FloatLoop<Record>::combine(ConstRaster next, Raster result, std::int32_t samples, std::int32_t rows) const
+{
+    if (records_.method != ORV_COMBINE_MAX && records_.method != ORV_COMBINE_MIN)
+        return krnAdd32fC1(result.data, result.step, next.data, next.step, result.data, result.step, samples, rows);
+    const Kernel<FloatPairRowKernel> &choose = records_.method == ORV_COMBINE_MAX ? krnMaxRow32f : krnMinRow32f;
+    KrnStatus status = KRN_OK;
+    for (std::int32_t row = 0; row < rows && status == KRN_OK; ++row) {
+        const Raster of = result.fromRow(row);
+        status = choose(of.data, next.fromRow(row).data, of.data, samples);
+    }
+    return status;
+}
+
+// The results of all records, as floats.
+template <class Record>
+KrnStatus FloatLoop<Record>::runStrip(const Prepared &prepared, Layout layout, std::int32_t row, Raster result,
+                                      Raster next, const FloatStrips &strips, Size size) const
+{
+    const std::int32_t samples = strips.samples();
+    for (std::int32_t i = 0; i < records_.count; ++i) {
+        const Raster &into = i == 0 ? result : next;
+        KrnStatus status = convolve(prepared, i, layout, prepared.first.fromRow(row), into, size);
+        if (status == KRN_OK && records_.squared())
+            status = krnSqr32fC1(into.data, into.step, into.data, into.step, samples, size.height);
+        if (status == KRN_OK && i > 0)
+            status = combine(next, result, samples, size.height);
+        if (status != KRN_OK)
+            return status;
+    }
+    return records_.rooted() ? krnSqrt32fC1(result.data, result.step, result.data, result.step, samples, size.height)
+                             : KRN_OK;
+}
+
+template <class Record> KrnStatus FloatLoop<Record>::run(const Work &work) const
+{
+    std::uint8_t *scratch = work.scratch;
+    Prepared prepared;
+    KrnStatus status = prepare(work, scratch, prepared);
+    if (status != KRN_OK)
+        return status;
+    if (depth_ == ORV_DEPTH_32F && records_.count == 1)
+        return convolve(prepared, 0, work.layout, prepared.first, work.destination, work.size);
 
     // What lies in scratch has all its samples computed.
-    const Layout all = withAllSamples(layout);
-    const FloatPieces pieces(layout, source.size);
-    for (std::int32_t row = 0; row < source.size.height; row += pieces.rows()) {
-        std::uint8_t *free = work;
-        const Size size = pieces.at(row);
-        const FloatRaster result = pieces.take(free, size), next = pieces.take(free, size);
-        for (std::int32_t i = 0; i < kernels_.count; ++i) {
-            const FloatRaster &into = i == 0 ? result : next;
-            convolve(i, all, first.fromRow(row), into.raster, size);
-            if (squares())
-                square(into);
-            if (i > 0)
-                add(next, result);
-        }
-        if (squares() && kernels_.method == ORV_COMBINE_SUMSQROOT)
-            krnSqrt32fC1(result.raster.data, result.raster.step, result.raster.data, result.raster.step,
-                         result.size.width, result.size.height);
-        fromFloats(result, layout, depth_, out.fromRow(row));
+    const Layout all = withAllSamples(work.layout);
+    const FloatStrips strips(work.layout, work.size.width, work.size.height);
+    const Raster result = strips.take(scratch), next = strips.take(scratch);
+    for (std::int32_t row = 0; row < work.size.height && status == KRN_OK; row += strips.rows()) {
+        const Size size = {work.size.width, strips.rowsFrom(row)};
+        status = runStrip(prepared, all, row, result, next, strips, size);
+        if (status == KRN_OK)
+            status = fromFloats(result, work.layout, depth_, work.destination.fromRow(row), size);
     }
+    return status;
 }
 
 template <class Record>
-OrvStatus runFloats(const OrvImage *source, const OrvImage *destination, const Kernels<Record> &kernels)
+OrvStatus runFloats(const OrvImage *source, const OrvImage *destination, const Records<Record> &records)
 {
-    Neighbourhood call = {source, destination, {}, 0, 0, source->alphaChannel != 0};
-    for (const Record *kernel : kernels)
-        unite(call, *kernel);
-    return neighbourhood(call, FloatEngine<Record>(kernels, destination->depth));
+    WindowCall call = callOfSeveral(source, destination);
+    for (const Record *record : records)
+        add(call, *record);
+    const FloatLoop<Record> loop(records, destination->depth);
+    return runWindow(call, {.run = [&](const Work &work) { return loop.run(work); },
+                            .scratchBytes = [&](const Work &work) { return loop.scratchBytes(work); }});
 }
 
 OrvStatus runIntegers(const LayoutKernels<ConvolveKernel> &kernels, const OrvImage *source, const OrvImage *destination,
                       const OrvConvKernel &record)
 {
-    return neighbourhood(neighbourhoodOf(record, source, destination), IntegerEngine{kernels, record});
+    return runWindow(callOfOne(record, source, destination), {.run = makeIntegers(kernels, record)});
 }
 
-// Kernels refuse silently what has no coefficients: nothing is written then.
-template <class Record> bool withoutCoefficients(const Kernels<Record> &kernels)
+// Kernels refuse records without coefficients in silence, so nothing is written.
+template <class Record> bool withoutCoefficients(const Records<Record> &records)
 {
-    return std::any_of(kernels.begin(), kernels.end(), [](const Record *kernel) { return kernel->values == nullptr; });
+    return std::any_of(records.begin(), records.end(), [](const Record *record) { return record->values == nullptr; });
 }
 
-OrvStatus run(const OrvImage *source, const OrvImage *destination, const Kernels<OrvConvKernel> &kernels)
+OrvStatus run(const OrvImage *source, const OrvImage *destination, const Records<OrvConvKernel> &records)
 {
-    const bool one = kernels.count == 1;
     switch (destination->depth) {
     case ORV_DEPTH_8U:
     case ORV_DEPTH_16S:
@@ -182,13 +217,18 @@ OrvStatus run(const OrvImage *source, const OrvImage *destination, const Kernels
     default:
         return ORV_STATUS_NOT_IMPLEMENTED;
     }
-    if (withoutCoefficients(kernels))
+    if (withoutCoefficients(records))
         return ORV_STATUS_OK;
-    if (one && destination->depth == ORV_DEPTH_8U)
-        return runIntegers(ORV_LAYOUT_KERNELS(krnConvolve8u), source, destination, **kernels.begin());
-    if (one && destination->depth == ORV_DEPTH_16S)
-        return runIntegers(ORV_LAYOUT_KERNELS(krnConvolve16s), source, destination, **kernels.begin());
-    return runFloats(source, destination, kernels);
+    if (records.count == 1 && destination->depth == ORV_DEPTH_8U)
+        return runIntegers(ORV_LAYOUT_KERNELS(krnConvolve8u), source, destination, *records.first[0]);
+    if (records.count == 1 && destination->depth == ORV_DEPTH_16S)
+        return runIntegers(ORV_LAYOUT_KERNELS(krnConvolve16s), source, destination, *records.first[0]);
+    return runFloats(source, destination, records);
+}
+
+OrvStatus run(const OrvImage *source, const OrvImage *destination, const Records<OrvConvKernelFP> &records)
+{
+    return withoutCoefficients(records) ? ORV_STATUS_OK : runFloats(source, destination, records);
 }
 
 } // namespace
@@ -198,25 +238,27 @@ extern "C" {
 OrvStatus orvConvolve2D(const OrvImage *srcImage, OrvImage *dstImage, OrvConvKernel *const *kernel,
                         std::int32_t nKernels, std::int32_t combineMethod)
 {
-    const Kernels<OrvConvKernel> kernels = {kernel, nKernels, combineMethod};
-    ORV_REFUSE(checkHeaders(srcImage, dstImage));
-    ORV_REFUSE_IF(srcImage->depth == ORV_DEPTH_32F || dstImage->depth == ORV_DEPTH_32F, ORV_STATUS_BAD_ARGUMENT,
-                  "32F images can be processed only with FP kernel");
-    ORV_REFUSE(checkCall(*srcImage, *dstImage, kernels));
-    ORV_RETURN_RUN_AS(run(srcImage, dstImage, kernels), "Allocation failure");
+    const Records<OrvConvKernel> records = {kernel, nKernels, combineMethod};
+    Call call(unitName);
+    if (call.refuses(checkHeaders(srcImage, dstImage)) ||
+        call.refuses(srcImage->depth == ORV_DEPTH_32F || dstImage->depth == ORV_DEPTH_32F, ORV_STATUS_BAD_ARGUMENT,
+                     "32F images can be processed only with FP kernel") ||
+        call.refuses(checkCall(*srcImage, *dstImage, records)))
+        return call.report();
+    return call.result(run(srcImage, dstImage, records), "Allocation failure");
 }
 
 OrvStatus orvConvolve2DFP(const OrvImage *srcImage, OrvImage *dstImage, OrvConvKernelFP *const *kernel,
                           std::int32_t nKernels, std::int32_t combineMethod)
 {
-    const Kernels<OrvConvKernelFP> kernels = {kernel, nKernels, combineMethod};
-    ORV_REFUSE(checkHeaders(srcImage, dstImage));
-    ORV_REFUSE_IF(srcImage->depth != ORV_DEPTH_32F || dstImage->depth != ORV_DEPTH_32F, ORV_STATUS_BAD_ARGUMENT,
-                  "FP kernel can be used only for 32F images");
-    ORV_REFUSE(checkCall(*srcImage, *dstImage, kernels));
-    if (withoutCoefficients(kernels))
-        return ORV_STATUS_OK;
-    ORV_RETURN_RUN_AS(runFloats(srcImage, dstImage, kernels), "Allocation failure");
+    const Records<OrvConvKernelFP> records = {kernel, nKernels, combineMethod};
+    Call call(unitName);
+    if (call.refuses(checkHeaders(srcImage, dstImage)) ||
+        call.refuses(srcImage->depth != ORV_DEPTH_32F || dstImage->depth != ORV_DEPTH_32F, ORV_STATUS_BAD_ARGUMENT,
+                     "FP kernel can be used only for 32F images") ||
+        call.refuses(checkCall(*srcImage, *dstImage, records)))
+        return call.report();
+    return call.result(run(srcImage, dstImage, records), "Allocation failure");
 }
 
 } // extern "C"

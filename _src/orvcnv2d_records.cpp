@@ -3,12 +3,9 @@
 #include <limits>
 #include <type_traits>
 
+#include "call.h"
 #include "filter/conv_record.h"
 #include "kernels.h"
-#include "report.h"
-
-// As ORV_REPORT, where one function stands for several exported ones and was told the name.
-#define REPORT_FOR(function, status, context) orvError(status, function, context, unitName, __LINE__)
 
 namespace {
 
@@ -18,34 +15,24 @@ constexpr const char *unitName = "orvcnv2d";
 
 // The record without its shift; null after a report.
 template <class Record, class Given>
-Record *create(const char *function, std::int32_t nCols, std::int32_t nRows, std::int32_t anchorX, std::int32_t anchorY,
+Record *create(Call call, std::int32_t nCols, std::int32_t nRows, std::int32_t anchorX, std::int32_t anchorY,
                const Given *values)
 {
-    if (values == nullptr) {
-        REPORT_FOR(function, ORV_STATUS_BAD_ARGUMENT, "(values == 0)");
-        return nullptr;
-    }
-    if (nRows <= 0 || nCols <= 0) {
-        REPORT_FOR(function, ORV_STATUS_BAD_ARGUMENT, "(nRows<=0 || nCols<=0)");
-        return nullptr;
-    }
-    if (anchorX < 0 || anchorY < 0 || nRows <= anchorY || nCols <= anchorX) {
-        REPORT_FOR(function, ORV_STATUS_BAD_ARGUMENT, "(anchorX<0 || anchorY<0 || nRows<=anchorY || nCols<=anchorX)");
-        return nullptr;
-    }
+    if (call.refuses(values == nullptr, ORV_STATUS_BAD_ARGUMENT, "(values == 0)") ||
+        call.refuses(nRows <= 0 || nCols <= 0, ORV_STATUS_BAD_ARGUMENT, "(nRows<=0 || nCols<=0)") ||
+        call.refuses(anchorX < 0 || anchorY < 0 || nRows <= anchorY || nCols <= anchorX, ORV_STATUS_BAD_ARGUMENT,
+                     "(anchorX<0 || anchorY<0 || nRows<=anchorY || nCols<=anchorX)"))
+        return call.reportAs(nullptr);
     auto *kernel = static_cast<Record *>(krnMallocBytes(static_cast<std::int32_t>(sizeof(Record))));
-    if (kernel == nullptr) {
-        REPORT_FOR(function, ORV_STATUS_NO_MEMORY, "Allocation failure");
-        return nullptr;
-    }
+    if (call.refuses(kernel == nullptr, ORV_STATUS_NO_MEMORY, "Allocation failure"))
+        return call.reportAs(nullptr);
     using Value = std::remove_pointer_t<decltype(kernel->values)>;
     const std::int64_t count = std::int64_t{nCols} * nRows;
     const bool fits = count <= std::numeric_limits<std::int32_t>::max() / static_cast<std::int32_t>(sizeof(Value));
     auto *copies = fits ? static_cast<Value *>(krnMalloc32(static_cast<std::int32_t>(count))) : nullptr;
-    if (copies == nullptr) {
+    if (call.refuses(copies == nullptr, ORV_STATUS_NO_MEMORY, "Allocation failure")) {
         krnFree(kernel);
-        REPORT_FOR(function, ORV_STATUS_NO_MEMORY, "Allocation failure");
-        return nullptr;
+        return call.reportAs(nullptr);
     }
     *kernel = {};
     kernel->nCols = nCols;
@@ -65,37 +52,24 @@ OrvConvKernel *withShift(OrvConvKernel *kernel, std::int32_t nShiftR)
     return kernel;
 }
 
-// Whether the record can be read into these; reports why not. The stored status decides at two of the tests, so that a
-// failure of an earlier call stops the reading. The pointers are tested too: a handler may clear the status.
+// Whether the record can be read; reports why not. A negative stored status ends the call at two places, even if it is
+// that of an earlier call. The pointers are tested there too, because a handler may clear the status.
 template <class Record, class Value>
-bool readable(const char *function, const Record *kernel, const std::int32_t *nCols, const std::int32_t *nRows,
+bool readable(Call &call, const Record *kernel, const std::int32_t *nCols, const std::int32_t *nRows,
               const std::int32_t *anchorX, const std::int32_t *anchorY, Value *const *values)
 {
-    if (kernel == nullptr) {
-        REPORT_FOR(function, ORV_STATUS_BAD_ARGUMENT, "kernel==0");
+    if (call.refuses(kernel == nullptr, ORV_STATUS_BAD_ARGUMENT, "kernel==0") ||
+        call.refuses(badStructure(*kernel), ORV_STATUS_BAD_ARGUMENT, "Bad kernel structure"))
+        return call.reportAs(false);
+    call.reports(nRows == nullptr, ORV_STATUS_BAD_ARGUMENT, "nRows==0");
+    call.reports(nCols == nullptr, ORV_STATUS_BAD_ARGUMENT, "nCols==0");
+    if (Call::ended() || nRows == nullptr || nCols == nullptr)
         return false;
-    }
-    if (badStructure(*kernel)) {
-        REPORT_FOR(function, ORV_STATUS_BAD_ARGUMENT, "Bad kernel structure");
+    call.reports(anchorX == nullptr, ORV_STATUS_BAD_ARGUMENT, "anchorX==0");
+    call.reports(anchorY == nullptr, ORV_STATUS_BAD_ARGUMENT, "anchorY==0");
+    if (Call::ended() || anchorX == nullptr || anchorY == nullptr)
         return false;
-    }
-    if (nRows == nullptr)
-        REPORT_FOR(function, ORV_STATUS_BAD_ARGUMENT, "nRows==0");
-    if (nCols == nullptr)
-        REPORT_FOR(function, ORV_STATUS_BAD_ARGUMENT, "nCols==0");
-    if (orvGetErrStatus() < 0 || nRows == nullptr || nCols == nullptr)
-        return false;
-    if (anchorX == nullptr)
-        REPORT_FOR(function, ORV_STATUS_BAD_ARGUMENT, "anchorX==0");
-    if (anchorY == nullptr)
-        REPORT_FOR(function, ORV_STATUS_BAD_ARGUMENT, "anchorY==0");
-    if (orvGetErrStatus() < 0 || anchorX == nullptr || anchorY == nullptr)
-        return false;
-    if (values == nullptr) {
-        REPORT_FOR(function, ORV_STATUS_BAD_ARGUMENT, "values==0");
-        return false;
-    }
-    return true;
+    return !call.refuses(values == nullptr, ORV_STATUS_BAD_ARGUMENT, "values==0") || call.reportAs(false);
 }
 
 // Coefficients narrow to their low byte where `Value` is one.
@@ -115,27 +89,24 @@ void read(const Record &kernel, std::int32_t &nCols, std::int32_t &nRows, std::i
 }
 
 template <class Value>
-void readWithShift(const char *function, const OrvConvKernel *kernel, std::int32_t *nCols, std::int32_t *nRows,
+void readWithShift(Call call, const OrvConvKernel *kernel, std::int32_t *nCols, std::int32_t *nRows,
                    std::int32_t *anchorX, std::int32_t *anchorY, Value **values, std::int32_t *nShiftR)
 {
-    if (!readable(function, kernel, nCols, nRows, anchorX, anchorY, values))
+    if (!readable(call, kernel, nCols, nRows, anchorX, anchorY, values))
         return;
-    if (nShiftR == nullptr) {
-        REPORT_FOR(function, ORV_STATUS_BAD_ARGUMENT, "nShiftR==0");
+    if (call.refuses(nShiftR == nullptr, ORV_STATUS_BAD_ARGUMENT, "nShiftR==0")) {
+        call.report();
         return;
     }
     *nShiftR = kernel->nShiftR;
     read(*kernel, *nCols, *nRows, *anchorX, *anchorY, *values);
 }
 
-template <class Record> void release(const char *function, Record *kernel)
+template <class Record> void release(Call call, Record *kernel)
 {
-    if (kernel == nullptr) {
-        REPORT_FOR(function, ORV_STATUS_BAD_ARGUMENT, "kernel==0");
-        return;
-    }
-    if (kernel->values == nullptr) {
-        REPORT_FOR(function, ORV_STATUS_BAD_ARGUMENT, "kernel->values==0");
+    if (call.refuses(kernel == nullptr, ORV_STATUS_BAD_ARGUMENT, "kernel==0") ||
+        call.refuses(kernel->values == nullptr, ORV_STATUS_BAD_ARGUMENT, "kernel->values==0")) {
+        call.report();
         return;
     }
     krnFree(kernel->values);
@@ -149,48 +120,49 @@ extern "C" {
 OrvConvKernel *orvCreateConvKernel(std::int32_t nCols, std::int32_t nRows, std::int32_t anchorX, std::int32_t anchorY,
                                    const std::int32_t *values, std::int32_t nShiftR)
 {
-    return withShift(create<OrvConvKernel>(__func__, nCols, nRows, anchorX, anchorY, values), nShiftR);
+    return withShift(create<OrvConvKernel>(Call(unitName), nCols, nRows, anchorX, anchorY, values), nShiftR);
 }
 
 OrvConvKernel *orvCreateConvKernelChar(std::int32_t nCols, std::int32_t nRows, std::int32_t anchorX,
                                        std::int32_t anchorY, const signed char *values, std::int32_t nShiftR)
 {
-    return withShift(create<OrvConvKernel>(__func__, nCols, nRows, anchorX, anchorY, values), nShiftR);
+    return withShift(create<OrvConvKernel>(Call(unitName), nCols, nRows, anchorX, anchorY, values), nShiftR);
 }
 
 OrvConvKernelFP *orvCreateConvKernelFP(std::int32_t nCols, std::int32_t nRows, std::int32_t anchorX,
                                        std::int32_t anchorY, const float *values)
 {
-    return create<OrvConvKernelFP>(__func__, nCols, nRows, anchorX, anchorY, values);
+    return create<OrvConvKernelFP>(Call(unitName), nCols, nRows, anchorX, anchorY, values);
 }
 
 void orvGetConvKernel(const OrvConvKernel *kernel, std::int32_t *nCols, std::int32_t *nRows, std::int32_t *anchorX,
                       std::int32_t *anchorY, std::int32_t **values, std::int32_t *nShiftR)
 {
-    readWithShift(__func__, kernel, nCols, nRows, anchorX, anchorY, values, nShiftR);
+    readWithShift(Call(unitName), kernel, nCols, nRows, anchorX, anchorY, values, nShiftR);
 }
 
 void orvGetConvKernelChar(const OrvConvKernel *kernel, std::int32_t *nCols, std::int32_t *nRows, std::int32_t *anchorX,
                           std::int32_t *anchorY, signed char **values, std::int32_t *nShiftR)
 {
-    readWithShift(__func__, kernel, nCols, nRows, anchorX, anchorY, values, nShiftR);
+    readWithShift(Call(unitName), kernel, nCols, nRows, anchorX, anchorY, values, nShiftR);
 }
 
 void orvGetConvKernelFP(const OrvConvKernelFP *kernel, std::int32_t *nCols, std::int32_t *nRows, std::int32_t *anchorX,
                         std::int32_t *anchorY, float **values)
 {
-    if (readable(__func__, kernel, nCols, nRows, anchorX, anchorY, values))
+    Call call(unitName);
+    if (readable(call, kernel, nCols, nRows, anchorX, anchorY, values))
         read(*kernel, *nCols, *nRows, *anchorX, *anchorY, *values);
 }
 
 void orvDeleteConvKernel(OrvConvKernel *kernel)
 {
-    release(__func__, kernel);
+    release(Call(unitName), kernel);
 }
 
 void orvDeleteConvKernelFP(OrvConvKernelFP *kernel)
 {
-    release(__func__, kernel);
+    release(Call(unitName), kernel);
 }
 
 } // extern "C"

@@ -1,8 +1,8 @@
 // The test image.
 #include <cstdint>
 
+#include "call.h"
 #include "kernels.h"
-#include "report.h"
 
 namespace {
 
@@ -34,15 +34,17 @@ const Kernel<PatternKernel> *patternKernel(std::int32_t depth)
 
 extern "C" OrvImage *orvCreateImageJaehne(std::int32_t depth, std::int32_t width, std::int32_t height)
 {
-    ORV_REFUSE_AS(nullptr, depth == ORV_DEPTH_1U, ORV_STATUS_NOT_IMPLEMENTED, "");
-    ORV_REFUSE_AS(nullptr, width < 1 || height < 1, ORV_STATUS_BAD_IMAGE_SIZE, orvErrorStr(ORV_STATUS_BAD_IMAGE_SIZE));
     const Kernel<PatternKernel> *pattern = patternKernel(depth);
-    ORV_REFUSE_AS(nullptr, pattern == nullptr, ORV_STATUS_BAD_DEPTH, orvErrorStr(ORV_STATUS_BAD_DEPTH));
+    Call call(unitName);
+    if (call.refuses(depth == ORV_DEPTH_1U, ORV_STATUS_NOT_IMPLEMENTED, "") ||
+        call.refuses(width < 1 || height < 1, ORV_STATUS_BAD_IMAGE_SIZE, orvErrorStr(ORV_STATUS_BAD_IMAGE_SIZE)) ||
+        call.refuses(pattern == nullptr, ORV_STATUS_BAD_DEPTH, orvErrorStr(ORV_STATUS_BAD_DEPTH)))
+        return call.reportAs(nullptr);
 
     OrvImage *image = orvCreateImageHeader(1, 0, depth, "GRAY", "GRAY", ORV_DATA_ORDER_PIXEL, ORV_ORIGIN_TL,
                                            ORV_ALIGN_8BYTES, width, height, nullptr, nullptr, nullptr, nullptr);
-    ORV_REFUSE_AS(nullptr, image == nullptr, ORV_STATUS_NO_MEMORY,
-                  "Not enough memory to allocate header for ImageJaehne");
+    if (call.refuses(image == nullptr, ORV_STATUS_NO_MEMORY, "Not enough memory to allocate header for ImageJaehne"))
+        return call.reportAs(nullptr);
     if (depth == ORV_DEPTH_32F)
         orvAllocateImageFP(image, 1, 0.0f);
     else

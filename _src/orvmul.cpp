@@ -1,6 +1,6 @@
 // The product of two images.
 #include "arith/binary_family.h"
-#include "report.h"
+#include "call.h"
 
 namespace {
 
@@ -13,6 +13,8 @@ constexpr BinaryFamily family = ORV_BINARY_FAMILY(Mul);
 
 extern "C" OrvStatus orvMultiply(const OrvImage *srcImageA, const OrvImage *srcImageB, OrvImage *dstImage)
 {
-    ORV_REFUSE(checkTriple(srcImageA, srcImageB, dstImage, MaskOrder::Compared));
-    ORV_RETURN_RUN(runBinaryFamily(family, srcImageA, srcImageB, dstImage));
+    Call call(unitName);
+    if (call.refuses(checkTriple(srcImageA, srcImageB, dstImage, MaskOrder::Compared)))
+        return call.report();
+    return call.result(runBinaryFamily(family, srcImageA, srcImageB, dstImage));
 }

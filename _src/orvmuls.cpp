@@ -2,41 +2,40 @@
 #include <algorithm>
 #include <cstdint>
 
-#include "arith/float_constant.h"
-#include "report.h"
+#include "arith/arithmetic.h"
+#include "call.h"
+#include "pointwise.h"
 
 namespace {
 
 using namespace orv;
 
 constexpr const char *unitName = "orvmuls";
-constexpr ScaledConstant bytes = ORV_CONSTANT_KERNELS(krnMulC8u, );
-constexpr ScaledConstantInPlace bytesInPlace = ORV_CONSTANT_KERNELS(krnMulC8u, I);
-constexpr ScaledConstant words = ORV_CONSTANT_KERNELS(krnMulC16s, );
-constexpr ScaledConstantInPlace wordsInPlace = ORV_CONSTANT_KERNELS(krnMulC16s, I);
-constexpr FloatConstant floats = ORV_CONSTANT_KERNELS(krnMulC32f, );
-constexpr FloatConstantInPlace floatsInPlace = ORV_CONSTANT_KERNELS(krnMulC32f, I);
+constexpr ScaledConstant bytes = ORV_CONSTANT_KERNELS(krnMulC8u);
+constexpr ScaledConstant words = ORV_CONSTANT_KERNELS(krnMulC16s);
+constexpr FloatConstant floats = ORV_CONSTANT_KERNELS(krnMulC32f);
 
-auto multiply(const ScaledConstant &kernels, const ScaledConstantInPlace &inPlace, std::int32_t value,
-              std::int32_t sampleBytes)
+OrvStatus run(const OrvImage *source, const OrvImage *destination, std::int32_t value)
 {
-    return [=](Layout layout, const Raster *in, Raster out, Size size) {
-        applyConstant(kernels, inPlace, value, sampleBytes, layout, *in, out, size);
-    };
-}
-
-OrvStatus run(const OrvImage *srcImage, const OrvImage *dstImage, std::int32_t value)
-{
-    switch (dstImage->depth) {
+    switch (destination->depth) {
     case ORV_DEPTH_8U:
-        return pointwise(multiply(bytes, bytesInPlace, std::clamp(value, 0, 255), 1), dstImage, srcImage);
+        return runPointwise({{source}, destination}, {.run = makeConstant(bytes, std::clamp(value, 0, 255), 1)});
     case ORV_DEPTH_16S:
-        return pointwise(multiply(words, wordsInPlace, std::clamp(value, -32768, 32767), 2), dstImage, srcImage);
+        return runPointwise({{source}, destination}, {.run = makeConstant(words, std::clamp(value, -32768, 32767), 2)});
     case ORV_DEPTH_32S:
-        return pointwise(runConstantRows(krnMulC32sRow, krnMulC32sRowI, value), dstImage, srcImage);
+        return runPointwise({{source}, destination},
+                            {.run = makeConstantRows(krnMulC32sRow, value), .wholeSamples = true});
     default:
         return ORV_STATUS_NOT_IMPLEMENTED;
     }
+}
+
+// Differing channels are a bad argument in orvMultiplySFP, and nowhere else.
+Refusal compareFloatPair(const OrvImage &source, const OrvImage &destination)
+{
+    const Refusal refusal = comparePair(source, destination, textsOfImages);
+    return refusal.status == ORV_STATUS_BAD_CHANNELS ? Refusal{ORV_STATUS_BAD_ARGUMENT, "(srcChannels != dstChannels)"}
+                                                     : refusal;
 }
 
 } // namespace
@@ -45,25 +44,24 @@ extern "C" {
 
 OrvStatus orvMultiplyS(const OrvImage *srcImage, OrvImage *dstImage, std::int32_t value)
 {
-    ORV_REFUSE(checkHeaders(srcImage, dstImage));
-    ORV_REFUSE_IF(srcImage->depth == ORV_DEPTH_32F, ORV_STATUS_BAD_ARGUMENT,
-                  "For processing depth 32F use function orvMultiplySFP");
-    ORV_REFUSE(comparePair(*srcImage, *dstImage, textsOfImages));
-    ORV_RETURN_RUN(run(srcImage, dstImage, value));
+    Call call(unitName);
+    if (call.refuses(checkHeaders(srcImage, dstImage)) ||
+        call.refuses(srcImage->depth == ORV_DEPTH_32F, ORV_STATUS_BAD_ARGUMENT,
+                     "For processing depth 32F use function orvMultiplySFP") ||
+        call.refuses(comparePair(*srcImage, *dstImage, textsOfImages)))
+        return call.report();
+    return call.result(run(srcImage, dstImage, value));
 }
 
 OrvStatus orvMultiplySFP(const OrvImage *srcImage, OrvImage *dstImage, float value)
 {
-    ORV_REFUSE_IF(srcImage == nullptr, ORV_STATUS_BAD_ARGUMENT, "srcImage==0");
-    ORV_REFUSE_IF(srcImage->depth != ORV_DEPTH_32F, ORV_STATUS_BAD_ARGUMENT,
-                  "For processing this depth use function orvMultiplyS");
-    ORV_REFUSE(checkHeaders(srcImage, dstImage));
-    // Differing channels are a bad argument here, and nowhere else.
-    const Refusal comparison = comparePair(*srcImage, *dstImage, textsOfImages);
-    ORV_REFUSE_IF(comparison.status == ORV_STATUS_BAD_CHANNELS, ORV_STATUS_BAD_ARGUMENT,
-                  "(srcChannels != dstChannels)");
-    ORV_REFUSE(comparison);
-    ORV_RETURN_RUN(runFloatConstant(floats, floatsInPlace, value, srcImage, dstImage));
+    Call call(unitName);
+    if (call.refuses(srcImage == nullptr, ORV_STATUS_BAD_ARGUMENT, "srcImage==0") ||
+        call.refuses(srcImage->depth != ORV_DEPTH_32F, ORV_STATUS_BAD_ARGUMENT,
+                     "For processing this depth use function orvMultiplyS") ||
+        call.refuses(checkHeaders(srcImage, dstImage)) || call.refuses(compareFloatPair(*srcImage, *dstImage)))
+        return call.report();
+    return call.result(runPointwise({{srcImage}, dstImage}, {.run = makeConstant(floats, value)}));
 }
 
 } // extern "C"

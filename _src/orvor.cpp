@@ -1,6 +1,6 @@
 // Bitwise or.
+#include "call.h"
 #include "logic/bit_family.h"
-#include "report.h"
 
 namespace {
 
@@ -15,17 +15,20 @@ extern "C" {
 
 OrvStatus orvOr(const OrvImage *srcImageA, const OrvImage *srcImageB, OrvImage *dstImage)
 {
-    ORV_REFUSE(checkTriple(srcImageA, srcImageB, dstImage, MaskOrder::Ignored));
-    ORV_REFUSE(checkBitDepth(*dstImage));
-    ORV_RETURN_RUN(runBits(family, srcImageA, srcImageB, dstImage));
+    Call call(unitName);
+    if (call.refuses(checkTriple(srcImageA, srcImageB, dstImage, MaskOrder::Ignored)) ||
+        call.refuses(checkBitDepth(*dstImage)))
+        return call.report();
+    return call.result(runBits(family, srcImageA, srcImageB, dstImage));
 }
 
 OrvStatus orvOrS(const OrvImage *srcImage, OrvImage *dstImage, std::int32_t value)
 {
-    ORV_REFUSE(checkHeaders(srcImage, dstImage));
-    ORV_REFUSE(comparePair(*srcImage, *dstImage, textsOfImages));
-    ORV_REFUSE(checkBitDepth(*dstImage));
-    ORV_RETURN_RUN(runBits(family, srcImage, dstImage, value));
+    Call call(unitName);
+    if (call.refuses(checkHeaders(srcImage, dstImage)) ||
+        call.refuses(comparePair(*srcImage, *dstImage, textsOfImages)) || call.refuses(checkBitDepth(*dstImage)))
+        return call.report();
+    return call.result(runBits(family, srcImage, dstImage, value));
 }
 
 } // extern "C"

@@ -2,11 +2,11 @@
 #include <algorithm>
 #include <bit>
 #include <cstdint>
-#include <cstring>
 
+#include "call.h"
+#include "channel_kernels.h"
 #include "fill.h"
 #include "pointwise.h"
-#include "report.h"
 
 namespace {
 
@@ -15,30 +15,37 @@ using namespace orv;
 constexpr const char *unitName = "orvsce";
 
 // Pixels of the same length on both sides. Under a mask the copy goes straight into the destination.
-struct CopySamples {
-    const ChannelKernels &kernels;
-
-    void operator()(Layout layout, const Raster *sources, Raster out, Size size) const
-    {
-        kernels.copy[layout](sources->data, sources->step, out.data, out.step, size.width, size.height);
-    }
-
-    void masked(Layout layout, const Raster *sources, Raster out, Raster mask, Size size) const
-    {
-        kernels.copyMasked[layout](sources->data, sources->step, out.data, out.step, size.width, size.height, mask.data,
-                                   mask.step);
-    }
-};
+auto makeCopy(const ChannelKernels &kernels)
+{
+    return [&kernels](const Work &work) {
+        const ConstRaster &in = work.sources[0], &mask = work.mask;
+        const Raster &out = work.destination;
+        return mask.data == nullptr
+                   ? kernels.copy[work.layout](in.data, in.step, out.data, out.step, work.size.width, work.size.height)
+                   : kernels.copyMasked[work.layout](in.data, in.step, out.data, out.step, work.size.width,
+                                                     work.size.height, mask.data, mask.step);
+    };
+}
 
 // Pixels of three samples on one side, of three and alpha on the other.
-struct CopyBesideAlpha {
-    const Kernel<CopyKernel> &copy;
+auto makeCopyBesideAlpha(const Kernel<CopyKernel> &copy)
+{
+    return [&copy](const Work &work) {
+        const ConstRaster &in = work.sources[0];
+        return copy(in.data, in.step, work.destination.data, work.destination.step, work.size.width, work.size.height);
+    };
+}
 
-    void operator()(Layout, const Raster *sources, Raster out, Size size) const
-    {
-        copy(sources->data, sources->step, out.data, out.step, size.width, size.height);
-    }
-};
+OrvStatus run(const OrvImage *source, const OrvImage *destination, std::int32_t channels)
+{
+    const ChannelKernels &kernels = channelKernels(sampleBytes(destination->depth));
+    const bool pixels = destination->dataOrder == ORV_DATA_ORDER_PIXEL;
+    if (!pixels || channels != 3 || source->nChannels == destination->nChannels)
+        return runPointwise({{source}, destination}, {.run = makeCopy(kernels), .takesMask = true});
+    const bool intoAlpha = source->nChannels < destination->nChannels;
+    return runPointwise({{source}, destination},
+                        {.run = makeCopyBesideAlpha(intoAlpha ? kernels.copyC3AC4 : kernels.copyAC4C3)});
+}
 
 std::int32_t clampedToDepth(std::int32_t depth, std::int32_t value)
 {
@@ -64,48 +71,49 @@ extern "C" {
 
 OrvStatus orvCopy(const OrvImage *srcImage, OrvImage *dstImage)
 {
-    ORV_CHECK_HEADER(srcImage);
-    ORV_CHECK_HEADER(dstImage);
-    ORV_REFUSE_IF(srcImage->depth != dstImage->depth, ORV_STATUS_BAD_ARGUMENT, "srcImage->depth != dstImage->depth");
-    ORV_REFUSE_IF(srcImage->origin != dstImage->origin, ORV_STATUS_BAD_ARGUMENT,
-                  "srcImage->origin != dstImage->origin");
+    Call call(unitName);
+    if (call.refuses(checkHeaders(srcImage, dstImage)) ||
+        call.refuses(srcImage->depth != dstImage->depth, ORV_STATUS_BAD_ARGUMENT,
+                     "srcImage->depth != dstImage->depth") ||
+        call.refuses(srcImage->origin != dstImage->origin, ORV_STATUS_BAD_ARGUMENT,
+                     "srcImage->origin != dstImage->origin"))
+        return call.report();
     const bool orderMatters = srcImage->depth != ORV_DEPTH_1U && (srcImage->nChannels != 1 || dstImage->nChannels != 1);
-    ORV_REFUSE_IF(orderMatters && srcImage->dataOrder != dstImage->dataOrder, ORV_STATUS_BAD_ARGUMENT,
-                  "srcImage->dataOrder != dstImage->dataOrder");
     const std::int32_t channels = channelsWithoutAlpha(*srcImage);
-    ORV_REFUSE_IF(channels != channelsWithoutAlpha(*dstImage), ORV_STATUS_BAD_CHANNELS, "");
+    if (call.refuses(orderMatters && srcImage->dataOrder != dstImage->dataOrder, ORV_STATUS_BAD_ARGUMENT,
+                     "srcImage->dataOrder != dstImage->dataOrder") ||
+        call.refuses(channels != channelsWithoutAlpha(*dstImage), ORV_STATUS_BAD_CHANNELS, ""))
+        return call.report();
     if (srcImage == dstImage)
         return channels;
-    ORV_REFUSE_IF(anyTiled(srcImage, dstImage), ORV_STATUS_NOT_IMPLEMENTED, "");
-
-    const ChannelKernels &kernels = channelKernels(sampleBytes(dstImage->depth));
-    const bool pixels = dstImage->dataOrder == ORV_DATA_ORDER_PIXEL;
-    if (pixels && channels == 3 && srcImage->nChannels < dstImage->nChannels)
-        ORV_RETURN_RUN(pointwise(CopyBesideAlpha{kernels.copyC3AC4}, dstImage, srcImage));
-    if (pixels && channels == 3 && srcImage->nChannels > dstImage->nChannels)
-        ORV_RETURN_RUN(pointwise(CopyBesideAlpha{kernels.copyAC4C3}, dstImage, srcImage));
-    ORV_RETURN_RUN(pointwise(CopySamples{kernels}, dstImage, srcImage));
+    if (call.refuses(anyTiled(srcImage, dstImage), ORV_STATUS_NOT_IMPLEMENTED, ""))
+        return call.report();
+    return call.result(run(srcImage, dstImage, channels));
 }
 
 OrvStatus orvSet(OrvImage *dstImage, std::int32_t fillValue)
 {
-    ORV_CHECK_HEADER(dstImage);
-    ORV_REFUSE_IF(dstImage->depth == ORV_DEPTH_32F, ORV_STATUS_BAD_DEPTH, "You should use orvSetFP for this image");
-    ORV_REFUSE_IF(anyTiled(dstImage), ORV_STATUS_NOT_IMPLEMENTED, "");
-    const ChannelKernels &kernels = channelKernels(sampleBytes(dstImage->depth));
-    ORV_RETURN_RUN(pointwise(FillSamples{kernels, clampedToDepth(dstImage->depth, fillValue)}, dstImage));
+    Call call(unitName);
+    if (call.refuses(checkHeaders(dstImage)) ||
+        call.refuses(dstImage->depth == ORV_DEPTH_32F, ORV_STATUS_BAD_DEPTH,
+                     "You should use orvSetFP for this image") ||
+        call.refuses(anyTiled(dstImage), ORV_STATUS_NOT_IMPLEMENTED, ""))
+        return call.report();
+    return call.result(runPointwise(
+        {{}, dstImage}, {.run = makeFill(sampleBytes(dstImage->depth), clampedToDepth(dstImage->depth, fillValue))}));
 }
 
 OrvStatus orvSetFP(OrvImage *dstImage, float fillValue)
 {
-    ORV_REFUSE_IF(dstImage == nullptr, ORV_STATUS_BAD_ARGUMENT, "dstImage==0");
-    ORV_REFUSE_IF(dstImage->depth != ORV_DEPTH_32F, ORV_STATUS_BAD_DEPTH, "You should use orvSet for this image");
-    // The same bits as an integer image, for the length of the call.
+    Call call(unitName);
+    if (call.refuses(dstImage == nullptr, ORV_STATUS_BAD_ARGUMENT, "dstImage==0") ||
+        call.refuses(dstImage->depth != ORV_DEPTH_32F, ORV_STATUS_BAD_DEPTH, "You should use orvSet for this image"))
+        return call.report();
+    // For the length of the call the image is one of integers, with the same bits.
     dstImage->depth = ORV_DEPTH_32S;
     orvSet(dstImage, std::bit_cast<std::int32_t>(fillValue));
     const OrvStatus status = orvGetErrStatus();
-    if (status < 0)
-        ORV_REPORT(ORV_STATUS_BACKTRACE, "");
+    call.reports(status < 0, ORV_STATUS_BACKTRACE, "");
     dstImage->depth = ORV_DEPTH_32F;
     return status;
 }

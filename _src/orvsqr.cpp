@@ -3,8 +3,9 @@
 #include <cstdint>
 
 #include "arith/arithmetic.h"
-#include "arith/binary_family.h"
-#include "report.h"
+#include "arith/plain_rows.h"
+#include "call.h"
+#include "pointwise.h"
 
 namespace {
 
@@ -12,37 +13,29 @@ using namespace orv;
 
 constexpr const char *unitName = "orvsqr";
 
-auto runSquare(const LayoutKernels<UnaryScaledKernel> &kernels)
+auto makeSquare(const LayoutKernels<UnaryScaledKernel> &kernels)
 {
-    return [kernels](Layout layout, const Raster *in, Raster out, Size size) {
-        kernels[layout](in->data, in->step, out.data, out.step, size.width, size.height, unscaled);
+    return [&kernels](const Work &work) {
+        const ConstRaster &in = work.sources[0];
+        return kernels[work.layout](in.data, in.step, work.destination.data, work.destination.step, work.size.width,
+                                    work.size.height, unscaled);
     };
 }
 
-void squareSignedBytes(Layout layout, const Raster *in, Raster out, Size size)
+OrvStatus run(const OrvImage *source, const OrvImage *destination)
 {
-    plainRows<std::int8_t>(layout, *in, out, size, [](std::int8_t x) { return std::min(x * x, 127); });
-}
-
-void squareFloats(Layout layout, const Raster *in, Raster out, Size size)
-{
-    constexpr LayoutKernels<CopyKernel> kernels = ORV_LAYOUT_KERNELS(krnSqr32f);
-    kernels[layout](in->data, in->step, out.data, out.step, size.width, size.height);
-}
-
-OrvStatus run(const OrvImage *src, const OrvImage *dst)
-{
-    switch (dst->depth) {
+    switch (destination->depth) {
     case ORV_DEPTH_8U:
-        return pointwise(runSquare(ORV_LAYOUT_KERNELS(krnSqr8u)), dst, src);
+        return runPointwise({{source}, destination}, {.run = makeSquare(ORV_LAYOUT_KERNELS(krnSqr8u))});
     case ORV_DEPTH_8S:
-        return pointwise(squareSignedBytes, dst, src);
+        return runPointwise({{source}, destination},
+                            {.run = makePlain<std::int8_t>([](std::int8_t x) { return std::min(x * x, 127); })});
     case ORV_DEPTH_16U:
-        return pointwise(runSquare(ORV_LAYOUT_KERNELS(krnSqr16u)), dst, src);
+        return runPointwise({{source}, destination}, {.run = makeSquare(ORV_LAYOUT_KERNELS(krnSqr16u))});
     case ORV_DEPTH_16S:
-        return pointwise(runSquare(ORV_LAYOUT_KERNELS(krnSqr16s)), dst, src);
+        return runPointwise({{source}, destination}, {.run = makeSquare(ORV_LAYOUT_KERNELS(krnSqr16s))});
     case ORV_DEPTH_32F:
-        return pointwise(squareFloats, dst, src);
+        return runPointwise({{source}, destination}, {.run = makeUnary(ORV_LAYOUT_KERNELS(krnSqr32f))});
     default:
         return ORV_STATUS_NOT_IMPLEMENTED;
     }
@@ -52,7 +45,8 @@ OrvStatus run(const OrvImage *src, const OrvImage *dst)
 
 extern "C" OrvStatus orvSquare(const OrvImage *src, OrvImage *dst)
 {
-    ORV_REFUSE(checkHeaders(src, dst));
-    ORV_REFUSE(comparePair(*src, *dst, textsWithAlpha));
-    ORV_RETURN_RUN(run(src, dst));
+    Call call(unitName);
+    if (call.refuses(checkHeaders(src, dst)) || call.refuses(comparePair(*src, *dst, textsWithAlpha)))
+        return call.report();
+    return call.result(run(src, dst));
 }

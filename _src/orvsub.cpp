@@ -1,6 +1,6 @@
 // The difference of two images.
 #include "arith/binary_family.h"
-#include "report.h"
+#include "call.h"
 
 namespace {
 
@@ -13,7 +13,9 @@ constexpr BinaryFamily family = ORV_BINARY_FAMILY(Sub);
 
 extern "C" OrvStatus orvSubtract(const OrvImage *srcImageA, const OrvImage *srcImageB, OrvImage *dstImage)
 {
-    ORV_REFUSE(checkTriple(srcImageA, srcImageB, dstImage, MaskOrder::Compared));
+    Call call(unitName);
+    if (call.refuses(checkTriple(srcImageA, srcImageB, dstImage, MaskOrder::Compared)))
+        return call.report();
     // The kernel takes the subtrahend first.
-    ORV_RETURN_RUN(runBinaryFamily(family, srcImageB, srcImageA, dstImage));
+    return call.result(runBinaryFamily(family, srcImageB, srcImageA, dstImage));
 }

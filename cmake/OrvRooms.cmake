@@ -44,12 +44,17 @@ set(ORV_FRAME_IMAGE_SOURCES
   _src/frame/image/call_images.cpp
   _src/frame/image/channel_kernels.cpp
   _src/frame/image/delivery.cpp
-  _src/frame/image/operand.cpp)
+  _src/frame/image/operand.cpp
+  _src/frame/image/rectangle_call.cpp)
 set(ORV_FRAME_CHECKS_SOURCES
   _src/frame/checks/comparisons.cpp
   _src/frame/checks/header_check.cpp)
+set(ORV_FRAME_MEASURE_SOURCES
+  _src/frame/measure/measure.cpp)
 set(ORV_FRAME_POINTWISE_SOURCES
   _src/frame/pointwise/pointwise.cpp)
+set(ORV_FRAME_PLANES_SOURCES
+  _src/frame/planes/planes.cpp)
 set(ORV_FRAME_WINDOW_SOURCES
   _src/frame/window/border.cpp
   _src/frame/window/float_samples.cpp
@@ -75,6 +80,7 @@ set(ORV_FRONT_SOURCES
   _src/orvgenim.cpp
   _src/orvlshs.cpp
   _src/orvmirr.cpp
+  _src/orvmnmxf.cpp
   _src/orvmul.cpp
   _src/orvmuls.cpp
   _src/orvor.cpp
@@ -115,10 +121,10 @@ function(orv_front_room name)
   target_compile_options(${name} PRIVATE ${ORV_KERNEL_OPTIMISATION} ${ORV_PLAIN_OPTIONS})
 endfunction()
 
-set(ORV_FRAMES image checks pointwise window)
+set(ORV_FRAMES image checks pointwise window planes measure)
 orv_front_room(orv_frame_image SOURCES ${ORV_FRAME_IMAGE_SOURCES} SEES image)
 orv_front_room(orv_frame_checks SOURCES ${ORV_FRAME_CHECKS_SOURCES} SEES checks image)
-foreach(frame pointwise window)
+foreach(frame pointwise window planes measure)
   string(TOUPPER ${frame} FRAME)
   orv_front_room(orv_frame_${frame} SOURCES ${ORV_FRAME_${FRAME}_SOURCES} SEES ${frame} checks image)
 endforeach()

@@ -1,32 +1,47 @@
-// How units call kernels that compute: two rasters into a third, a raster and a constant, and single rows.
+// Loops over arithmetic kernels: of two rasters, of a raster and a constant, and of single rows.
 #pragma once
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdint>
 
-#include "area.h"
-#include "arith/plain_rows.h"
-#include "channel_kernels.h"
+#include "cache_sizes.h"
+#include "call_images.h"
 #include "constant.h"
+#include "kernels.h"
+#include "loop.h"
 
 namespace orv {
 
 // The scale that exported operations pass.
 constexpr std::int32_t unscaled = 0;
 
-// Calls a kernel of two rasters for each pixel layout.
-inline auto runBinary(const LayoutKernels<BinaryScaledKernel> &kernels)
+// A loop over kernels from one raster to another.
+inline auto makeUnary(const LayoutKernels<CopyKernel> &kernels)
 {
-    return [kernels](Layout layout, const Raster *in, Raster out, Size size) {
-        kernels[layout](in[0].data, in[0].step, in[1].data, in[1].step, out.data, out.step, size.width, size.height,
-                        unscaled);
+    return [&kernels](const Work &work) {
+        const ConstRaster &in = work.sources[0];
+        return kernels[work.layout](in.data, in.step, work.destination.data, work.destination.step, work.size.width,
+                                    work.size.height);
     };
 }
 
-inline auto runBinary(const LayoutKernels<BinaryKernel> &kernels)
+// Loops over kernels of two rasters.
+inline auto makeBinary(const LayoutKernels<BinaryScaledKernel> &kernels)
 {
-    return [kernels](Layout layout, const Raster *in, Raster out, Size size) {
-        kernels[layout](in[0].data, in[0].step, in[1].data, in[1].step, out.data, out.step, size.width, size.height);
+    return [&kernels](const Work &work) {
+        const ConstRaster &a = work.sources[0], &b = work.sources[1];
+        return kernels[work.layout](a.data, a.step, b.data, b.step, work.destination.data, work.destination.step,
+                                    work.size.width, work.size.height, unscaled);
+    };
+}
+
+inline auto makeBinary(const LayoutKernels<BinaryKernel> &kernels)
+{
+    return [&kernels](const Work &work) {
+        const ConstRaster &a = work.sources[0], &b = work.sources[1];
+        return kernels[work.layout](a.data, a.step, b.data, b.step, work.destination.data, work.destination.step,
+                                    work.size.width, work.size.height);
     };
 }
 
@@ -41,126 +56,110 @@ template <class One, class More> struct ConstantKernels {
     }
 };
 
-#define ORV_CONSTANT_KERNELS(stem, suffix)                                      \
-    {                                                                           \
-        stem##C1##suffix, stem##C3##suffix, stem##C4##suffix, stem##AC4##suffix \
+#define ORV_CONSTANT_KERNELS(stem)              \
+    {                                           \
+        stem##C1, stem##C3, stem##C4, stem##AC4 \
     }
 
 using ScaledConstant = ConstantKernels<ConstantScaledKernel, ConstantsScaledKernel>;
-using ScaledConstantInPlace = ConstantKernels<ConstantScaledInPlaceKernel, ConstantsScaledInPlaceKernel>;
 using FloatConstant = ConstantKernels<FloatConstantKernel, ConstantsKernel>;
-using FloatConstantInPlace = ConstantKernels<FloatConstantInPlaceKernel, ConstantsInPlaceKernel>;
 using BitConstant = ConstantKernels<ConstantKernel, ConstantsKernel>;
-using FractionInPlace = ConstantKernels<FractionInPlaceKernel, FractionsInPlaceKernel>;
 
-// The same start pointer selects the kernel in place; where else rasters overlap is not looked for.
-inline void applyConstant(const ScaledConstant &kernels, const ScaledConstantInPlace &inPlace, std::int32_t value,
-                          std::int32_t sampleBytes, Layout layout, Raster in, Raster out, Size size)
+// The source and the destination may be the same raster. Other overlaps leave the results open.
+inline KrnStatus applyConstant(const ScaledConstant &kernels, std::int32_t value, std::int32_t sampleBytes,
+                               Layout layout, ConstRaster in, Raster out, Size size)
 {
-    const FourValues values(value, sampleBytes);
-    if (layout == Layout::C1 && in.data == out.data)
-        inPlace.c1(value, out.data, out.step, size.width, size.height, unscaled);
-    else if (layout == Layout::C1)
-        kernels.c1(in.data, in.step, value, out.data, out.step, size.width, size.height, unscaled);
-    else if (in.data == out.data)
-        inPlace.pixels(layout)(values.bytes, out.data, out.step, size.width, size.height, unscaled);
-    else
-        kernels.pixels(layout)(in.data, in.step, values.bytes, out.data, out.step, size.width, size.height, unscaled);
-}
-
-inline void applyConstant(const FloatConstant &kernels, const FloatConstantInPlace &inPlace, float value, Layout layout,
-                          Raster in, Raster out, Size size)
-{
-    const float values[4] = {value, value, value, value};
-    if (layout == Layout::C1 && in.data == out.data)
-        inPlace.c1(value, out.data, out.step, size.width, size.height);
-    else if (layout == Layout::C1)
-        kernels.c1(in.data, in.step, value, out.data, out.step, size.width, size.height);
-    else if (in.data == out.data)
-        inPlace.pixels(layout)(values, out.data, out.step, size.width, size.height);
-    else
-        kernels.pixels(layout)(in.data, in.step, values, out.data, out.step, size.width, size.height);
-}
-
-// Kernels that have no form in place; they may be called in place all the same.
-inline void applyConstant(const BitConstant &kernels, std::int32_t value, std::int32_t sampleBytes, Layout layout,
-                          Raster in, Raster out, Size size)
-{
-    const FourValues values(value, sampleBytes);
     if (layout == Layout::C1)
-        kernels.c1(in.data, in.step, value, out.data, out.step, size.width, size.height);
-    else
-        kernels.pixels(layout)(in.data, in.step, values.bytes, out.data, out.step, size.width, size.height);
+        return kernels.c1(in.data, in.step, value, out.data, out.step, size.width, size.height, unscaled);
+    const FourValues values(value, sampleBytes);
+    return kernels.pixels(layout)(in.data, in.step, values.bytes, out.data, out.step, size.width, size.height,
+                                  unscaled);
 }
 
-// A raster whose rows stand on multiples of a sample's size: where the rows of an image do not, loops of whole samples
-// run with the step rounded down.
-inline Raster inWholeSamples(Raster raster, std::int32_t sampleBytes)
+// A loop over kernels of a raster and a constant that fits a sample.
+inline auto makeConstant(const ScaledConstant &kernels, std::int32_t value, std::int32_t sampleBytes)
 {
-    return {raster.data, raster.step & -sampleBytes};
-}
-
-// Calls row(sources, destination, samples) for each row of 32-bit samples, for kernels that know single rows only. Rows
-// of AC4 run over all four samples into a buffer, piece by piece, and three of four are moved from there.
-template <std::size_t sourceCount, class Row>
-void rowByRow(Layout layout, const Raster *sources, Raster destination, Size size, Row row)
-{
-    constexpr std::int32_t most = 256;
-    const std::int32_t samples = samplesPerPixel(layout);
-    const std::int32_t pieceWidth = layout == Layout::AC4 ? most : size.width;
-    for (std::int32_t y = 0; y < size.height; ++y)
-        for (std::int32_t x = 0; x < size.width; x += std::min(pieceWidth, size.width - x)) {
-            const std::int32_t pixels = std::min(pieceWidth, size.width - x);
-            const std::ptrdiff_t at = static_cast<std::ptrdiff_t>(x) * samples * 4;
-            const void *in[sourceCount];
-            for (std::size_t i = 0; i < sourceCount; ++i)
-                in[i] = sources[i].fromRow(y).data + at;
-            std::uint8_t *out = destination.fromRow(y).data + at;
-            if (layout != Layout::AC4) {
-                row(in, out, pixels * samples);
-                continue;
-            }
-            std::int32_t buffer[4 * most];
-            row(in, buffer, pixels * samples);
-            krnCopy32sAC4(buffer, sizeof buffer, out, destination.step, pixels, 1);
-        }
-}
-
-// The same for rows whose steps count in whole samples.
-template <std::size_t sourceCount, class Row>
-void integerRowByRow(Layout layout, const Raster *sources, Raster destination, Size size, Row row)
-{
-    Raster whole[sourceCount];
-    for (std::size_t i = 0; i < sourceCount; ++i)
-        whole[i] = inWholeSamples(sources[i], 4);
-    rowByRow<sourceCount>(layout, whole, inWholeSamples(destination, 4), size, row);
-}
-
-// Rows of 32-bit integers and a constant.
-inline auto runConstantRows(const Kernel<ConstantRowKernel> &kernel, const Kernel<ConstantRowInPlaceKernel> &inPlace,
-                            std::int32_t value)
-{
-    return [&kernel, &inPlace, value](Layout layout, const Raster *in, Raster out, Size size) {
-        integerRowByRow<1>(layout, in, out, size, [&](const void *const *rows, void *result, std::int32_t samples) {
-            if (rows[0] == result)
-                inPlace(value, result, samples, unscaled);
-            else
-                kernel(rows[0], value, result, samples, unscaled);
-        });
+    return [=](const Work &work) {
+        return applyConstant(kernels, value, sampleBytes, work.layout, work.sources[0], work.destination, work.size);
     };
 }
 
-// Calls pass(band) for bands of rows that stay in the nearest cache, so that a second pass finds there what the first
-// left.
-template <class Pass> void inBands(Layout layout, std::int32_t sampleBytes, Size size, Pass pass)
+inline auto makeConstant(const FloatConstant &kernels, float value)
 {
-    const std::int64_t rowBytes = static_cast<std::int64_t>(size.width) * samplesPerPixel(layout) * sampleBytes;
-    const std::int32_t rows = static_cast<std::int32_t>(std::clamp<std::int64_t>(8192 / rowBytes, 1, size.height));
+    return [=](const Work &work) {
+        const ConstRaster &in = work.sources[0];
+        const Raster &out = work.destination;
+        const float values[4] = {value, value, value, value};
+        return work.layout == Layout::C1
+                   ? kernels.c1(in.data, in.step, value, out.data, out.step, work.size.width, work.size.height)
+                   : kernels.pixels(work.layout)(in.data, in.step, values, out.data, out.step, work.size.width,
+                                                 work.size.height);
+    };
+}
+
+inline auto makeConstant(const BitConstant &kernels, std::int32_t value, std::int32_t sampleBytes)
+{
+    return [=](const Work &work) {
+        const ConstRaster &in = work.sources[0];
+        const Raster &out = work.destination;
+        const FourValues values(value, sampleBytes);
+        return work.layout == Layout::C1
+                   ? kernels.c1(in.data, in.step, value, out.data, out.step, work.size.width, work.size.height)
+                   : kernels.pixels(work.layout)(in.data, in.step, values.bytes, out.data, out.step, work.size.width,
+                                                 work.size.height);
+    };
+}
+
+// A loop over kernels that know single rows of 32-bit samples: row(sources, destination, samples), a status. Rows of
+// AC4 run over all four samples into a buffer, tile by tile, and three of four are moved from there.
+template <class Row> auto makeRows(std::size_t sourceCount, Row row)
+{
+    return [=](const Work &work) -> KrnStatus {
+        constexpr std::int32_t most = 256;
+        const std::int32_t samples = samplesPerPixel(work.layout);
+        const std::int32_t tileWidth = work.layout == Layout::AC4 ? most : work.size.width;
+        for (std::int32_t y = 0; y < work.size.height; ++y)
+            for (std::int32_t x = 0; x < work.size.width; x += std::min(tileWidth, work.size.width - x)) {
+                const std::int32_t pixels = std::min(tileWidth, work.size.width - x);
+                const std::int64_t at = std::int64_t{x} * samples * 4;
+                const void *in[mostSources];
+                for (std::size_t i = 0; i < sourceCount; ++i)
+                    in[i] = work.sources[i].fromRow(y).fromByte(at).data;
+                const Raster out = work.destination.fromRow(y).fromByte(at);
+                std::int32_t buffer[4 * most];
+                const bool threeOfFour = work.layout == Layout::AC4;
+                KrnStatus status = row(in, threeOfFour ? static_cast<void *>(buffer) : out.data, pixels * samples);
+                if (status == KRN_OK && threeOfFour)
+                    status = krnCopy32sAC4(buffer, sizeof buffer, out.data, out.step, pixels, 1);
+                if (status != KRN_OK)
+                    return status;
+            }
+        return KRN_OK;
+    };
+}
+
+// Rows of 32-bit integers and a constant.
+inline auto makeConstantRows(const Kernel<ConstantRowKernel> &kernel, std::int32_t value)
+{
+    return makeRows(1, [&kernel, value](const void *const *rows, void *result, std::int32_t samples) {
+        return kernel(rows[0], value, result, samples, unscaled);
+    });
+}
+
+// Calls pass(row, size) for strips of rows. A strip stays in the nearest cache, so a second kernel reads there what the
+// first wrote. Ends with the first status that is not KRN_OK.
+template <class Pass> KrnStatus inStrips(Layout layout, std::int32_t sampleBytes, Size size, Pass pass)
+{
+    const std::int64_t rowBytes = std::int64_t{size.width} * samplesPerPixel(layout) * sampleBytes;
+    const std::int32_t rows =
+        static_cast<std::int32_t>(std::clamp<std::int64_t>(passStripBytes / rowBytes, 1, size.height));
     std::int32_t height = 0;
     for (std::int32_t row = 0; row < size.height; row += height) {
         height = std::min(rows, size.height - row);
-        pass(row, Size{size.width, height});
+        if (const KrnStatus status = pass(row, Size{size.width, height}); status != KRN_OK)
+            return status;
     }
+    return KRN_OK;
 }
 
 } // namespace orv

@@ -18,26 +18,27 @@ struct BinaryFamily {
             ORV_LAYOUT_KERNELS(krn##operation##32f)                                                              \
     }
 
-// Runs the family's kernel for the destination's depth; its status tells an unserved depth from exhausted memory.
+inline auto makeBinaryRows(const Kernel<BinaryRowKernel> &kernel)
+{
+    return makeRows(2, [&kernel](const void *const *rows, void *result, std::int32_t samples) {
+        return kernel(rows[0], rows[1], result, samples, unscaled);
+    });
+}
+
+// Runs the family's kernel for the destination's depth. ORV_STATUS_NOT_IMPLEMENTED if the depth is not served.
 inline OrvStatus runBinaryFamily(const BinaryFamily &family, const OrvImage *first, const OrvImage *second,
                                  const OrvImage *destination)
 {
     switch (destination->depth) {
     case ORV_DEPTH_8U:
-        return pointwise(runBinary(family.bytes), destination, first, second);
+        return runPointwise({{first, second}, destination}, {.run = makeBinary(family.bytes)});
     case ORV_DEPTH_16S:
-        return pointwise(runBinary(family.words), destination, first, second);
+        return runPointwise({{first, second}, destination}, {.run = makeBinary(family.words)});
     case ORV_DEPTH_32S:
-        return pointwise(
-            [&](Layout layout, const Raster *in, Raster out, Size size) {
-                integerRowByRow<2>(layout, in, out, size,
-                                   [&](const void *const *rows, void *result, std::int32_t samples) {
-                                       family.longWordRow(rows[0], rows[1], result, samples, unscaled);
-                                   });
-            },
-            destination, first, second);
+        return runPointwise({{first, second}, destination},
+                            {.run = makeBinaryRows(family.longWordRow), .wholeSamples = true});
     case ORV_DEPTH_32F:
-        return pointwise(runBinary(family.floats), destination, first, second);
+        return runPointwise({{first, second}, destination}, {.run = makeBinary(family.floats)});
     default:
         return ORV_STATUS_NOT_IMPLEMENTED;
     }

@@ -1,11 +1,10 @@
-// Loops over samples that have no kernel: they are computed here, for the base processor alone.
+// Loops without a kernel. They are compiled here, for the base processor.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
-#include "area.h"
-#include "channel_kernels.h"
+#include "loop.h"
 
 namespace orv {
 namespace {
@@ -21,29 +20,31 @@ void plainRow(std::size_t samples, const unsigned char *in, unsigned char *out, 
         store(out, i, static_cast<Sample>(operation(load<Sample>(in, i))));
 }
 
-// destination = operation(source), sample by sample; AC4 by way of a buffer, from which three samples of four are
-// moved.
-template <class Sample, class Operator>
-void plainRows(Layout layout, Raster source, Raster destination, Size size, Operator operation)
+// A loop of destination = operation(source), sample by sample. Rows of AC4 go through a buffer, from which three
+// samples of four are moved.
+template <class Sample, class Operator> auto makePlain(Operator operation)
 {
-    const std::int32_t samples = samplesPerPixel(layout);
-    const auto row = [=](std::size_t pixels, const unsigned char *in, unsigned char *out) {
-        if (layout != Layout::AC4) {
-            plainRow<Sample>(pixels * static_cast<std::size_t>(samples), in, out, operation);
-            return;
-        }
-        constexpr std::size_t most = 128;
-        unsigned char buffer[most * 4 * sizeof(Sample)];
-        for (std::size_t done = 0; done < pixels; done += most) {
-            const std::size_t some = pixels - done < most ? pixels - done : most;
-            const std::size_t at = done * 4 * sizeof(Sample);
-            plainRow<Sample>(4 * some, in + at, buffer, operation);
-            moveThreeOfFour<Sample>(some, buffer, out + at);
-        }
+    return [operation](const Work &work) -> KrnStatus {
+        const std::size_t samples = static_cast<std::size_t>(samplesPerPixel(work.layout));
+        const auto row = [=, layout = work.layout](std::size_t pixels, const unsigned char *in, unsigned char *out) {
+            if (layout != Layout::AC4) {
+                plainRow<Sample>(pixels * samples, in, out, operation);
+                return;
+            }
+            constexpr std::size_t most = 128;
+            unsigned char buffer[most * 4 * sizeof(Sample)];
+            for (std::size_t done = 0; done < pixels; done += most) {
+                const std::size_t some = pixels - done < most ? pixels - done : most;
+                const std::size_t at = done * 4 * sizeof(Sample);
+                plainRow<Sample>(4 * some, in + at, buffer, operation);
+                moveThreeOfFour<Sample>(some, buffer, out + at);
+            }
+        };
+        const std::size_t pixelBytes = samples * sizeof(Sample);
+        const ConstRaster &source = work.sources[0];
+        return overRows(work.size.width, work.size.height, row, from(source.data, source.step, pixelBytes),
+                        to(work.destination.data, work.destination.step, pixelBytes));
     };
-    const std::int32_t pixelBytes = samples * static_cast<std::int32_t>(sizeof(Sample));
-    overRows(size.width, size.height, row, from(source.data, source.step, pixelBytes),
-             to(destination.data, destination.step, pixelBytes));
 }
 
 } // namespace

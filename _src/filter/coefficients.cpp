@@ -7,25 +7,27 @@
 
 namespace orv {
 
-const float *takeCoefficients(const OrvConvKernel &kernel, std::uint8_t *&work)
+KrnStatus takeCoefficients(const OrvConvKernel &kernel, std::uint8_t *&scratch, const float *&coefficients)
 {
-    const std::int32_t count = kernel.nCols * kernel.nRows, bytes = count * 4;
-    std::uint8_t *const floats = work;
-    krnConvert32s32f(kernel.values, bytes, floats, bytes, count, 1);
+    const std::int32_t count = kernel.nCols * kernel.nRows;
+    const Raster floats = takeFloatRows(scratch, count, 1);
+    coefficients = reinterpret_cast<const float *>(floats.data);
+    if (const KrnStatus status = krnConvert32s32f(kernel.values, count * 4, floats.data, floats.step, count, 1);
+        status != KRN_OK)
+        return status;
     const float divisor = static_cast<float>(static_cast<std::uint32_t>(divisorOf(kernel)));
-    krnMulC32fC1I(1.0f / divisor, floats, bytes, count, 1);
-    work += coefficientBytes(kernel);
-    return reinterpret_cast<const float *>(floats);
+    return krnMulC32fC1(floats.data, floats.step, 1.0f / divisor, floats.data, floats.step, count, 1);
 }
 
-const float *takeCoefficients(const OrvConvKernelFP &kernel, std::uint8_t *&)
+KrnStatus takeCoefficients(const OrvConvKernelFP &kernel, std::uint8_t *&, const float *&coefficients)
 {
-    return kernel.values;
+    coefficients = kernel.values;
+    return KRN_OK;
 }
 
 std::int64_t coefficientBytes(const OrvConvKernel &kernel)
 {
-    return FloatRaster::bytes(std::int64_t{kernel.nCols} * kernel.nRows, 1);
+    return floatRowsBytes(std::int64_t{kernel.nCols} * kernel.nRows, 1);
 }
 
 std::int64_t coefficientBytes(const OrvConvKernelFP &)

@@ -1,15 +1,15 @@
-// Records of convolution kernels: what their users and their tests share.
+// Records of convolution kernels: their geometry and divisor.
 #pragma once
 
 #include <algorithm>
-#include <cstddef>
+#include <cstdint>
 
+#include "orv.h"
 #include "window.h"
 
 namespace orv {
 
-// Whether no window can be made of the record. Anchors are stored from the right and from below, which changes nothing
-// here.
+// Whether the record describes no window. Anchors are stored from the right and from below; the bounds are the same.
 template <class Record> bool badStructure(const Record &kernel)
 {
     return kernel.nRows < 1 || kernel.nCols < 1 || kernel.anchorX < 0 || kernel.anchorY < 0 ||
@@ -26,27 +26,40 @@ template <class Record> std::int32_t givenAnchorY(const Record &kernel)
     return kernel.nRows - kernel.anchorY - 1;
 }
 
-// The window is flipped: it reaches as far to the left as the stored anchor says.
-template <class Record> Margins reachOf(const Record &kernel)
+// What the record reads. It is flipped: it extends as far to the left as the stored anchor says.
+template <class Record> Window windowOf(const Record &kernel)
 {
-    return {kernel.anchorX, givenAnchorX(kernel), kernel.anchorY, givenAnchorY(kernel)};
+    return {.columns = kernel.nCols, .rows = kernel.nRows, .anchorX = kernel.anchorX, .anchorY = kernel.anchorY};
 }
 
-// The call of one kernel that works on the samples as they are.
-template <class Record>
-Neighbourhood neighbourhoodOf(const Record &kernel, const OrvImage *source, const OrvImage *destination)
+// The call of one record on the samples as they are.
+template <class Record> WindowCall callOfOne(const Record &kernel, const OrvImage *source, const OrvImage *destination)
 {
-    return {source, destination, reachOf(kernel), kernel.anchorX, kernel.anchorY, source->alphaChannel != 0};
+    return {.source = source,
+            .destination = destination,
+            .margins = windowOf(kernel).margins(),
+            .startLeft = kernel.anchorX,
+            .startAbove = kernel.anchorY,
+            .alphaOf = source};
 }
 
-// What several kernels reach together, and how far from the image a rectangle may start then: a rule of its own.
-template <class Record> void unite(Neighbourhood &call, const Record &kernel)
+// The call of several records, each of which is an argument of add().
+inline WindowCall callOfSeveral(const OrvImage *source, const OrvImage *destination)
 {
-    const Margins reach = reachOf(kernel);
-    call.reach = {std::max(call.reach.left, reach.left), std::max(call.reach.right, reach.right),
-                  std::max(call.reach.top, reach.top), std::max(call.reach.bottom, reach.bottom)};
-    call.rimLeft = std::max({call.rimLeft, kernel.anchorX - 1, kernel.nCols - kernel.anchorX - 1});
-    call.rimTop = std::max({call.rimTop, kernel.anchorY - 1, kernel.nRows - kernel.anchorY - 1});
+    return {.source = source,
+            .destination = destination,
+            .margins = {},
+            .startLeft = 0,
+            .startAbove = 0,
+            .alphaOf = source};
+}
+
+// Several records have a rule of their own for how far outside the image a rectangle may start.
+template <class Record> void add(WindowCall &call, const Record &kernel)
+{
+    call.margins = larger(call.margins, windowOf(kernel).margins());
+    call.startLeft = std::max({call.startLeft, kernel.anchorX - 1, givenAnchorX(kernel)});
+    call.startAbove = std::max({call.startAbove, kernel.anchorY - 1, givenAnchorY(kernel)});
 }
 
 inline std::int32_t shiftOf(const OrvConvKernel &kernel)

@@ -2,21 +2,21 @@
 // offsets, so a loop of this test's own looks at what it is given.
 #include <gtest/gtest.h>
 
-#include "front/neighbourhood_model.h"
+#include "front/call.h"
 #include "window.h"
 
 namespace front {
 namespace {
 
-// Takes the pixel as many columns to the left and rows above as the margins reach.
-struct Corner {
-    void operator()(orv::Layout, const orv::PaddedSource &source, orv::Raster out, std::uint8_t *) const
-    {
-        for (std::int32_t y = 0; y < source.size.height; ++y)
-            for (std::int32_t x = 0; x < source.size.width; ++x)
-                out.fromRow(y).data[x] = source.raster.fromRow(y - source.margins.top).data[x - source.margins.left];
-    }
-};
+// Takes the pixel as many columns to the left and rows above as the margins are wide.
+orv::KrnStatus takeCorner(const orv::Work &work)
+{
+    const orv::ConstRaster corner = work.sources->fromRow(-work.margins.top).fromByte(-work.margins.left);
+    for (std::int32_t y = 0; y < work.size.height; ++y)
+        for (std::int32_t x = 0; x < work.size.width; ++x)
+            work.destination.fromRow(y).data[x] = corner.fromRow(y).data[x];
+    return orv::KRN_OK;
+}
 
 // An offset that stays within the rim starts there, one beyond it counts as 0, each of the two by itself.
 TEST(Rim, NegativeOffsetsStartInIt)
@@ -31,13 +31,20 @@ TEST(Rim, NegativeOffsetsStartInIt)
             TestImage source({.width = 14, .height = 11}, random), destination({.width = 14, .height = 11}, random);
             orvSetBorderMode(&source.header, mode, ORV_SIDE_ALL, 99);
             source.setRectangle(0, xOffset, yOffset, 12, 9);
-            const orv::Neighbourhood call = {&source.header, &destination.header, {3, 0, 1, 0}, 3, 1, false};
-            ASSERT_EQ(orv::neighbourhood(call, Corner()), ORV_STATUS_OK);
-            const BorderedSource model(source, *source.memory());
+            const orv::WindowCall call = {.source = &source.header,
+                                          .destination = &destination.header,
+                                          .margins = {3, 0, 1, 0},
+                                          .startLeft = 3,
+                                          .startAbove = 1,
+                                          .alphaOf = &source.header};
+            ASSERT_EQ(orv::runWindow(call, {.run = [](const orv::Work &work) { return takeCorner(work); }}),
+                      ORV_STATUS_OK);
+            const Bytes before = *source.memory();
             const std::int32_t width = std::min(12, 12 + xOffset), height = std::min(9, 9 + yOffset);
             for (std::int32_t y = 0; y < height; ++y)
                 for (std::int32_t x = 0; x < width; ++x)
-                    ASSERT_EQ(destination.get(x, y, 0).bits, model.at(firstColumn + x - 3, firstRow + y - 1, 0).bits)
+                    ASSERT_EQ(destination.get(x, y, 0).bits,
+                              borderedSample(source, before, firstColumn + x - 3, firstRow + y - 1, 0).bits)
                         << "offsets " << xOffset << ", " << yOffset << ", mode " << mode << " at " << x << ", " << y;
         }
 }

@@ -10,39 +10,33 @@ bool ordersDiffer(const OrvImage &source, const OrvImage &destination, MaskOrder
            (maskOrder == MaskOrder::Compared || source.depth != ORV_DEPTH_1U);
 }
 
+bool channelsDiffer(const OrvImage &a, const OrvImage &b)
+{
+    return channelsToProcess(a) != channelsToProcess(b);
+}
+
 } // namespace
 
 Refusal comparePair(const OrvImage &source, const OrvImage &destination, const PairTexts &texts, MaskOrder maskOrder)
 {
-    if (source.depth != destination.depth)
-        return {ORV_STATUS_BAD_ARGUMENT, texts.depth};
-    if (ordersDiffer(source, destination, maskOrder))
-        return {ORV_STATUS_BAD_ARGUMENT, texts.dataOrder};
-    if (texts.alphaChannel != nullptr && source.alphaChannel != destination.alphaChannel)
-        return {ORV_STATUS_BAD_ARGUMENT, texts.alphaChannel};
-    if (channelsToProcess(source) != channelsToProcess(destination))
-        return {ORV_STATUS_BAD_CHANNELS, ""};
-    if (anyTiled(&source, &destination))
-        return {ORV_STATUS_NOT_IMPLEMENTED, ""};
-    return nothingRefused;
+    const bool alphaDiffers = texts.alphaChannel != nullptr && source.alphaChannel != destination.alphaChannel;
+    return firstOf({{source.depth != destination.depth, ORV_STATUS_BAD_ARGUMENT, texts.depth},
+                    {ordersDiffer(source, destination, maskOrder), ORV_STATUS_BAD_ARGUMENT, texts.dataOrder},
+                    {alphaDiffers, ORV_STATUS_BAD_ARGUMENT, texts.alphaChannel},
+                    {channelsDiffer(source, destination), ORV_STATUS_BAD_CHANNELS, ""},
+                    {anyTiled(&source, &destination), ORV_STATUS_NOT_IMPLEMENTED, ""}});
 }
 
 Refusal compareTriple(const OrvImage &a, const OrvImage &b, const OrvImage &destination, MaskOrder maskOrder)
 {
-    if (a.depth != destination.depth)
-        return {ORV_STATUS_BAD_ARGUMENT, "(srcImageA->depth != dstImage->depth)"};
-    if (b.depth != destination.depth)
-        return {ORV_STATUS_BAD_ARGUMENT, "(srcImageB->depth != dstImage->depth)"};
-    if (ordersDiffer(a, destination, maskOrder))
-        return {ORV_STATUS_BAD_ARGUMENT, "(srcImageA->dataOrder != dstImage->dataOrder)"};
-    if (ordersDiffer(b, destination, maskOrder))
-        return {ORV_STATUS_BAD_ARGUMENT, "(srcImageB->dataOrder != dstImage->dataOrder)"};
-    const std::int32_t channels = channelsToProcess(destination);
-    if (channelsToProcess(a) != channels || channelsToProcess(b) != channels)
-        return {ORV_STATUS_BAD_CHANNELS, ""};
-    if (anyTiled(&a, &b, &destination))
-        return {ORV_STATUS_NOT_IMPLEMENTED, ""};
-    return nothingRefused;
+    return firstOf({{a.depth != destination.depth, ORV_STATUS_BAD_ARGUMENT, "(srcImageA->depth != dstImage->depth)"},
+                    {b.depth != destination.depth, ORV_STATUS_BAD_ARGUMENT, "(srcImageB->depth != dstImage->depth)"},
+                    {ordersDiffer(a, destination, maskOrder), ORV_STATUS_BAD_ARGUMENT,
+                     "(srcImageA->dataOrder != dstImage->dataOrder)"},
+                    {ordersDiffer(b, destination, maskOrder), ORV_STATUS_BAD_ARGUMENT,
+                     "(srcImageB->dataOrder != dstImage->dataOrder)"},
+                    {channelsDiffer(a, destination) || channelsDiffer(b, destination), ORV_STATUS_BAD_CHANNELS, ""},
+                    {anyTiled(&a, &b, &destination), ORV_STATUS_NOT_IMPLEMENTED, ""}});
 }
 
 Refusal checkTriple(const OrvImage *a, const OrvImage *b, const OrvImage *destination, MaskOrder maskOrder)

@@ -1,18 +1,39 @@
-// Checks that many units share: a list of them answers with the first that refuses, and the unit reports that under its
-// own name.
+// Checks as values, and the checks that many units share. A list of checks gives the first that refuses.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+
 #include "area.h"
+#include "orv.h"
 
 namespace orv {
 
-// A status and its text; the status is 0 where nothing was refused.
+// A status and its text. The status is 0 if nothing was refused.
 struct Refusal {
     OrvStatus status;
-    const char *context;
+    const char *text;
 };
 
 constexpr Refusal nothingRefused = {ORV_STATUS_OK, ""};
+
+// A check that has been made: whether it refuses the call, and how that is reported.
+struct Check {
+    bool refuses;
+    OrvStatus status;
+    const char *text;
+};
+
+// The first check that refuses. All conditions are evaluated, so none may need an earlier one.
+template <std::size_t count> inline Refusal firstOf(const Check (&checks)[count])
+{
+    // Unrolled, so that the list never stands in memory.
+#pragma GCC unroll 16
+    for (std::size_t i = 0; i < count; ++i)
+        if (checks[i].refuses)
+            return {checks[i].status, checks[i].text};
+    return nothingRefused;
+}
 
 template <class... Images> bool anyTiled(const Images *...images)
 {
@@ -34,7 +55,7 @@ template <class... Images> Refusal checkHeaders(const Images *...images)
     return nothingRefused;
 }
 
-// How a unit names its two images in its texts; null for a comparison that it does not make.
+// The texts of a unit's comparisons. Null stands for a comparison that it does not make.
 struct PairTexts {
     const char *depth, *dataOrder, *alphaChannel;
 };
@@ -44,7 +65,7 @@ constexpr PairTexts textsOfImages = {"(srcImage->depth != dstImage->depth)",
 constexpr PairTexts textsWithAlpha = {"(src->depth != dst->depth)", "(src->dataOrder != dst->dataOrder)",
                                       "(src->alphaChannel != dst->alphaChannel)"};
 
-// Whether the data order of mask samples, which have but one channel, is compared like that of others.
+// Whether the data order of 1U images is compared too. They have one channel, so both orders are the same.
 enum class MaskOrder { Ignored, Compared };
 
 // A source and a destination with valid headers: depth, data order, alpha channel, channels to process, tiles.

@@ -13,8 +13,8 @@ struct MaskChain {
     int length;
 };
 
-// No operation looks at the mask of a mask. So a chain that comes back to one of its own headers, or grows longer than
-// anybody means, has nothing more to say, and is not followed on.
+// No operation reads the mask of a mask. A chain that returns to one of its own headers, or grows very long, is not
+// followed further: nothing depends on it, and the check must end.
 constexpr int longestChain = 100;
 
 bool worthFollowing(const OrvImage *mask, const MaskChain *chain)

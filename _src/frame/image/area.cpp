@@ -17,11 +17,6 @@ std::int32_t clippedLength(std::int64_t offset, std::int64_t length, std::int64_
     return static_cast<std::int32_t>(std::min(length, limit - offset));
 }
 
-Size smaller(Size a, Size b)
-{
-    return {std::min(a.width, b.width), std::min(a.height, b.height)};
-}
-
 } // namespace
 
 bool roiSize(const OrvImage &image, Size &size)
@@ -38,7 +33,7 @@ bool roiSize(const OrvImage &image, Size &size)
     return true;
 }
 
-Size maskedRoiSize(const OrvImage &image)
+Size maskedSizeOfRectangle(const OrvImage &image)
 {
     Size size = {0, 0};
     roiSize(image, size);
@@ -50,30 +45,19 @@ Size maskedRoiSize(const OrvImage &image)
     return size;
 }
 
-Size commonSize(const OrvImage &a, const OrvImage &b)
+Start startOfRectangle(const OrvImage &image, std::int32_t step, std::ptrdiff_t planeStep)
 {
-    return smaller(maskedRoiSize(a), maskedRoiSize(b));
-}
-
-Start resolveStart(const OrvImage &image)
-{
-    std::ptrdiff_t x = 0, y = 0;
-    std::int32_t coi = 0;
-    if (const OrvROI *roi = image.roi; roi != nullptr) {
-        x = std::max(roi->xOffset, 0);
-        y = std::max(roi->yOffset, 0);
-        coi = roi->coi;
-    }
+    const OrvROI &roi = *image.roi;
+    const std::ptrdiff_t x = std::max(roi.xOffset, 0), y = std::max(roi.yOffset, 0);
     const bool plane = image.dataOrder == ORV_DATA_ORDER_PLANE;
-    const std::ptrdiff_t sample = sampleBytes(image.depth);
-    const std::ptrdiff_t planeStep = static_cast<std::ptrdiff_t>(image.height) * image.widthStep;
+    const std::int32_t sample = sampleBytes(image.depth);
     std::ptrdiff_t offset = y * image.widthStep + x * sample * (plane ? 1 : image.nChannels);
-    if (coi > 1)
-        offset += (coi - 1) * (plane ? planeStep : sample);
+    if (roi.coi > 1)
+        offset += (roi.coi - 1) * (plane ? planeStep : sample);
     // An integer sum: a rectangle may lie far outside the raster, where pointers may not go.
     const std::uintptr_t start =
         reinterpret_cast<std::uintptr_t>(image.imageData) + static_cast<std::uintptr_t>(offset);
-    return {{reinterpret_cast<std::uint8_t *>(start), image.widthStep}, planeStep, coi >= 1 ? 1 : image.nChannels};
+    return {{reinterpret_cast<std::uint8_t *>(start), step}, planeStep, roi.coi >= 1 ? 1 : image.nChannels};
 }
 
 } // namespace orv

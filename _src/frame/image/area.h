@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "orv.h"
+#include "raster.h"
 
 namespace orv {
 
@@ -14,14 +15,10 @@ struct Size {
     bool empty() const { return width < 1 || height < 1; }
 };
 
-// A rectangle of samples as kernels take it.
-struct Raster {
-    std::uint8_t *data;
-    std::int32_t step; // bytes from row to row
-
-    // The same rectangle from a later row on.
-    Raster fromRow(std::int32_t row) const { return {data + static_cast<std::ptrdiff_t>(row) * step, step}; }
-};
+inline Size smaller(Size a, Size b)
+{
+    return {a.width < b.width ? a.width : b.width, a.height < b.height ? a.height : b.height};
+}
 
 // Where the work in an image starts.
 struct Start {
@@ -30,30 +27,62 @@ struct Start {
     std::int32_t channels;    // how many are processed
 };
 
-// Bits of a depth without its sign, a mask sample counting as 8, in bytes.
+// Whether rows follow at the step of the header, or at that step rounded down to whole samples.
+enum class Steps { AsGiven, WholeSamples };
+
+// Bytes of a sample. A sample of 1U takes one byte.
 inline std::int32_t sampleBytes(std::int32_t depth)
 {
     const std::uint32_t bits = static_cast<std::uint32_t>(depth) & ~ORV_DEPTH_SIGN;
     return bits == ORV_DEPTH_1U ? 1 : static_cast<std::int32_t>(bits / 8);
 }
 
-// 1 with a channel of interest, else all channels.
+inline bool hasCoi(const OrvImage &image)
+{
+    return image.roi != nullptr && image.roi->coi != 0;
+}
+
+// 1 with a channel of interest, otherwise all channels.
 inline std::int32_t channelsToProcess(const OrvImage &image)
 {
-    return image.roi != nullptr && image.roi->coi != 0 ? 1 : image.nChannels;
+    return hasCoi(image) ? 1 : image.nChannels;
+}
+
+// The first of them, counted from 0.
+inline std::int32_t firstChannel(const OrvImage &image)
+{
+    return hasCoi(image) ? image.roi->coi - 1 : 0;
 }
 
 // The image's rectangle clipped to the image. False, and `size` as it was, for a rectangle with a side below 1.
 bool roiSize(const OrvImage &image, Size &size);
 
+// What the inline functions below do for images that have a rectangle or a mask.
+Size maskedSizeOfRectangle(const OrvImage &image);
+Start startOfRectangle(const OrvImage &image, std::int32_t step, std::ptrdiff_t planeStep);
+
 // The rectangle's size reduced to that of the mask, if there is one.
-Size maskedRoiSize(const OrvImage &image);
+inline Size maskedRoiSize(const OrvImage &image)
+{
+    return image.roi == nullptr && image.maskROI == nullptr ? Size{image.width, image.height}
+                                                            : maskedSizeOfRectangle(image);
+}
 
 // Width and height that the images and their masks have in common.
-Size commonSize(const OrvImage &a, const OrvImage &b);
+inline Size commonSize(const OrvImage &a, const OrvImage &b)
+{
+    return smaller(maskedRoiSize(a), maskedRoiSize(b));
+}
 
-// Start of the image's rectangle and channel. The rectangle is not clipped here: a start beyond the image goes with a
-// size of nothing, and is never read.
-Start resolveStart(const OrvImage &image);
+// Start of the image's rectangle and channel. The rectangle is not clipped here. A start outside the image comes with
+// an empty size, and is never read.
+inline Start resolveStart(const OrvImage &image, Steps steps = Steps::AsGiven)
+{
+    const std::int32_t step =
+        steps == Steps::WholeSamples ? image.widthStep & -sampleBytes(image.depth) : image.widthStep;
+    const std::ptrdiff_t planeStep = static_cast<std::ptrdiff_t>(image.height) * image.widthStep;
+    return image.roi == nullptr ? Start{{image.imageData, step}, planeStep, image.nChannels}
+                                : startOfRectangle(image, step, planeStep);
+}
 
 } // namespace orv

@@ -1,42 +1,21 @@
 // The images of a call.
 #include "call_images.h"
 
-#include <algorithm>
-
 namespace orv {
 
-bool CallImages::masked() const
+// In one pass, since each call of an operation makes it.
+void CallImages::compare()
 {
-    return std::any_of(images, images + imageCount(), [](const OrvImage *image) { return image->maskROI != nullptr; });
-}
-
-bool CallImages::inPlanes() const
-{
-    return destination().dataOrder == ORV_DATA_ORDER_PLANE ||
-           std::all_of(images, images + imageCount(), [](const OrvImage *image) { return image->nChannels == 1; });
-}
-
-Size CallImages::commonSize() const
-{
-    Size size = maskedRoiSize(destination());
-    for (std::size_t i = 0; i < sourceCount; ++i) {
-        const Size other = maskedRoiSize(*images[i]);
-        size = {std::min(size.width, other.width), std::min(size.height, other.height)};
+    bool oneChannel = true;
+    masked_ = false;
+    commonSize_ = maskedRoiSize(*images_[0]);
+    for (std::size_t i = 0; i < count_; ++i) {
+        const OrvImage &image = *images_[i];
+        oneChannel = oneChannel && image.nChannels == 1;
+        masked_ = masked_ || image.maskROI != nullptr;
+        commonSize_ = smaller(commonSize_, maskedRoiSize(image));
     }
-    return size;
-}
-
-bool pixelLayout(const OrvImage &destination, std::int32_t channels, Layout &layout)
-{
-    if (channels == 1)
-        layout = Layout::C1;
-    else if (channels == 3)
-        layout = Layout::C3;
-    else if (channels == 4)
-        layout = destination.alphaChannel == 0 ? Layout::C4 : Layout::AC4;
-    else
-        return false;
-    return true;
+    inPlanes_ = oneChannel || destination().dataOrder == ORV_DATA_ORDER_PLANE;
 }
 
 } // namespace orv

@@ -1,34 +1,67 @@
 // The images of a call, and what follows from all of them together.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 
 #include "area.h"
-#include "channel_kernels.h"
+#include "layout.h"
 
 namespace orv {
 
-// The images of a call, sources first and the destination last.
-struct CallImages {
-    const OrvImage *const *images;
-    std::size_t sourceCount;
+constexpr std::size_t mostSources = 3;
+constexpr std::size_t mostImages = mostSources + 1; // of one call, its destination included
 
-    const OrvImage &destination() const { return *images[sourceCount]; }
-    std::size_t imageCount() const { return sourceCount + 1; }
+// Some sources, and a destination.
+class CallImages {
+public:
+    CallImages(std::initializer_list<const OrvImage *> sources, const OrvImage *destination)
+        : count_(sources.size() + 1)
+    {
+        std::copy(sources.begin(), sources.end(), images_);
+        images_[count_ - 1] = destination;
+        compare();
+    }
 
-    bool masked() const;
-    bool inPlanes() const; // the destination is in plane order, or all images have one channel
-    Size commonSize() const;
+    std::size_t sourceCount() const { return count_ - 1; }
+    std::size_t count() const { return count_; }
+    // Sources first, the destination last.
+    const OrvImage &operator[](std::size_t index) const { return *images_[index]; }
+    const OrvImage &destination() const { return *images_[count_ - 1]; }
+
+    bool masked() const { return masked_; }
+    bool inPlanes() const { return inPlanes_; } // the destination is in plane order, or all images have one channel
+    Size commonSize() const { return commonSize_; }
+
+private:
+    void compare();
+
+    const OrvImage *images_[mostImages];
+    std::size_t count_;
+    Size commonSize_;
+    bool masked_, inPlanes_;
 };
 
-// Pixel layout of a destination with so many channels to process; false where no layout serves them.
-bool pixelLayout(const OrvImage &destination, std::int32_t channels, Layout &layout);
-
-// How many planes of so many channels are processed: not the alpha plane of the destination.
-inline std::int32_t planesToProcess(const OrvImage &destination, std::int32_t channels)
+// Pixel layout of an image with so many channels to process; false where no layout serves them.
+inline bool pixelLayout(const OrvImage &image, std::int32_t channels, Layout &layout)
 {
-    return channels == 4 && destination.alphaChannel != 0 ? 3 : channels;
+    if (channels == 1)
+        layout = Layout::C1;
+    else if (channels == 3)
+        layout = Layout::C3;
+    else if (channels == 4)
+        layout = image.alphaChannel == 0 ? Layout::C4 : Layout::AC4;
+    else
+        return false;
+    return true;
+}
+
+// How many planes of so many channels are processed: not the image's alpha plane.
+inline std::int32_t planesToProcess(const OrvImage &image, std::int32_t channels)
+{
+    return channels == 4 && image.alphaChannel != 0 ? 3 : channels;
 }
 
 } // namespace orv

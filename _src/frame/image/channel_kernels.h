@@ -1,5 +1,5 @@
-// The kernels that move samples of one width, whatever their type: how the frame copies, picks channels and applies
-// masks.
+// The kernels that move samples of one width, whatever their type. The frames copy, gather, scatter and apply masks
+// with them.
 #pragma once
 
 #include <cstdint>

@@ -1,69 +1,89 @@
 // From scratch into the destination.
 #include "delivery.h"
 
+#include "channel_kernels.h"
+
 namespace orv {
 namespace {
 
-void move(const Kernel<CopyKernel> &kernel, const Raster &from, const Raster &to, Size size)
+KrnStatus move(const Kernel<CopyKernel> &kernel, ConstRaster from, Raster to, Size size)
 {
-    kernel(from.data, from.step, to.data, to.step, size.width, size.height);
+    return kernel(from.data, from.step, to.data, to.step, size.width, size.height);
 }
 
 } // namespace
 
-bool Delivery::masksMeet(const Operand &destination, Size size, std::int32_t planes) const
+KrnStatus gather(const Operand &image, ConstRaster pixels, Raster channel, Size size)
 {
-    for (std::size_t i = 0; i < maskCount_; ++i)
-        if (meet(reach(masks_[i], size, 1), reach(destination, size, planes)))
+    const ChannelKernels &kernels = channelKernels(image.sampleBytes);
+    return move(image.image->nChannels == 3 ? kernels.extractC3 : kernels.extractC4, pixels, channel, size);
+}
+
+KrnStatus scatter(const Operand &image, ConstRaster channel, Raster pixels, Size size)
+{
+    const ChannelKernels &kernels = channelKernels(image.sampleBytes);
+    return move(image.image->nChannels == 3 ? kernels.insertC3 : kernels.insertC4, channel, pixels, size);
+}
+
+bool Masks::overlap(const Extent &written) const
+{
+    for (std::size_t i = 0; i < count_; ++i)
+        if (!disjoint({masks_[i], written.size, 1}, written))
             return true;
     return false;
 }
 
-void Delivery::plan(Lanes &lanes, const Operand &destination, Layout layout, std::int32_t width, bool stripsApart)
+void Masks::plan(StripBuffers &buffers, std::int32_t width, bool copied)
+{
+    if (count_ > 1 || (any() && copied))
+        buffer_ = buffers.add(width);
+}
+
+KrnStatus Masks::ofStrip(std::int32_t row, Size strip, const Scratch &scratch, std::int32_t rows,
+                         ConstRaster &mask) const
+{
+    mask = {};
+    if (!any())
+        return KRN_OK;
+    const Raster first = masks_[0].at(row, 0);
+    if (!buffer_.used()) {
+        mask = first;
+        return KRN_OK;
+    }
+    const Raster all = buffer_.in(scratch, rows);
+    KrnStatus status = move(krnCopy8uC1, first, all, strip);
+    for (std::size_t i = 1; i < count_ && status == KRN_OK; ++i) {
+        const Raster next = masks_[i].at(row, 0);
+        status = krnAndMask8u(next.data, next.step, all.data, all.step, strip.width, strip.height);
+    }
+    mask = all;
+    return status;
+}
+
+void Delivery::plan(StripBuffers &buffers, const Operand &destination, Layout layout, std::int32_t width, bool masked)
 {
     destination_ = destination;
     layout_ = layout;
-    if (masked() && destination.picked)
-        mergeLane_ = lanes.add(std::int64_t{width} * destination.sampleBytes);
-    if (maskCount_ > 1 || (masked() && !stripsApart))
-        maskLane_ = lanes.add(width);
+    if (masked && destination.interleaved)
+        mergeBuffer_ = buffers.add(std::int64_t{width} * destination.sampleBytes);
 }
 
-Raster Delivery::maskOfStrip(std::int32_t row, Size strip, const Scratch &scratch, std::int32_t rows) const
-{
-    if (!masked())
-        return {};
-    const Raster first = masks_[0].at(row, 0);
-    if (!maskLane_.used())
-        return first;
-    const Raster mask = maskLane_.in(scratch, rows);
-    move(krnCopy8uC1, first, mask, strip);
-    for (std::size_t i = 1; i < maskCount_; ++i) {
-        const Raster next = masks_[i].at(row, 0);
-        krnAndMask8u(next.data, next.step, mask.data, mask.step, strip.width, strip.height);
-    }
-    return mask;
-}
-
-void Delivery::deliver(const Raster &result, const Raster &destination, Size strip, const Raster &mask,
-                       const Scratch &scratch, std::int32_t rows) const
+KrnStatus Delivery::deliver(ConstRaster result, Raster destination, Size strip, ConstRaster mask,
+                            const Scratch &scratch, std::int32_t rows) const
 {
     const ChannelKernels &kernels = channelKernels(destination_.sampleBytes);
-    const bool three = destination_.image->nChannels == 3;
-    const Kernel<CopyKernel> &insert = three ? kernels.insertC3 : kernels.insertC4;
-    if (!masked()) {
-        move(destination_.picked ? insert : kernels.copy[layout_], result, destination, strip);
-        return;
-    }
+    if (mask.data == nullptr)
+        return destination_.interleaved ? scatter(destination_, result, destination, strip)
+                                        : move(kernels.copy[layout_], result, destination, strip);
     Raster merged = destination;
-    if (destination_.picked) {
-        merged = mergeLane_.in(scratch, rows);
-        move(three ? kernels.extractC3 : kernels.extractC4, destination, merged, strip);
+    if (destination_.interleaved) {
+        merged = mergeBuffer_.in(scratch, rows);
+        if (const KrnStatus status = gather(destination_, destination, merged, strip); status != KRN_OK)
+            return status;
     }
-    kernels.copyMasked[layout_](result.data, result.step, merged.data, merged.step, strip.width, strip.height,
-                                mask.data, mask.step);
-    if (destination_.picked)
-        move(insert, merged, destination, strip);
+    const KrnStatus status = kernels.copyMasked[layout_](result.data, result.step, merged.data, merged.step,
+                                                         strip.width, strip.height, mask.data, mask.step);
+    return status == KRN_OK && destination_.interleaved ? scatter(destination_, merged, destination, strip) : status;
 }
 
 } // namespace orv

@@ -7,7 +7,7 @@
 
 namespace orv {
 
-// How the samples of a row are grouped into pixels, and which of them are written: AC4 leaves the fourth.
+// How the samples of a row form pixels. AC4 pixels have four samples, of which the fourth is not written.
 enum class Layout { C1, C3, C4, AC4 };
 
 constexpr std::int32_t samplesPerPixel(Layout layout)
@@ -15,7 +15,7 @@ constexpr std::int32_t samplesPerPixel(Layout layout)
     return layout == Layout::C1 ? 1 : layout == Layout::C3 ? 3 : 4;
 }
 
-// The layout whose kernels take all samples of the same pixels.
+// The layout that writes all samples of the same pixels.
 constexpr Layout withAllSamples(Layout layout)
 {
     return layout == Layout::AC4 ? Layout::C4 : layout;
@@ -40,7 +40,7 @@ template <class Signature> struct LayoutKernels {
     }
 };
 
-// The kernels whose names begin alike.
+// The four kernels whose names differ in the layout.
 #define ORV_LAYOUT_KERNELS(stem)                \
     {                                           \
         stem##C1, stem##C3, stem##C4, stem##AC4 \

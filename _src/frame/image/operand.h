@@ -8,12 +8,12 @@
 
 namespace orv {
 
-// The bytes from the first to the last sample that a rectangle, or its planes, reach.
-struct Reach {
+// The bytes from the first to the last sample of a rectangle, or of its planes.
+struct ByteRange {
     std::uintptr_t first, end;
 };
 
-inline bool meet(Reach a, Reach b)
+inline bool overlap(ByteRange a, ByteRange b)
 {
     return a.first < b.end && b.first < a.end;
 }
@@ -24,27 +24,37 @@ struct Operand {
     Start start;
     std::int32_t sampleBytes;
     std::int32_t pixelBytes; // from pixel to pixel
-    bool picked;             // one channel of several, in pixel order
+    bool interleaved;        // one channel of several in pixel order: gathered to be read, scattered to be written
 
     // The rectangle's rows from one on, in a plane counted from the first that is processed.
     Raster at(std::int32_t row, std::int32_t plane) const
     {
-        Raster raster = start.raster.fromRow(row);
-        if (plane > 0)
-            raster.data += plane * start.planeStep;
-        return raster;
+        return start.raster.fromRow(row).fromByte(plane * std::int64_t{start.planeStep});
     }
+
+    // Only pixels of three and four samples can be gathered.
+    bool served() const { return !interleaved || image->nChannels == 3 || image->nChannels == 4; }
 };
 
-Operand resolve(const OrvImage &image, bool planes);
+Operand resolve(const OrvImage &image, bool planes, Steps steps = Steps::AsGiven);
 
-Reach reach(const Operand &operand, Size size, std::int32_t planes);
+ByteRange byteRange(const Operand &operand, Size size, std::int32_t planes);
 
-// Whether a strip may be written while later rows of `read` are still to be read: they have no byte in common, or each
-// row of the one lies beside the same row of the other and no further.
-bool stripsKeepApart(const Operand &read, const Operand &written, Size size, std::int32_t planes);
+// A rectangle of so many pixels in so many planes.
+struct Extent {
+    const Operand &operand;
+    Size size;
+    std::int32_t planes;
+};
 
-// Whether a loop may write samples while it still reads: the rasters have no byte in common, or are the same.
-bool samplesKeepApart(const Operand &read, const Operand &written, Size size, std::int32_t planes);
+// Whether the rectangles have no byte in common.
+bool disjoint(const Extent &read, const Extent &written);
+
+// Whether a strip may be written while later rows of `read` are still to be read: they are disjoint, or each row of the
+// one lies beside the same row of the other and no further.
+bool stripsDisjoint(const Extent &read, const Extent &written);
+
+// Whether a loop may write samples while it still reads: they are disjoint, or the same.
+bool samplesDisjoint(const Extent &read, const Extent &written);
 
 } // namespace orv

@@ -1,13 +1,16 @@
-// Access to single pixels of an image: what reading and writing have in common.
+// Access to single pixels of an image.
 #pragma once
+
+#include <cstddef>
+#include <cstdint>
 
 #include "area.h"
 #include "channel_kernels.h"
 
 namespace orv {
 
-// Where the samples of a pixel stand. In pixel order it is one group of samples, in plane order one sample in each of
-// some planes; no groups where the number of channels is none that is served.
+// Where the samples of a pixel are. Pixel order has one group of samples, plane order one sample in each plane. There
+// are no groups if the number of channels is not served.
 struct PixelPlace {
     std::uint8_t *first;
     std::ptrdiff_t planeStep;

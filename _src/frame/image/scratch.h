@@ -5,6 +5,7 @@
 #include <limits>
 
 #include "kernels.h"
+#include "raster.h"
 
 namespace orv {
 
@@ -20,7 +21,11 @@ public:
     Scratch() = default;
     Scratch(const Scratch &) = delete;
     Scratch &operator=(const Scratch &) = delete;
-    ~Scratch() { krnFree(block_); }
+    ~Scratch()
+    {
+        if (block_ != nullptr)
+            krnFree(block_);
+    }
 
     // False on exhausted memory, for no bytes at all, and for more than 32 bits can say. Called once.
     bool take(std::int64_t bytes)
@@ -35,6 +40,28 @@ public:
 
 private:
     std::uint8_t *block_ = nullptr;
+};
+
+// The rows of one strip in a call's scratch. It can be planned before the height of strips is known, which follows from
+// all that is planned.
+struct StripBuffer {
+    std::int64_t offset = -1; // in bytes a row of all buffers; unused where negative
+    std::int32_t step = 0;
+
+    bool used() const { return offset >= 0; }
+    Raster in(const Scratch &scratch, std::int32_t rows) const { return {scratch.data() + offset * rows, step}; }
+};
+
+// The buffers of a strip, one behind the other.
+struct StripBuffers {
+    std::int64_t rowBytes = 0; // of all together
+
+    StripBuffer add(std::int64_t bytes)
+    {
+        const StripBuffer buffer = {rowBytes, static_cast<std::int32_t>(roundedUp(bytes))};
+        rowBytes += roundedUp(bytes);
+        return buffer;
+    }
 };
 
 } // namespace orv

@@ -1,10 +1,11 @@
-// The margins around an image.
-#include "padded_source.h"
+// Filling of the pixels around an image.
+#include "border.h"
 
 #include <algorithm>
 #include <bit>
 #include <cstring>
 
+#include "channel_kernels.h"
 #include "fill.h"
 
 namespace orv {
@@ -21,11 +22,11 @@ Mode modeOf(const OrvImage &image, Side side)
 // The remainder that is never negative.
 std::int64_t modulo(std::int64_t value, std::int64_t period)
 {
-    const std::int64_t rest = value % period;
-    return rest < 0 ? rest + period : rest;
+    const std::int64_t remainder = value % period;
+    return remainder < 0 ? remainder + period : remainder;
 }
 
-// Some rows of the image and where they go.
+// Rows of the image, and where they go.
 struct Rows {
     std::int64_t source;
     std::int32_t count;
@@ -47,56 +48,59 @@ public:
     {
     }
 
-    void fill(const Raster &padded) const;
+    void fillArea(Raster padded) const;
 
 private:
     Raster at(const Rows &rows, std::int64_t column) const
     {
-        return {rows.out.data + (column - area_.x) * source_.paddedPixelBytes(), rows.out.step};
+        return rows.out.fromByte((column - area_.x) * source_.paddedPixelBytes());
     }
-    Raster pixelsFrom(std::int64_t column, std::int64_t row) const
+    ConstRaster pixelsFrom(std::int64_t column, std::int64_t row) const
     {
-        return {source_.raster.data + row * source_.raster.step + column * source_.pixelBytes(), source_.raster.step};
+        return source_.raster.fromRow(row).fromByte(column * source_.pixelBytes());
     }
 
     void fillRows(const Rows &rows, Side left, Side right) const;
     void fillSide(const Rows &rows, Side side, std::int64_t first, std::int64_t end) const;
-    void fillConstant(Side side, const Raster &out, Size size) const;
-    void bring(const Rows &rows, std::int64_t from, std::int32_t count, std::int64_t column) const;
-    void bringMirrored(const Rows &rows, std::int64_t from, std::int32_t count, std::int64_t column) const;
-    void bringRepeated(const Rows &rows, std::int64_t from, std::int32_t count, std::int64_t column) const;
+    void fillConstant(Side side, Raster out, Size size) const;
+    void copyColumns(const Rows &rows, std::int64_t from, std::int32_t count, std::int64_t column) const;
+    void copyMirrored(const Rows &rows, std::int64_t from, std::int32_t count, std::int64_t column) const;
+    void copyRepeated(const Rows &rows, std::int64_t from, std::int32_t count, std::int64_t column) const;
 
     const BorderedImage &source_;
     const PaddedArea &area_;
     const ChannelKernels &kernels_;
 };
 
-// Columns of the image from one on, to a column of the area.
-void Border::bring(const Rows &rows, std::int64_t from, std::int32_t count, std::int64_t column) const
+// Copies `count` columns of the image, from the column `from` on.
+void Border::copyColumns(const Rows &rows, std::int64_t from, std::int32_t count, std::int64_t column) const
 {
-    const Raster in = pixelsFrom(from, rows.source), out = at(rows, column);
-    const Kernel<CopyKernel> &copy = !source_.picked                 ? kernels_.copy[source_.layout]
+    const ConstRaster in = pixelsFrom(from, rows.source);
+    const Raster out = at(rows, column);
+    const Kernel<CopyKernel> &copy = !source_.interleaved            ? kernels_.copy[source_.layout]
                                      : source_.image->nChannels == 3 ? kernels_.extractC3
                                                                      : kernels_.extractC4;
     copy(in.data, in.step, out.data, out.step, count, rows.count);
 }
 
-void Border::bringMirrored(const Rows &rows, std::int64_t from, std::int32_t count, std::int64_t column) const
+void Border::copyMirrored(const Rows &rows, std::int64_t from, std::int32_t count, std::int64_t column) const
 {
     constexpr std::int32_t columnsSwap = 1;
-    const Raster in = pixelsFrom(from, rows.source), out = at(rows, column);
-    if (source_.picked) {
-        bring(rows, from, count, column);
+    const ConstRaster in = pixelsFrom(from, rows.source);
+    const Raster out = at(rows, column);
+    if (source_.interleaved) {
+        copyColumns(rows, from, count, column);
         kernels_.mirrorInPlaceC1(out.data, out.step, count, rows.count, columnsSwap);
     } else {
         kernels_.mirror[source_.layout](in.data, in.step, out.data, out.step, count, rows.count, columnsSwap);
     }
 }
 
-// One column of the image, over and over.
-void Border::bringRepeated(const Rows &rows, std::int64_t from, std::int32_t count, std::int64_t column) const
+// Repeats one column of the image.
+void Border::copyRepeated(const Rows &rows, std::int64_t from, std::int32_t count, std::int64_t column) const
 {
-    const Raster in = pixelsFrom(from, rows.source), out = at(rows, column);
+    const ConstRaster in = pixelsFrom(from, rows.source);
+    const Raster out = at(rows, column);
     const Size size = {count, rows.count};
     switch (source_.paddedPixelBytes()) {
     case 1:
@@ -118,13 +122,13 @@ void Border::bringRepeated(const Rows &rows, std::int64_t from, std::int32_t cou
     }
 }
 
-// The constant is an integer; floats take its value, narrower integers its low bits.
-void Border::fillConstant(Side side, const Raster &out, Size size) const
+// The constant is an integer. Float images take its value, narrower integers its low bits.
+void Border::fillConstant(Side side, Raster out, Size size) const
 {
     std::int32_t value = source_.image->BorderConst[side];
     if (source_.image->depth == ORV_DEPTH_32F)
         value = std::bit_cast<std::int32_t>(static_cast<float>(value));
-    FillSamples{kernels_, value}(source_.layout, nullptr, out, size);
+    fill(source_.sampleBytes, value, source_.layout, out, size);
 }
 
 // Columns `first` to `end` beside the image.
@@ -137,17 +141,17 @@ void Border::fillSide(const Rows &rows, Side side, std::int64_t first, std::int6
     if (mode == Mode::Constant)
         return fillConstant(side, at(rows, first), {static_cast<std::int32_t>(end - first), rows.count});
     if (mode == Mode::Replicate)
-        return bringRepeated(rows, first < 0 ? 0 : width - 1, static_cast<std::int32_t>(end - first), first);
-    // Piece by piece: a piece ends where the image does.
+        return copyRepeated(rows, first < 0 ? 0 : width - 1, static_cast<std::int32_t>(end - first), first);
+    // Run by run of columns: a run ends where the image does.
     for (std::int64_t column = first; column < end;) {
         const std::int64_t place = modulo(column, mode == Mode::Wrap ? width : 2 * width);
         const bool mirrored = place >= width;
-        const std::int64_t rest = mirrored ? 2 * width - place : width - place;
-        const std::int32_t count = static_cast<std::int32_t>(std::min(rest, end - column));
+        const std::int64_t left = mirrored ? 2 * width - place : width - place;
+        const std::int32_t count = static_cast<std::int32_t>(std::min(left, end - column));
         if (mirrored)
-            bringMirrored(rows, rest - count, count, column);
+            copyMirrored(rows, left - count, count, column);
         else
-            bring(rows, place, count, column);
+            copyColumns(rows, place, count, column);
         column += count;
     }
 }
@@ -159,15 +163,15 @@ void Border::fillRows(const Rows &rows, Side left, Side right) const
     const std::int64_t first = std::clamp<std::int64_t>(area_.x, 0, width),
                        last = std::clamp<std::int64_t>(end, 0, width);
     if (first < last)
-        bring(rows, first, static_cast<std::int32_t>(last - first), first);
+        copyColumns(rows, first, static_cast<std::int32_t>(last - first), first);
     fillSide(rows, right, std::max(area_.x, width), end);
 }
 
-void Border::fill(const Raster &padded) const
+void Border::fillArea(Raster padded) const
 {
     const std::int64_t height = source_.image->height, end = area_.y + area_.height;
     for (std::int64_t row = area_.y; row < end;) {
-        Rows rows = {row, 1, padded.fromRow(static_cast<std::int32_t>(row - area_.y))};
+        Rows rows = {row, 1, padded.fromRow(row - area_.y)};
         if (row >= 0 && row < height) {
             rows.count = static_cast<std::int32_t>(std::min(height, end) - row);
             fillRows(rows, Left, Right);
@@ -189,7 +193,7 @@ void Border::fill(const Raster &padded) const
             const std::int64_t place = modulo(row, mode == Mode::Wrap ? height : 2 * height);
             rows.source = place < height ? place : 2 * height - 1 - place;
         }
-        // What lies beside the rows above and below follows the mode of these.
+        // The corners follow the mode of the top or the bottom.
         fillRows(rows, side, side);
         ++row;
     }
@@ -197,9 +201,9 @@ void Border::fill(const Raster &padded) const
 
 } // namespace
 
-void borderFill(const BorderedImage &source, const PaddedArea &area, const Raster &padded)
+void borderFill(const BorderedImage &source, const PaddedArea &area, Raster padded)
 {
-    Border(source, area).fill(padded);
+    Border(source, area).fillArea(padded);
 }
 
 } // namespace orv

@@ -1,5 +1,8 @@
-// Conversions around a call that computes in floats.
+// Conversions to floats and back.
 #include "float_samples.h"
+
+#include "channel_kernels.h"
+#include "window.h"
 
 namespace orv {
 namespace {
@@ -33,56 +36,37 @@ const Conversions &conversionsOf(std::int32_t depth)
     }
 }
 
-std::int64_t samplesAcross(const PaddedSource &source, Layout layout)
-{
-    return source.wholeWidth() * samplesPerPixel(layout);
-}
-
 } // namespace
 
-FloatRaster takeFloats(std::uint8_t *&work, Size samples)
+KrnStatus withMarginsAsFloats(const Work &work, std::int32_t depth, std::uint8_t *&scratch, ConstRaster &floats)
 {
-    const FloatRaster floats = {{work, static_cast<std::int32_t>(FloatRaster::stepOf(samples.width))}, samples};
-    work += FloatRaster::bytes(samples.width, samples.height);
-    return floats;
-}
-
-FloatRaster wholeAsFloats(const PaddedSource &source, Layout layout, std::int32_t depth, std::uint8_t *&work)
-{
-    const Size samples = {static_cast<std::int32_t>(samplesAcross(source, layout)),
-                          static_cast<std::int32_t>(source.wholeHeight())};
-    const Raster whole = source.whole(samplesPerPixel(layout) * sampleBytes(depth));
+    const std::int32_t samplesPer = samplesPerPixel(work.layout);
+    const ConstRaster whole = withMargins(work, samplesPer * sampleBytes(depth));
+    floats = whole;
     if (depth == ORV_DEPTH_32F)
-        return {whole, samples};
-    const FloatRaster floats = takeFloats(work, samples);
-    conversionsOf(depth).toFloats(whole.data, whole.step, floats.raster.data, floats.raster.step, samples.width,
-                                  samples.height);
-    return floats;
+        return KRN_OK;
+    const std::int64_t samples = paddedWidth(work) * samplesPer, rows = paddedHeight(work);
+    const Raster converted = takeFloatRows(scratch, samples, rows);
+    floats = converted;
+    return conversionsOf(depth).toFloats(whole.data, whole.step, converted.data, converted.step,
+                                         static_cast<std::int32_t>(samples), static_cast<std::int32_t>(rows));
 }
 
-std::int64_t wholeAsFloatsBytes(const PaddedSource &source, Layout layout, std::int32_t depth)
+std::int64_t withMarginsAsFloatsBytes(const Work &work, std::int32_t depth)
 {
-    return depth == ORV_DEPTH_32F ? 0 : FloatRaster::bytes(samplesAcross(source, layout), source.wholeHeight());
+    return depth == ORV_DEPTH_32F
+               ? 0
+               : floatRowsBytes(paddedWidth(work) * samplesPerPixel(work.layout), paddedHeight(work));
 }
 
-void fromFloats(const FloatRaster &floats, Layout layout, std::int32_t depth, const Raster &destination)
+KrnStatus fromFloats(ConstRaster floats, Layout layout, std::int32_t depth, Raster destination, Size size)
 {
     constexpr std::int32_t toNearestEven = 1;
-    const Raster &from = floats.raster;
-    const Size size = {floats.size.width / samplesPerPixel(layout), floats.size.height};
     if (depth == ORV_DEPTH_32F)
-        channelKernels(4).copy[layout](from.data, from.step, destination.data, destination.step, size.width,
-                                       size.height);
-    else
-        conversionsOf(depth).fromFloats[layout](from.data, from.step, destination.data, destination.step, size.width,
-                                                size.height, toNearestEven);
-}
-
-Raster firstComputed(const FloatRaster &whole, const PaddedSource &source, Layout layout)
-{
-    Raster first = whole.raster.fromRow(source.margins.top);
-    first.data += std::ptrdiff_t{4} * source.margins.left * samplesPerPixel(layout);
-    return first;
+        return channelKernels(4).copy[layout](floats.data, floats.step, destination.data, destination.step, size.width,
+                                              size.height);
+    return conversionsOf(depth).fromFloats[layout](floats.data, floats.step, destination.data, destination.step,
+                                                   size.width, size.height, toNearestEven);
 }
 
 } // namespace orv

@@ -1,52 +1,71 @@
 // The frame of operations that compute each pixel from a window around it. It resolves rectangles, channels and masks,
-// and runs a unit's loop over padded sources: strips of the rectangle, each with the margins that the loop reads. What
-// is copied grows with the rectangle and the reach of the window, never with the image; windows that lie in the image
-// read it where it is.
+// and runs a loop over padded sources: strips of the rectangle, each with the margins that the loop reads. What is
+// copied grows with the rectangle and the window, never with the image; windows that lie in the image read it where it
+// is.
 #pragma once
 
-#include "padded_source.h"
+#include <algorithm>
+#include <cstdint>
+
+#include "area.h"
+#include "loop.h"
+#include "orv.h"
 
 namespace orv {
 
-struct Neighbourhood {
+// A window of pixels. The one that is computed stands at the anchor.
+struct Window {
+    std::int32_t columns, rows, anchorX, anchorY;
+
+    Margins margins() const { return {anchorX, columns - anchorX - 1, anchorY, rows - anchorY - 1}; }
+};
+
+// The margins that serve both.
+inline Margins larger(const Margins &a, const Margins &b)
+{
+    return {std::max(a.left, b.left), std::max(a.right, b.right), std::max(a.top, b.top), std::max(a.bottom, b.bottom)};
+}
+
+// How rows reach a loop.
+enum class Padding {
+    Strips,      // strip by strip; windows that lie in the image are read there
+    WholePlanes, // all rows at once, for results that would depend on the height of a strip
+    OwnCopy,     // all rows at once in a copy, Work::copy, that the loop may change
+};
+
+struct WindowCall {
     const OrvImage *source;
     const OrvImage *destination;
-    Margins reach; // of the window
-    // How far to the left of the image and above it a rectangle with negative offsets may start; offsets beyond count
+    Margins margins;
+    // How far to the left of the image and above it a rectangle with negative offsets may start. Offsets beyond count
     // as 0.
-    std::int32_t rimLeft, rimTop;
-    // The fourth sample of interleaved pixels is an alpha channel, and left alone.
-    bool alpha;
+    std::int32_t startLeft, startAbove;
+    // Whose alpha channel is left alone in interleaved pixels: the source's or the destination's.
+    const OrvImage *alphaOf;
+    Padding padding = Padding::Strips;
 };
 
-// A unit's loop without its type, so that the frame is compiled once for all units.
-struct WindowLoop {
-    const void *unit;
-    void (*run)(const void *unit, Layout layout, const PaddedSource &source, Raster destination, std::uint8_t *work);
-    // Bytes of scratch that a run needs, of which `work` has the start; the source has its sizes only.
-    std::int64_t (*workBytes)(const void *unit, Layout layout, const PaddedSource &source);
-};
+// 0, or ORV_STATUS_NO_MEMORY before anything is written. Headers have been validated and agree in depth, data order and
+// channels to process. The images may overlap in any way: where they do, a plane is read before any of it is written.
+//
+// The loop's source starts at the first pixel that is computed, and can be read as far around it as the margins say.
+OrvStatus runWindow(const WindowCall &call, const Loop &loop);
 
-// 0, or ORV_STATUS_NO_MEMORY before anything is written.
-OrvStatus runNeighbourhood(const Neighbourhood &call, const WindowLoop &loop);
-
-// Runs `run(layout, source, destination, work)`; with scratch where it has `workBytes(layout, source)`. Headers have
-// been validated and agree in depth, data order and channels to process. The images may overlap in any way: where they
-// do, a plane is read before any of it is written.
-template <class Run> OrvStatus neighbourhood(const Neighbourhood &call, const Run &run)
+// The size of a source with its margins.
+inline std::int64_t paddedWidth(const Work &work)
 {
-    return runNeighbourhood(
-        call, {&run,
-               [](const void *unit, Layout layout, const PaddedSource &source, Raster destination, std::uint8_t *work) {
-                   (*static_cast<const Run *>(unit))(layout, source, destination, work);
-               },
-               []([[maybe_unused]] const void *unit, [[maybe_unused]] Layout layout,
-                  [[maybe_unused]] const PaddedSource &source) -> std::int64_t {
-                   if constexpr (requires(const Run &any) { any.workBytes(layout, source); })
-                       return static_cast<const Run *>(unit)->workBytes(layout, source);
-                   else
-                       return 0;
-               }});
+    return std::int64_t{work.size.width} + work.margins.left + work.margins.right;
+}
+inline std::int64_t paddedHeight(const Work &work)
+{
+    return std::int64_t{work.size.height} + work.margins.top + work.margins.bottom;
+}
+
+// The first source from its margins on.
+inline ConstRaster withMargins(const Work &work, std::int32_t pixelBytes)
+{
+    return work.sources->fromRow(-std::int64_t{work.margins.top})
+        .fromByte(-std::int64_t{work.margins.left} * pixelBytes);
 }
 
 } // namespace orv

@@ -1,0 +1,18 @@
+// The frame of planes.h.
+#include "planes.h"
+
+#include "rectangle_call.h"
+
+namespace orv {
+
+OrvStatus runPlanes(const PlanesCall &call, const Loop &loop)
+{
+    return statusOf(runRectangles({.images = call.images,
+                                   .size = call.size,
+                                   .sourceSizes = call.sourceSizes,
+                                   .whole = true,
+                                   .inPlaceIfShared = call.inPlaceIfShared},
+                                  loop));
+}
+
+} // namespace orv
