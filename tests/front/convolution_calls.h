@@ -13,6 +13,16 @@ namespace front {
 template <class Value>
 using RecordOf = std::conditional_t<std::is_same_v<Value, float>, OrvConvKernelFP, OrvConvKernel>;
 
+template <class Value>
+RecordOf<Value> recordOf(std::int32_t columns, std::int32_t rows, std::int32_t anchorX, std::int32_t anchorY,
+                         Value *values, [[maybe_unused]] std::int32_t shift = 0)
+{
+    if constexpr (std::is_same_v<Value, float>)
+        return {columns, rows, anchorX, anchorY, values};
+    else
+        return {columns, rows, anchorX, anchorY, values, shift};
+}
+
 // A window as an application thinks of it: with its anchor as given.
 template <class Value> struct Window {
     std::int32_t columns, rows, anchorX, anchorY, shift;
@@ -20,15 +30,7 @@ template <class Value> struct Window {
 
     RecordOf<Value> record()
     {
-        RecordOf<Value> kernel = {};
-        kernel.nCols = columns;
-        kernel.nRows = rows;
-        kernel.anchorX = columns - 1 - anchorX;
-        kernel.anchorY = rows - 1 - anchorY;
-        kernel.values = values.data();
-        if constexpr (std::is_same_v<Value, std::int32_t>)
-            kernel.nShiftR = shift;
-        return kernel;
+        return recordOf(columns, rows, columns - 1 - anchorX, rows - 1 - anchorY, values.data(), shift);
     }
 
     // Calls `take` with each coefficient and how far to the right and below the pixel lies what it meets.
@@ -49,27 +51,32 @@ template <class Value> std::ostream &operator<<(std::ostream &out, const Window<
     return out;
 }
 
-inline OrvStatus convolve(const OrvImage *source, OrvImage *destination, const std::vector<OrvConvKernel *> &kernels,
-                          std::int32_t method)
+// One kernel or several, by a way of combining.
+template <class Value>
+OrvStatus convolve(const OrvImage *source, OrvImage *destination, std::vector<Window<Value>> &windows,
+                   std::int32_t method)
 {
-    return orvConvolve2D(source, destination, kernels.data(), static_cast<std::int32_t>(kernels.size()), method);
+    std::vector<RecordOf<Value>> records;
+    for (Window<Value> &window : windows)
+        records.push_back(window.record());
+    std::vector<RecordOf<Value> *> kernels;
+    for (auto &record : records)
+        kernels.push_back(&record);
+    const std::int32_t count = static_cast<std::int32_t>(kernels.size());
+    if constexpr (std::is_same_v<Value, float>)
+        return orvConvolve2DFP(source, destination, kernels.data(), count, method);
+    else
+        return orvConvolve2D(source, destination, kernels.data(), count, method);
 }
 
-inline OrvStatus convolve(const OrvImage *source, OrvImage *destination, const std::vector<OrvConvKernelFP *> &kernels,
-                          std::int32_t method)
+// A row, a column, or both.
+template <class Record>
+OrvStatus convolve(const OrvImage *source, OrvImage *destination, const Record *row, const Record *column)
 {
-    return orvConvolve2DFP(source, destination, kernels.data(), static_cast<std::int32_t>(kernels.size()), method);
-}
-
-inline OrvStatus convolve(const OrvImage *source, OrvImage *destination, const OrvConvKernel *x, const OrvConvKernel *y)
-{
-    return orvConvolveSep2D(source, destination, x, y);
-}
-
-inline OrvStatus convolve(const OrvImage *source, OrvImage *destination, const OrvConvKernelFP *x,
-                          const OrvConvKernelFP *y)
-{
-    return orvConvolveSep2DFP(source, destination, x, y);
+    if constexpr (std::is_same_v<Record, OrvConvKernelFP>)
+        return orvConvolveSep2DFP(source, destination, row, column);
+    else
+        return orvConvolveSep2D(source, destination, row, column);
 }
 
 } // namespace front

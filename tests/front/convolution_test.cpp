@@ -1,31 +1,33 @@
 // Convolutions by numbers: roundings, anchors, ways of combining, and records as applications make them.
-#include <limits>
 #include <string>
-#include <vector>
 
-#include <gtest/gtest.h>
-
+#include "front/convolution_calls.h"
 #include "front/memory_watch.h"
 #include "front/reports.h"
 #include "front/test_image.h"
 
+#include <gtest/gtest.h>
+
 namespace front {
 namespace {
 
-constexpr std::int32_t mostInt = std::numeric_limits<std::int32_t>::max();
+using Ints = Window<std::int32_t>;
 
-// The convolution of an image of one pixel, whose value is the sum, with a kernel of the one coefficient 1.
-long long quotient(std::int32_t depth, long long sum, std::int32_t shift, int kernels = 1)
+// A kernel of one coefficient.
+Ints factor(std::int32_t value, std::int32_t shift)
+{
+    return {1, 1, 0, 0, shift, {value}};
+}
+
+// What kernels make of an image that has one value everywhere.
+long long convolved(std::int32_t depth, long long value, std::vector<Ints> kernels, std::int32_t method = 99)
 {
     Random random(1);
-    TestImage image({.depth = depth, .width = 1, .height = 1}, random);
-    image.fill(integerSample(depth, sum));
-    const std::int32_t one = 1;
-    OrvConvKernel *kernel = orvCreateConvKernel(1, 1, 0, 0, &one, shift);
-    OrvConvKernel *const both[] = {kernel, kernel};
-    EXPECT_EQ(orvConvolve2D(&image.header, &image.header, both, kernels, kernels > 1 ? ORV_COMBINE_MAX : 99),
-              ORV_STATUS_OK);
-    orvDeleteConvKernel(kernel);
+    TestImage image({.depth = depth}, random);
+    image.fill(integerSample(depth, value));
+    for (std::int32_t &mode : image.header.BorderMode)
+        mode = ORV_BORDER_REPLICATE;
+    EXPECT_EQ(convolve(&image.header, &image.header, kernels, method), ORV_STATUS_OK);
     return image.get(0, 0, 0).integer();
 }
 
@@ -43,167 +45,138 @@ TEST(Convolution, RoundsToNearestTiesToEven)
                 {ORV_DEPTH_8U, 200, -31, 100},   {ORV_DEPTH_16S, -3, 1, -2},   {ORV_DEPTH_16S, -1, 1, 0},
                 {ORV_DEPTH_16S, -5, 1, -2},      {ORV_DEPTH_16S, -7, 2, -2},   {ORV_DEPTH_16S, -10, 2, -2},
                 {ORV_DEPTH_16S, -32768, 15, -1}, {ORV_DEPTH_16S, 32767, 15, 1}};
-    for (const auto &row : rows)
-        for (const int kernels : {1, 2})
-            EXPECT_EQ(quotient(row.depth, row.sum, row.shift, kernels), row.result)
-                << row.sum << " >> " << row.shift << ", kernels " << kernels;
+    for (const auto &row : rows) {
+        const Ints one = factor(1, row.shift);
+        EXPECT_EQ(convolved(row.depth, row.sum, {one}), row.result) << row.sum << " >> " << row.shift;
+        EXPECT_EQ(convolved(row.depth, row.sum, {one, one}, ORV_COMBINE_MAX), row.result) << row.sum;
+    }
+}
+
+TEST(Convolution, Combines)
+{
+    const std::vector<Ints> kernels = {factor(4, 0), factor(-6, 1)};
+    EXPECT_EQ(convolved(ORV_DEPTH_16S, 1, kernels, ORV_COMBINE_SUM), 1);
+    EXPECT_EQ(convolved(ORV_DEPTH_16S, 1, kernels, ORV_COMBINE_SUMSQ), 25);
+    EXPECT_EQ(convolved(ORV_DEPTH_16S, 1, kernels, ORV_COMBINE_SUMSQROOT), 5);
+    EXPECT_EQ(convolved(ORV_DEPTH_16S, 1, kernels, ORV_COMBINE_MAX), 4);
+    EXPECT_EQ(convolved(ORV_DEPTH_16S, 1, kernels, ORV_COMBINE_MIN), -3);
+    // Halves of two results make a whole: only their sum is rounded.
+    EXPECT_EQ(convolved(ORV_DEPTH_8U, 1, {factor(1, 1), factor(1, 1)}, ORV_COMBINE_SUM), 1);
+}
+
+TEST(Convolution, SumsOf8UWrapAroundAndThoseOf16SDoNot)
+{
+    const Ints kernel = {5, 1, 2, 0, 0, {1 << 30, 1 << 30, 1 << 30, 1 << 30, 7}};
+    EXPECT_EQ(convolved(ORV_DEPTH_8U, 1, {kernel}), 7);
+    EXPECT_EQ(convolved(ORV_DEPTH_16S, 1, {kernel}), 32767);
 }
 
 // The coefficients in a field of zeros appear as they were given, around the pixel by the anchor.
 TEST(Convolution, ImpulseGivesTheKernel)
 {
     const std::int32_t values[] = {1, 2, 3, 4, 5, 6};
-    const float floats[] = {1, 2, 3, 4, 5, 6};
     Random random(2);
-    for (std::int32_t anchorX = 0; anchorX < 3; ++anchorX)
-        for (std::int32_t anchorY = 0; anchorY < 2; ++anchorY)
-            for (const std::int32_t depth : {ORV_DEPTH_8U, ORV_DEPTH_16S, ORV_DEPTH_32S, ORV_DEPTH_32F}) {
-                TestImage source({.depth = depth, .width = 9, .height = 8}, random);
-                TestImage destination({.depth = depth, .width = 9, .height = 8}, random);
-                source.fill({depth, 0});
-                source.set(4, 4, 0, depth == ORV_DEPTH_32F ? realSample(1) : integerSample(depth, 1));
-                OrvConvKernel *kernel = orvCreateConvKernel(3, 2, anchorX, anchorY, values, 0);
-                OrvConvKernelFP *kernelFP = orvCreateConvKernelFP(3, 2, anchorX, anchorY, floats);
-                OrvConvKernel *const kernels[] = {kernel};
-                OrvConvKernelFP *const kernelsFP[] = {kernelFP};
-                EXPECT_EQ(depth == ORV_DEPTH_32F ? orvConvolve2DFP(&source.header, &destination.header, kernelsFP, 1, 0)
-                                                 : orvConvolve2D(&source.header, &destination.header, kernels, 1, 0),
-                          ORV_STATUS_OK);
-                for (std::int32_t y = 0; y < 8; ++y)
-                    for (std::int32_t x = 0; x < 9; ++x) {
-                        const std::int32_t column = x - 4 + anchorX, row = y - 4 + anchorY;
-                        const bool within = column >= 0 && column < 3 && row >= 0 && row < 2;
-                        const double expected = within ? values[3 * row + column] : 0;
-                        const Sample actual = destination.get(x, y, 0);
-                        EXPECT_EQ(depth == ORV_DEPTH_32F ? actual.real() : double(actual.integer()), expected)
-                            << x << "," << y << " depth " << depth;
-                    }
-                orvDeleteConvKernel(kernel);
-                orvDeleteConvKernelFP(kernelFP);
+    for (std::int32_t anchor = 0; anchor < 6; ++anchor) {
+        const std::int32_t anchorX = anchor % 3, anchorY = anchor / 3;
+        TestImage source({.width = 9, .height = 8}, random), destination({.width = 9, .height = 8}, random);
+        source.fill({ORV_DEPTH_8U, 0});
+        source.set(4, 4, 0, {ORV_DEPTH_8U, 1});
+        OrvConvKernel *const kernel = orvCreateConvKernel(3, 2, anchorX, anchorY, values, 0);
+        EXPECT_EQ(orvConvolve2D(&source.header, &destination.header, &kernel, 1, 0), ORV_STATUS_OK);
+        for (std::int32_t y = 0; y < 8; ++y)
+            for (std::int32_t x = 0; x < 9; ++x) {
+                const std::int32_t column = x - 4 + anchorX, row = y - 4 + anchorY;
+                const bool within = column >= 0 && column < 3 && row >= 0 && row < 2;
+                EXPECT_EQ(destination.get(x, y, 0).integer(), within ? values[3 * row + column] : 0) << x << "," << y;
             }
-}
-
-TEST(Convolution, CombinesResults)
-{
-    const struct {
-        std::int32_t method;
-        long long result;
-    } rows[] = {{ORV_COMBINE_SUM, 1},
-                {ORV_COMBINE_SUMSQ, 25},
-                {ORV_COMBINE_SUMSQROOT, 5},
-                {ORV_COMBINE_MAX, 4},
-                {ORV_COMBINE_MIN, -3}};
-    const std::int32_t weights[] = {4, -6}; // the second halved
-    Random random(3);
-    for (const auto &row : rows) {
-        TestImage image({.depth = ORV_DEPTH_16S}, random);
-        image.fill(integerSample(ORV_DEPTH_16S, 1));
-        OrvConvKernel *first = orvCreateConvKernel(1, 1, 0, 0, &weights[0], 0);
-        OrvConvKernel *second = orvCreateConvKernel(1, 1, 0, 0, &weights[1], 1);
-        OrvConvKernel *const kernels[] = {first, second};
-        EXPECT_EQ(orvConvolve2D(&image.header, &image.header, kernels, 2, row.method), ORV_STATUS_OK);
-        EXPECT_EQ(image.get(5, 5, 0).integer(), row.result) << row.method;
-        orvDeleteConvKernel(first);
-        orvDeleteConvKernel(second);
-    }
-}
-
-// Halves of two results make a whole: only their sum is rounded.
-TEST(Convolution, OfSeveralIsRoundedOnce)
-{
-    const std::int32_t one = 1;
-    Random random(4);
-    TestImage image({}, random);
-    image.fill({ORV_DEPTH_8U, 1});
-    OrvConvKernel *half = orvCreateConvKernel(1, 1, 0, 0, &one, 1);
-    OrvConvKernel *const kernels[] = {half, half};
-    EXPECT_EQ(orvConvolve2D(&image.header, &image.header, kernels, 2, ORV_COMBINE_SUM), ORV_STATUS_OK);
-    EXPECT_EQ(image.get(3, 3, 0).integer(), 1);
-    orvDeleteConvKernel(half);
-}
-
-// The sum of 8U samples is of 32 bits, that of 16S samples of 64.
-TEST(Convolution, WrapsAroundAt8U)
-{
-    const std::int32_t values[] = {1 << 30, 1 << 30, 1 << 30, 1 << 30, 7};
-    Random random(5);
-    for (const std::int32_t depth : {ORV_DEPTH_8U, ORV_DEPTH_16S}) {
-        TestImage image({.depth = depth}, random);
-        image.fill(integerSample(depth, 1));
-        for (std::int32_t &mode : image.header.BorderMode)
-            mode = ORV_BORDER_REPLICATE;
-        OrvConvKernel *kernel = orvCreateConvKernel(5, 1, 2, 0, values, 0);
-        OrvConvKernel *const kernels[] = {kernel};
-        EXPECT_EQ(orvConvolve2D(&image.header, &image.header, kernels, 1, 0), ORV_STATUS_OK);
-        EXPECT_EQ(image.get(0, 0, 0).integer(), depth == ORV_DEPTH_8U ? 7 : 32767);
         orvDeleteConvKernel(kernel);
     }
 }
 
+// Both vectors: the quarters of the columns, 0.5, 2.5 and 0.5, are not rounded before those of the row.
+TEST(SeparableConvolution, IsRoundedOnce)
+{
+    const long long samples[] = {2, 10, 2, 0, 0, 0, 0, 0, 0};
+    Random random(6);
+    TestImage source({.width = 3, .height = 3}, random), destination({.width = 3, .height = 3}, random);
+    for (std::int32_t i = 0; i < 9; ++i)
+        source.set(i % 3, i / 3, 0, integerSample(ORV_DEPTH_8U, samples[i]));
+    Ints row = {3, 1, 1, 0, 2, {1, 2, 1}}, column = {1, 3, 0, 1, 2, {1, 2, 1}};
+    const OrvConvKernel x = row.record(), y = column.record();
+    EXPECT_EQ(orvConvolveSep2D(&source.header, &destination.header, &x, &y), ORV_STATUS_OK);
+    EXPECT_EQ(destination.get(1, 1, 0).integer(), 2); // 24 / 16; 0, 2 and 0 would make 1
+}
+
 // Windows of which no copy of a source with its margins could be had: refused as memory that is exhausted, before a
-// coefficient is read.
-TEST(Convolution, OfWindowsBeyondAllMemory)
+// coefficient is read. One is all that they have.
+template <class Value> Window<Value> large(std::int32_t columns, std::int32_t rows, std::int32_t anchorY)
+{
+    return {columns, rows, columns / 2, anchorY, 0, {Value(0)}};
+}
+
+class LargeWindows : public testing::Test {
+protected:
+    template <class Run> void expectStarved(const Form &form, const Report &report, Run run)
+    {
+        TestImage image(form, random), other(form, random);
+        for (TestImage *destination : {&image, &other}) {
+            MemoryWatch watch;
+            reports.clear();
+            EXPECT_EQ(run(&image.header, &destination->header), ORV_STATUS_NO_MEMORY);
+            EXPECT_EQ(reports.all(), std::vector<Report>{report});
+            EXPECT_EQ(watch.live(), 0u);
+        }
+    }
+    template <class Value> void expectStarved(const Form &form, std::vector<Window<Value>> windows)
+    {
+        const char *function = std::is_same_v<Value, float> ? "orvConvolve2DFP" : "orvConvolve2D";
+        expectStarved(form, {ORV_STATUS_NO_MEMORY, function, "Allocation failure", "orvcnv2d"},
+                      [&](OrvImage *source, OrvImage *destination) {
+                          return convolve(source, destination, windows, ORV_COMBINE_SUM);
+                      });
+    }
+
+    Random random{7};
+    Reports reports;
+};
+
+TEST_F(LargeWindows, BeyondAllMemory)
 {
     const struct {
         std::int32_t columns, rows;
     } sizes[] = {{50000, 50000}, {1 << 16, 1 << 16}, {1 << 30, 1}, {1, 1 << 30}, {mostInt, 2}, {mostInt, mostInt}};
-    std::int32_t noCoefficients = 0;
-    float noFloats = 0;
-    Random random(7);
-    Reports reports;
-    MemoryWatch watch;
-    TestImage image({.width = 20, .height = 20}, random), other({.width = 20, .height = 20}, random);
-    TestImage floats({.depth = ORV_DEPTH_32F}, random), otherFloats({.depth = ORV_DEPTH_32F}, random);
-    const auto expectStarved = [&](OrvStatus status, const char *function, const char *context, const char *unit) {
-        EXPECT_EQ(status, ORV_STATUS_NO_MEMORY);
-        EXPECT_EQ(reports.all(), (std::vector<Report>{{ORV_STATUS_NO_MEMORY, function, context, unit}}));
-        EXPECT_EQ(watch.live(), 0u);
-        reports.clear();
-    };
-    for (const auto &size : sizes) {
-        SCOPED_TRACE(testing::PrintToString(size.columns) + " x " + testing::PrintToString(size.rows));
-        OrvConvKernel kernel = {size.columns, size.rows, size.columns / 2, size.rows / 2, &noCoefficients, 0};
-        OrvConvKernelFP kernelFP = {size.columns, size.rows, size.columns / 2, size.rows / 2, &noFloats};
-        OrvConvKernel *const kernels[] = {&kernel, &kernel};
-        OrvConvKernelFP *const kernelsFP[] = {&kernelFP};
-        for (const int count : {1, 2})
-            expectStarved(orvConvolve2D(&image.header, &other.header, kernels, count, 0), "orvConvolve2D",
-                          "Allocation failure", "orvcnv2d");
-        expectStarved(orvConvolve2DFP(&floats.header, &otherFloats.header, kernelsFP, 1, 0), "orvConvolve2DFP",
-                      "Allocation failure", "orvcnv2d");
-        if (size.columns != 1 && size.rows != 1)
+    for (const auto &[columns, rows] : sizes) {
+        SCOPED_TRACE(testing::PrintToString(columns) + " x " + testing::PrintToString(rows));
+        Ints window = large<std::int32_t>(columns, rows, rows / 2);
+        expectStarved<std::int32_t>({}, {window});
+        expectStarved<std::int32_t>({}, {window, window});
+        expectStarved<float>({.depth = ORV_DEPTH_32F}, {large<float>(columns, rows, rows / 2)});
+        if (columns != 1 && rows != 1)
             continue;
-        const bool row = size.rows == 1;
-        expectStarved(orvConvolveSep2D(&image.header, &other.header, row ? &kernel : nullptr, row ? nullptr : &kernel),
-                      "orvConvolveSep2D", "Not enough memory", "orvCSep2");
-        expectStarved(orvConvolveSep2DFP(&floats.header, &otherFloats.header, row ? &kernelFP : nullptr,
-                                         row ? nullptr : &kernelFP),
-                      "orvConvolveSep2DFP", "Not enough memory", "orvCSep2");
+        const OrvConvKernel vector = window.record();
+        TestImage image({}, random), other({}, random);
+        reports.clear();
+        EXPECT_EQ(orvConvolveSep2D(&image.header, &other.header, rows == 1 ? &vector : nullptr,
+                                   rows == 1 ? nullptr : &vector),
+                  ORV_STATUS_NO_MEMORY);
+        EXPECT_EQ(reports.all(), (std::vector<Report>{{-4, "orvConvolveSep2D", "Not enough memory", "orvCSep2"}}));
     }
 }
 
-// Several windows together: what one product too many would make of their sizes.
-TEST(Convolution, OfSizesThatTogetherPassAllNumbers)
+// Several windows together, whose sizes multiply to more than 64 bits.
+TEST_F(LargeWindows, TogetherBeyondAllNumbers)
 {
     const struct {
         std::int32_t columns, rows;
     } sizes[] = {{0x1f000000, 0x1fffffff}, {0x10000000, 0x70000000}, {0x40000000, 0x70000001}};
-    std::int32_t noCoefficients = 0;
-    Random random(9);
-    Reports reports;
     for (const auto &[columns, rows] : sizes)
         for (const std::int32_t channels : {1, 4})
             for (const std::int32_t order : {ORV_DATA_ORDER_PIXEL, ORV_DATA_ORDER_PLANE}) {
-                TestImage image({.depth = ORV_DEPTH_8S, .channels = channels, .order = order}, random);
-                TestImage other({.depth = ORV_DEPTH_8S, .channels = channels, .order = order}, random);
-                OrvConvKernel wide = {columns, 1, 0, 0, &noCoefficients, 0};
-                OrvConvKernel high = {1, rows, 0, rows - 1, &noCoefficients, 0}, low = high;
-                low.anchorY = 0;
-                OrvConvKernel *const kernels[] = {&wide, &high, &low};
-                for (const int count : {2, 3})
-                    for (TestImage *destination : {&image, &other})
-                        EXPECT_EQ(orvConvolve2D(&image.header, &destination->header, kernels, count, 0),
-                                  ORV_STATUS_NO_MEMORY);
+                const Form form = {.depth = ORV_DEPTH_8S, .channels = channels, .order = order};
+                const Ints wide = {columns, 1, columns - 1, 0, 0, {0}}, high = large<std::int32_t>(1, rows, 0);
+                const Ints low = large<std::int32_t>(1, rows, rows - 1);
+                expectStarved<std::int32_t>(form, {wide, high});
+                expectStarved<std::int32_t>(form, {wide, high, low});
             }
 }
 
@@ -211,15 +184,15 @@ TEST(Convolution, OfSizesThatTogetherPassAllNumbers)
 TEST(Convolution, WithoutCoefficientsWritesNothing)
 {
     std::int32_t one = 1;
+    OrvConvKernel good = {1, 1, 0, 0, &one, 0}, lost = {1, 1, 0, 0, nullptr, 0};
+    OrvConvKernelFP lostFloats = {1, 1, 0, 0, nullptr};
+    OrvConvKernel *const kernels[] = {&lost, &good, &lost};
+    OrvConvKernelFP *const kernelsFP[] = {&lostFloats};
     Random random(8);
     Reports reports;
     for (const std::int32_t depth : {ORV_DEPTH_8U, ORV_DEPTH_32S, ORV_DEPTH_32F}) {
         TestImage image({.depth = depth}, random);
         const Bytes before = *image.memory();
-        OrvConvKernel good = {1, 1, 0, 0, &one, 0}, lost = {1, 1, 0, 0, nullptr, 0};
-        OrvConvKernelFP lostFloats = {1, 1, 0, 0, nullptr};
-        OrvConvKernel *const kernels[] = {&lost, &good, &lost};
-        OrvConvKernelFP *const kernelsFP[] = {&lostFloats};
         if (depth == ORV_DEPTH_32F) {
             EXPECT_EQ(orvConvolve2DFP(&image.header, &image.header, kernelsFP, 1, 0), ORV_STATUS_OK);
         } else {
@@ -229,23 +202,6 @@ TEST(Convolution, WithoutCoefficientsWritesNothing)
         EXPECT_EQ(*image.memory(), before);
     }
     EXPECT_TRUE(reports.all().empty());
-}
-
-// Both vectors: the quarters of the columns, 0.5, 2.5 and 0.5, are not rounded before those of the row.
-TEST(SeparableConvolution, IsRoundedOnce)
-{
-    const std::int32_t values[] = {1, 2, 1};
-    const long long samples[] = {2, 10, 2, 0, 0, 0, 0, 0, 0};
-    Random random(6);
-    TestImage source({.width = 3, .height = 3}, random), destination({.width = 3, .height = 3}, random);
-    for (std::int32_t i = 0; i < 9; ++i)
-        source.set(i % 3, i / 3, 0, integerSample(ORV_DEPTH_8U, samples[i]));
-    OrvConvKernel *row = orvCreateConvKernel(3, 1, 1, 0, values, 2);
-    OrvConvKernel *column = orvCreateConvKernel(1, 3, 0, 1, values, 2);
-    EXPECT_EQ(orvConvolveSep2D(&source.header, &destination.header, row, column), ORV_STATUS_OK);
-    EXPECT_EQ(destination.get(1, 1, 0).integer(), 2); // 24 / 16; 0, 2 and 0 would make 1
-    orvDeleteConvKernel(row);
-    orvDeleteConvKernel(column);
 }
 
 } // namespace

@@ -89,18 +89,12 @@ inline FloatRange squareRoot(const FloatRange &value)
     return rounded(std::sqrt(std::max(value.low, 0.0)), high, high, 0, 2);
 }
 
-inline FloatRange larger(const FloatRange &a, const FloatRange &b)
+// The larger of two, or the smaller.
+template <class Choose> FloatRange chosen(const FloatRange &a, const FloatRange &b, Choose choose)
 {
     if (a.isAnything() || b.isAnything())
         return FloatRange::anything();
-    return {std::max(a.low, b.low), std::max(a.high, b.high), std::min(a.unit, b.unit)};
-}
-
-inline FloatRange smaller(const FloatRange &a, const FloatRange &b)
-{
-    if (a.isAnything() || b.isAnything())
-        return FloatRange::anything();
-    return {std::min(a.low, b.low), std::min(a.high, b.high), std::min(a.unit, b.unit)};
+    return {choose(a.low, b.low), choose(a.high, b.high), std::min(a.unit, b.unit)};
 }
 
 } // namespace front

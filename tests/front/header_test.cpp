@@ -1,21 +1,14 @@
 // The check of headers: every test in its order, the masks, and headers that make no sense at all.
-#include <cstdint>
 #include <deque>
-#include <limits>
-#include <string>
-#include <vector>
+#include <functional>
+
+#include "front/reports.h"
+#include "front/test_image.h"
 
 #include <gtest/gtest.h>
 
-#include "front/reports.h"
-
 namespace front {
 namespace {
-
-constexpr std::int32_t mostInt = std::numeric_limits<std::int32_t>::max();
-constexpr std::int32_t leastInt = std::numeric_limits<std::int32_t>::min();
-
-void provideNoTile() {}
 
 // A valid image with a rectangle, and a valid mask with one of its own.
 struct Subject {
@@ -52,86 +45,69 @@ struct Subject {
     Subject &operator=(const Subject &) = delete;
 };
 
-// One fault of the image. It concerns images with a raster, tiled ones, or both.
-struct Fault {
-    const char *what;
+enum Of { ofRaster = 1, ofTiled = 2, ofBoth = 3 }; // images that a fault concerns
+
+template <class Record> struct FieldFault {
     OrvStatus status;
-    enum { Raster = 1, Tiled = 2, Both = 3 } of;
-    void (*spoil)(Subject &subject);
+    std::int32_t Record::*field;
+    std::vector<std::int32_t> values;
 };
 
-// In the order of the tests.
-const Fault faults[] = {
-    {"raster and tiles", -12, Fault::Both,
-     [](Subject &s) {
-         s.image.tileInfo = &s.tile;
-         s.image.imageData = s.raster;
-     }},
-    {"neither raster nor tiles", -12, Fault::Both,
-     [](Subject &s) {
-         s.image.tileInfo = nullptr;
-         s.image.imageData = nullptr;
-     }},
-    {"size 0", -10, Fault::Raster, [](Subject &s) { s.image.imageSize = 0; }},
-    {"negative size", -10, Fault::Raster, [](Subject &s) { s.image.imageSize = leastInt; }},
-    {"step 0", -13, Fault::Raster, [](Subject &s) { s.image.widthStep = 0; }},
-    {"negative step", -13, Fault::Raster, [](Subject &s) { s.image.widthStep = -8; }},
-    {"height 0", -10, Fault::Both, [](Subject &s) { s.image.height = 0; }},
-    {"negative height", -10, Fault::Both, [](Subject &s) { s.image.height = leastInt; }},
-    {"width 0", -10, Fault::Both, [](Subject &s) { s.image.width = 0; }},
-    {"negative width", -10, Fault::Both, [](Subject &s) { s.image.width = -1; }},
-    {"no channels", -15, Fault::Both, [](Subject &s) { s.image.nChannels = 0; }},
-    {"negative channels", -15, Fault::Both, [](Subject &s) { s.image.nChannels = leastInt; }},
-    {"channels at 1U", -16, Fault::Both,
-     [](Subject &s) {
-         s.image.depth = ORV_DEPTH_1U;
-         s.image.nChannels = 3;
-     }},
-    {"depth 0", -17, Fault::Both, [](Subject &s) { s.image.depth = 0; }},
-    {"depth 7", -17, Fault::Both, [](Subject &s) { s.image.depth = 7; }},
-    {"depth 64", -17, Fault::Both, [](Subject &s) { s.image.depth = 64; }},
-    {"signed 1U", -17, Fault::Both, [](Subject &s) { s.image.depth = leastInt + 1; }},
-    {"sign alone", -17, Fault::Both, [](Subject &s) { s.image.depth = leastInt; }},
-    {"depth -1", -17, Fault::Both, [](Subject &s) { s.image.depth = -1; }},
-    {"alpha first", -18, Fault::Both, [](Subject &s) { s.image.alphaChannel = 1; }},
-    {"alpha above", -18, Fault::Both, [](Subject &s) { s.image.alphaChannel = s.image.nChannels + 1; }},
-    {"alpha negative", -18, Fault::Both, [](Subject &s) { s.image.alphaChannel = -1; }},
-    {"order 2", -19, Fault::Both, [](Subject &s) { s.image.dataOrder = 2; }},
-    {"order -1", -19, Fault::Both, [](Subject &s) { s.image.dataOrder = -1; }},
-    {"origin 2", -20, Fault::Both, [](Subject &s) { s.image.origin = 2; }},
-    {"origin -1", -20, Fault::Both, [](Subject &s) { s.image.origin = -1; }},
-    {"align 0", -21, Fault::Both, [](Subject &s) { s.image.align = 0; }},
-    {"align 2", -21, Fault::Both, [](Subject &s) { s.image.align = 2; }},
-    {"align 12", -21, Fault::Both, [](Subject &s) { s.image.align = 12; }},
-    {"align 64", -21, Fault::Both, [](Subject &s) { s.image.align = 64; }},
-    {"align -4", -21, Fault::Both, [](Subject &s) { s.image.align = -4; }},
-    {"mask of 8U", -117, Fault::Both, [](Subject &s) { s.mask.depth = ORV_DEPTH_8U; }},
-    {"mask with tiles", -26, Fault::Both, [](Subject &s) { s.mask.tileInfo = &s.tile; }},
-    {"mask without raster", -112, Fault::Both, [](Subject &s) { s.mask.imageData = nullptr; }},
-    {"size of mask", -110, Fault::Both, [](Subject &s) { s.mask.imageSize = -1; }},
-    {"step of mask", -113, Fault::Both, [](Subject &s) { s.mask.widthStep = 0; }},
-    {"width of mask", -110, Fault::Both, [](Subject &s) { s.mask.width = 0; }},
-    {"no channels of mask", -115, Fault::Both, [](Subject &s) { s.mask.nChannels = 0; }},
-    {"channels of mask", -116, Fault::Both, [](Subject &s) { s.mask.nChannels = 3; }},
-    {"alpha of mask", -118, Fault::Both, [](Subject &s) { s.mask.alphaChannel = 3; }},
-    {"order of mask", -119, Fault::Both, [](Subject &s) { s.mask.dataOrder = 5; }},
-    {"origin of mask", -120, Fault::Both, [](Subject &s) { s.mask.origin = 5; }},
-    {"align of mask", -121, Fault::Both, [](Subject &s) { s.mask.align = 5; }},
-    {"coi of mask", -124, Fault::Both, [](Subject &s) { s.maskRectangle.coi = s.mask.nChannels + 1; }},
-    {"rectangle of mask", -125, Fault::Both, [](Subject &s) { s.maskRectangle.width = 0; }},
-    {"offset of mask", -111, Fault::Both, [](Subject &s) { s.maskRectangle.yOffset = -1; }},
-    {"no tile callback", -22, Fault::Tiled, [](Subject &s) { s.tile.callback = nullptr; }},
-    {"tile width 0", -23, Fault::Tiled, [](Subject &s) { s.tile.width = 0; }},
-    {"tile width 12", -23, Fault::Tiled, [](Subject &s) { s.tile.width = 12; }},
-    {"tile height -8", -23, Fault::Tiled, [](Subject &s) { s.tile.height = -8; }},
-    {"tile height 4", -23, Fault::Tiled, [](Subject &s) { s.tile.height = 4; }},
-    {"coi -1", -24, Fault::Both, [](Subject &s) { s.rectangle.coi = -1; }},
-    {"coi above", -24, Fault::Both, [](Subject &s) { s.rectangle.coi = s.image.nChannels + 1; }},
-    {"rectangle height 0", -25, Fault::Both, [](Subject &s) { s.rectangle.height = 0; }},
-    {"rectangle width", -25, Fault::Both, [](Subject &s) { s.rectangle.width = leastInt; }},
-    {"offset x", -11, Fault::Both, [](Subject &s) { s.rectangle.xOffset = -1; }},
-    {"offset y", -11, Fault::Both, [](Subject &s) { s.rectangle.yOffset = leastInt; }},
+template <class Record> using FieldFaults = std::vector<FieldFault<Record>>;
+
+struct Fault {
+    OrvStatus status;
+    std::function<void(Subject &)> spoil;
+    Of of = ofBoth;
 };
+
+// All of them, in the order of the tests.
+std::vector<Fault> makeFaults()
+{
+    std::vector<Fault> all;
+    const auto add = [&](auto record, const auto &faults, Of of = ofBoth) {
+        for (const auto &fault : faults)
+            for (const std::int32_t value : fault.values)
+                all.push_back({fault.status, [=, field = fault.field](Subject &s) { (s.*record).*field = value; }, of});
+    };
+    all.push_back({-12, [](Subject &s) { s.image.tileInfo = &s.tile, s.image.imageData = s.raster; }});
+    all.push_back({-12, [](Subject &s) { s.image.tileInfo = nullptr, s.image.imageData = nullptr; }});
+    using Image = OrvImage;
+    add(&Subject::image, FieldFaults<Image>{{-10, &Image::imageSize, {0, leastInt}}, {-13, &Image::widthStep, {0, -8}}},
+        ofRaster);
+    add(&Subject::image, FieldFaults<Image>{{-10, &Image::height, {0, leastInt}},
+                                            {-10, &Image::width, {0, -1}},
+                                            {-15, &Image::nChannels, {0, leastInt}},
+                                            {-16, &Image::depth, {ORV_DEPTH_1U}},
+                                            {-17, &Image::depth, {0, 7, 64, leastInt + 1, leastInt, -1}},
+                                            {-18, &Image::alphaChannel, {1, 4, -1}},
+                                            {-19, &Image::dataOrder, {2, -1}},
+                                            {-20, &Image::origin, {2, -1}},
+                                            {-21, &Image::align, {0, 2, 12, 64, -4}}});
+    all.push_back({-117, [](Subject &s) { s.mask.depth = ORV_DEPTH_8U; }});
+    all.push_back({-26, [](Subject &s) { s.mask.tileInfo = &s.tile; }});
+    all.push_back({-112, [](Subject &s) { s.mask.imageData = nullptr; }});
+    add(&Subject::mask, FieldFaults<Image>{{-110, &Image::imageSize, {-1}},
+                                           {-113, &Image::widthStep, {0}},
+                                           {-110, &Image::width, {0}},
+                                           {-115, &Image::nChannels, {0}},
+                                           {-116, &Image::nChannels, {3}},
+                                           {-118, &Image::alphaChannel, {3}},
+                                           {-119, &Image::dataOrder, {5}},
+                                           {-120, &Image::origin, {5}},
+                                           {-121, &Image::align, {5}}});
+    add(&Subject::maskRectangle,
+        FieldFaults<OrvROI>{{-124, &OrvROI::coi, {4}}, {-125, &OrvROI::width, {0}}, {-111, &OrvROI::yOffset, {-1}}});
+    all.push_back({-22, [](Subject &s) { s.tile.callback = nullptr; }, ofTiled});
+    add(&Subject::tile,
+        FieldFaults<OrvTileInfo>{{-23, &OrvTileInfo::width, {0, 12}}, {-23, &OrvTileInfo::height, {-8, 4}}}, ofTiled);
+    add(&Subject::rectangle, FieldFaults<OrvROI>{{-24, &OrvROI::coi, {-1, 4}},
+                                                 {-25, &OrvROI::height, {0}},
+                                                 {-25, &OrvROI::width, {leastInt}},
+                                                 {-11, &OrvROI::xOffset, {-1}},
+                                                 {-11, &OrvROI::yOffset, {leastInt}}});
+    return all;
+}
 
 class HeaderCheck : public testing::Test {
 protected:
@@ -148,81 +124,59 @@ protected:
     Reports reports;
 };
 
-TEST_F(HeaderCheck, FindsEachFault)
+// Of two faults in one header the earlier test finds its own.
+TEST_F(HeaderCheck, FindsTheEarlierFault)
 {
     expectStatus(ORV_STATUS_NULL_HEADER, nullptr);
-    for (const Fault &fault : faults)
-        for (const bool tiled : {false, true}) {
-            if ((fault.of & (tiled ? Fault::Tiled : Fault::Raster)) == 0)
-                continue;
-            SCOPED_TRACE(fault.what);
-            Subject subject(tiled);
-            fault.spoil(subject);
-            expectStatus(fault.status, &subject.image);
-        }
-}
-
-TEST_F(HeaderCheck, FindsTheEarlierOfTwoFaults)
-{
-    for (const Fault &earlier : faults)
-        for (const Fault *later = &earlier + 1; later != std::end(faults); ++later)
+    const std::vector<Fault> faults = makeFaults();
+    for (std::size_t earlier = 0; earlier < faults.size(); ++earlier)
+        for (std::size_t later = earlier; later < faults.size(); ++later)
             for (const bool tiled : {false, true}) {
-                if ((earlier.of & later->of & (tiled ? Fault::Tiled : Fault::Raster)) == 0)
+                if ((faults[earlier].of & faults[later].of & (tiled ? ofTiled : ofRaster)) == 0)
                     continue;
-                SCOPED_TRACE(std::string(earlier.what) + " before " + later->what);
+                SCOPED_TRACE("faults " + std::to_string(earlier) + " and " + std::to_string(later));
                 Subject subject(tiled);
-                later->spoil(subject);
-                earlier.spoil(subject);
-                expectStatus(earlier.status, &subject.image);
+                faults[later].spoil(subject);
+                faults[earlier].spoil(subject);
+                expectStatus(faults[earlier].status, &subject.image);
             }
 }
 
 TEST_F(HeaderCheck, PassesWhatIsUnusualOnly)
 {
-    const struct {
-        const char *what;
-        void (*change)(Subject &subject);
-    } rows[] = {
-        {"nothing", [](Subject &) {}},
-        {"no rectangle", [](Subject &s) { s.image.roi = nullptr; }},
-        {"no mask", [](Subject &s) { s.image.maskROI = nullptr; }},
-        {"tiled", [](Subject &s) { s.image.tileInfo = &s.tile, s.image.imageData = nullptr; }},
-        {"tiled without sizes",
-         [](Subject &s) {
-             s.image.tileInfo = &s.tile;
-             s.image.imageData = nullptr;
-             s.image.imageSize = s.image.widthStep = 0;
-         }},
-        {"two channels", [](Subject &s) { s.image.nChannels = 2, s.rectangle.coi = 2; }},
-        {"seven channels", [](Subject &s) { s.image.nChannels = 7; }},
-        {"alpha of three", [](Subject &s) { s.image.alphaChannel = 3; }},
-        {"rectangle beyond",
-         [](Subject &s) {
-             s.rectangle = {0, mostInt, mostInt, mostInt, mostInt};
-         }},
-        {"step that fits no row", [](Subject &s) { s.image.widthStep = 1; }},
-        {"wrong record size", [](Subject &s) { s.image.nSize = -7, s.image.ID = 9; }},
-        {"absurd size", [](Subject &s) { s.image.width = s.image.height = s.image.nChannels = mostInt; }},
-        {"absurd raster", [](Subject &s) { s.image.widthStep = s.image.imageSize = mostInt; }},
-        {"border", [](Subject &s) { s.image.BorderMode[0] = -1, s.image.BorderConst[3] = leastInt; }},
+    void (*const changes[])(Subject &) = {
+        [](Subject &) {},
+        [](Subject &s) { s.image.roi = nullptr; },
+        [](Subject &s) { s.image.maskROI = nullptr; },
+        [](Subject &s) { s.image.tileInfo = &s.tile, s.image.imageData = nullptr; },
+        [](Subject &s) { s.image.nChannels = 2, s.rectangle.coi = 2; },
+        [](Subject &s) { s.image.nChannels = 7; },
+        [](Subject &s) { s.image.alphaChannel = 3; },
+        [](Subject &s) {
+            s.rectangle = {0, mostInt, mostInt, mostInt, mostInt};
+        },
+        [](Subject &s) { s.image.widthStep = 1; },
+        [](Subject &s) { s.image.nSize = -7, s.image.ID = 9; },
+        [](Subject &s) { s.image.width = s.image.height = s.image.nChannels = mostInt; },
+        [](Subject &s) { s.image.widthStep = s.image.imageSize = mostInt; },
+        [](Subject &s) { s.image.BorderMode[0] = -1, s.image.BorderConst[3] = leastInt; },
     };
-    for (const auto &row : rows) {
-        SCOPED_TRACE(row.what);
+    for (const auto &change : changes) {
+        SCOPED_TRACE(&change - changes);
         Subject subject;
-        row.change(subject);
+        change(subject);
         expectStatus(ORV_STATUS_OK, &subject.image);
     }
-    for (const std::int32_t depth : {1, 8, 16, 32, leastInt + 8, leastInt + 16, leastInt + 32}) {
-        Subject subject;
-        subject.image.depth = depth;
-        subject.image.nChannels = subject.rectangle.coi = 1;
-        expectStatus(ORV_STATUS_OK, &subject.image);
-    }
-    for (const std::int32_t align : {4, 8, 16, 32}) {
-        Subject subject;
-        subject.image.align = align;
-        expectStatus(ORV_STATUS_OK, &subject.image);
-    }
+    const Subject tiled(true);
+    expectStatus(ORV_STATUS_OK, &tiled.image);
+    for (const std::int32_t depth : allDepths)
+        for (const std::int32_t align : {4, 8, 16, 32}) {
+            Subject subject;
+            subject.image.depth = depth;
+            subject.image.nChannels = subject.rectangle.coi = 1;
+            subject.image.align = align;
+            expectStatus(ORV_STATUS_OK, &subject.image);
+        }
 }
 
 // Headers of masks in a row, each the mask of the one before.

@@ -2,9 +2,12 @@
 #pragma once
 
 #include <cstddef>
-#include <functional>
+#include <cstdint>
+#include <cstdlib>
 #include <map>
 #include <vector>
+
+#include <gtest/gtest.h>
 
 #include "memory.h"
 
@@ -12,8 +15,23 @@ namespace front {
 
 class MemoryWatch {
 public:
-    MemoryWatch();
-    ~MemoryWatch();
+    MemoryWatch() : previous_(orv::memoryFunctions)
+    {
+        EXPECT_EQ(current, nullptr) << "one watch at a time";
+        current = this;
+        orv::memoryFunctions = {[](std::size_t bytes) { return current->allocate(current->blocks_, bytes); },
+                                [](void *block) { current->release(current->blocks_, block); },
+                                [](std::size_t bytes) { return current->allocate(current->rasters_, bytes); },
+                                [](void *raster) { current->release(current->rasters_, raster); }};
+    }
+    ~MemoryWatch()
+    {
+        orv::memoryFunctions = previous_;
+        current = nullptr;
+        for (Pieces *pieces : {&blocks_, &rasters_})
+            for (const auto &[piece, raw] : *pieces)
+                std::free(raw);
+    }
     MemoryWatch(const MemoryWatch &) = delete;
     MemoryWatch &operator=(const MemoryWatch &) = delete;
 
@@ -22,10 +40,10 @@ public:
     std::size_t live() const { return liveBlocks() + liveRasters(); }
     int allocations() const { return static_cast<int>(requests_.size()); }
     const std::vector<std::size_t> &requests() const { return requests_; } // bytes of each, failed ones too
+    std::uint8_t *last() const { return last_; }                           // what the last allocation gave
 
     // Lets the allocation of this number fail, counted from 0 and from now on.
-    void failAt(int allocation);
-    // Lets all allocations fail.
+    void failAt(int allocation) { failing_ = allocations() + allocation; }
     void failAll() { exhausted_ = true; }
     // Counts allocations anew.
     void forget() { requests_.clear(), failing_ = -1; }
@@ -35,18 +53,36 @@ public:
 private:
     using Pieces = std::map<void *, void *>; // what the library got, and the runtime's own pointer
 
-    static void *allocateBlock(std::size_t bytes);
-    static void releaseBlock(void *block);
-    static void *allocateRaster(std::size_t bytes);
-    static void releaseRaster(void *raster);
-    void *allocate(Pieces &pieces, std::size_t bytes);
-    void release(Pieces &pieces, void *piece);
+    void *allocate(Pieces &pieces, std::size_t bytes)
+    {
+        const bool fails = exhausted_ || allocations() == failing_;
+        requests_.push_back(bytes);
+        constexpr std::size_t most = std::size_t{1} << 28; // what no test needs is not asked of the machine
+        if (fails || bytes > most)
+            return nullptr;
+        const std::size_t room = misalignment_ == 0 ? 0 : 128;
+        std::uint8_t *const raw = static_cast<std::uint8_t *>(std::malloc(bytes + room));
+        last_ = room == 0 ? raw : raw + 64 - reinterpret_cast<std::uintptr_t>(raw) % 64 + misalignment_;
+        pieces[last_] = raw;
+        return last_;
+    }
+    void release(Pieces &pieces, void *piece)
+    {
+        const auto found = pieces.find(piece);
+        if (found == pieces.end()) {
+            ADD_FAILURE() << "released what was not allocated so: " << piece;
+            return;
+        }
+        std::free(found->second);
+        pieces.erase(found);
+    }
 
-    static MemoryWatch *current;
+    inline static MemoryWatch *current = nullptr;
 
     orv::MemoryFunctions previous_;
     Pieces blocks_, rasters_;
     std::vector<std::size_t> requests_;
+    std::uint8_t *last_ = nullptr;
     int failing_ = -1;
     bool exhausted_ = false;
     std::size_t misalignment_ = 0;

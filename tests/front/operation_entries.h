@@ -2,7 +2,7 @@
 #pragma once
 
 #include <initializer_list>
-#include <limits>
+#include <type_traits>
 #include <utility>
 
 #include "front/operations.h"
@@ -10,16 +10,74 @@
 namespace front {
 
 // The parts of the list, each in a file of its own.
+std::vector<Operation> copies();
 std::vector<Operation> imageArithmetic();
 std::vector<Operation> scalarArithmetic();
 std::vector<Operation> logicAndShifts();
-std::vector<Operation> geometry();
+std::vector<Operation> convolutions();
 
-using Call = decltype(Operation::call);
-using Expected = decltype(Operation::expected);
+// The arguments of an operation pixel by pixel, beside its images.
+struct Constant {
+    std::int32_t integer = 0;
+    float real = 0;
+    std::int32_t flip = 0;
+};
 
-inline constexpr std::int32_t mostInt = std::numeric_limits<std::int32_t>::max();
-inline constexpr std::int32_t leastInt = std::numeric_limits<std::int32_t>::min();
+// An exported function of any signature, called with headers and a constant.
+struct PointCall {
+    using Int = std::int32_t;
+
+    PointCall(OrvStatus (*f)(OrvImage *, Int)) : run([f](auto i, auto &c) { return f(i[0], c.integer); }) {}
+    PointCall(OrvStatus (*f)(OrvImage *, float)) : run([f](auto i, auto &c) { return f(i[0], c.real); }) {}
+    PointCall(OrvStatus (*f)(const OrvImage *, OrvImage *)) : run([f](auto i, auto &) { return f(i[0], i[1]); }) {}
+    PointCall(OrvStatus (*f)(const OrvImage *, OrvImage *, Int))
+        : run([f](auto i, auto &c) { return f(i[0], i[1], c.integer); })
+    {
+    }
+    PointCall(OrvStatus (*f)(const OrvImage *, OrvImage *, unsigned))
+        : run([f](auto i, auto &c) { return f(i[0], i[1], static_cast<unsigned>(c.integer)); })
+    {
+    }
+    PointCall(OrvStatus (*f)(const OrvImage *, OrvImage *, float))
+        : run([f](auto i, auto &c) { return f(i[0], i[1], c.real); })
+    {
+    }
+    PointCall(OrvStatus (*f)(const OrvImage *, OrvImage *, Int, Int))
+        : run([f](auto i, auto &c) { return f(i[0], i[1], c.integer, c.flip); })
+    {
+    }
+    PointCall(OrvStatus (*f)(const OrvImage *, OrvImage *, float, Int))
+        : run([f](auto i, auto &c) { return f(i[0], i[1], c.real, c.flip); })
+    {
+    }
+    PointCall(OrvStatus (*f)(const OrvImage *, const OrvImage *, OrvImage *))
+        : run([f](auto i, auto &) { return f(i[0], i[1], i[2]); })
+    {
+    }
+
+    std::function<OrvStatus(Images, const Constant &)> run;
+};
+
+// A sample of the result from those of the sources.
+using Formula = std::function<Sample(std::int32_t depth, const Sample *sources, const Constant &constant)>;
+
+// Draws one of the constants.
+decltype(Operation::draw) pixelByPixel(PointCall call, Formula formula, std::vector<Constant> constants = {{}});
+
+// Constants of these values, integers or reals.
+template <class Value> std::vector<Constant> constants(std::initializer_list<Value> values, std::int32_t flip = 0)
+{
+    std::vector<Constant> all;
+    for (const Value value : values)
+        all.push_back(
+            {static_cast<std::int32_t>(std::is_same_v<Value, float> ? 0 : value), static_cast<float>(value), flip});
+    return all;
+}
+
+inline float single(Sample sample)
+{
+    return static_cast<float>(sample.real());
+}
 
 inline Refusal header(int image)
 {
@@ -63,79 +121,16 @@ inline Refusal byWorker(Refusal refusal)
     return refusal;
 }
 
-inline std::vector<Refusal> joined(std::initializer_list<std::vector<Refusal>> lists)
-{
-    std::vector<Refusal> all;
-    for (const std::vector<Refusal> &list : lists)
-        all.insert(all.end(), list.begin(), list.end());
-    return all;
-}
+using Refusals = std::vector<Refusal>;
 
-// Two sources or one, and the destination.
-inline std::vector<Refusal> headersOfThree()
-{
-    return {null(0), header(0), null(1), header(1), null(2), header(2)};
-}
-
-inline std::vector<Refusal> headersOfTwo()
-{
-    return {null(0), header(0), null(1), header(1)};
-}
-
-inline std::vector<Refusal> comparisonsOfThree()
-{
-    return {differs(Fault::OtherDepth, 0, "(srcImageA->depth != dstImage->depth)"),
-            differs(Fault::OtherDepth, 1, "(srcImageB->depth != dstImage->depth)"),
-            differs(Fault::Order, 0, "(srcImageA->dataOrder != dstImage->dataOrder)"),
-            differs(Fault::Order, 1, "(srcImageB->dataOrder != dstImage->dataOrder)"),
-            otherChannels(0),
-            otherChannels(1),
-            tiled(0),
-            tiled(1),
-            tiled(2)};
-}
-
-inline std::vector<Refusal> comparisonsOfTwo()
-{
-    return {differs(Fault::OtherDepth, 1, "(srcImage->depth != dstImage->depth)"),
-            differs(Fault::Order, 1, "(srcImage->dataOrder != dstImage->dataOrder)"), otherChannels(1), tiled(0),
-            tiled(1)};
-}
-
+// Depths that an image may not have, each by itself.
+Refusals wrongDepths(int image, std::initializer_list<std::int32_t> values, const char *context);
+Refusals joined(std::initializer_list<Refusals> lists);
+// One source or two, and the destination.
+Refusals headersOf(int images);
+Refusals comparisonsOfTwo();
+Refusals comparisonsOfThree();
 // For the functions whose two images are named shortly, and which compare alpha channels.
-inline std::vector<Refusal> comparisonsWithAlpha()
-{
-    return {differs(Fault::OtherDepth, 1, "(src->depth != dst->depth)"),
-            differs(Fault::Order, 1, "(src->dataOrder != dst->dataOrder)"),
-            differs(Fault::Alpha, 1, "(src->alphaChannel != dst->alphaChannel)"),
-            otherChannels(1),
-            tiled(0),
-            tiled(1)};
-}
-
-inline std::vector<Constant> integers(std::initializer_list<std::int32_t> values, std::int32_t flip = 0)
-{
-    std::vector<Constant> constants;
-    for (const std::int32_t value : values)
-        constants.push_back({value, 0, flip});
-    return constants;
-}
-
-inline std::vector<Constant> reals(std::initializer_list<float> values, std::int32_t flip = 0)
-{
-    std::vector<Constant> constants;
-    for (const float value : values)
-        constants.push_back({0, value, flip});
-    return constants;
-}
-
-// The same operation at the depths whose loops walk rows in whole samples.
-inline Operation inWholeSamples(Operation operation, std::vector<std::int32_t> depths)
-{
-    operation.name += "InWholeSamples";
-    operation.depths = std::move(depths);
-    operation.stepsOfWholeSamples = true;
-    return operation;
-}
+Refusals comparisonsWithAlpha();
 
 } // namespace front

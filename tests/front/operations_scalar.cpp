@@ -1,4 +1,6 @@
 // Entries of arithmetic between an image and a constant.
+#include <limits>
+
 #include "front/operation_entries.h"
 
 namespace front {
@@ -14,21 +16,11 @@ constexpr auto integerValues = {
     -65536,  65537,  -65537,  70000,      98303,       98304,   -98304,       -98305,  131070, 131071, -131070,
     -131071, 200000, 1 << 20, -(1 << 20), mostInt - 1, mostInt, leastInt + 1, leastInt};
 
-constexpr auto realValues = {1.5f,
-                             0.0f,
-                             -0.0f,
-                             1.0f,
-                             -1.0f,
-                             0.3f,
-                             -2.5f,
-                             1e-42f,
-                             1e-20f,
-                             16777217.0f,
-                             -3.4e38f,
-                             3.4e38f,
-                             std::numeric_limits<float>::infinity(),
-                             -std::numeric_limits<float>::infinity(),
-                             std::numeric_limits<float>::quiet_NaN()};
+constexpr float infinity = std::numeric_limits<float>::infinity(), notANumber = std::numeric_limits<float>::quiet_NaN();
+constexpr auto realValues = {1.5f,   0.0f,        -0.0f,    1.0f,    -1.0f,    0.3f,      -2.5f,     1e-42f,
+                             1e-20f, 16777217.0f, -3.4e38f, 3.4e38f, infinity, -infinity, notANumber};
+
+constexpr auto integerDepths = {ORV_DEPTH_1U, ORV_DEPTH_8U, ORV_DEPTH_8S, ORV_DEPTH_16U, ORV_DEPTH_16S, ORV_DEPTH_32S};
 
 // The low 16 bits, read as signed.
 long long lowWord(long long value)
@@ -44,207 +36,132 @@ long long restOf(long long value)
     return value < 0 ? lowWord(rest) : -lowWord(-rest);
 }
 
-Sample addedInteger(std::int32_t sampleDepth, const Sample *sources, const Constant &constant)
+Sample addedInteger(std::int32_t depth, const Sample *sources, const Constant &constant)
 {
     const long long source = sources[0].integer(), value = constant.integer;
-    if (sampleDepth != word)
-        return integerSample(sampleDepth, saturated(sampleDepth, source + value));
+    if (depth != word)
+        return integerSample(depth, saturated(depth, source + value));
     const long long first = saturated(word, source + saturated(word, value));
     return integerSample(word, saturated(word, first + restOf(value)));
 }
 
-Sample subtractedInteger(std::int32_t sampleDepth, const Sample *sources, const Constant &constant)
+Sample subtractedInteger(std::int32_t depth, const Sample *sources, const Constant &constant)
 {
     const long long source = sources[0].integer(), value = constant.integer;
-    if (constant.flip == 0 && sampleDepth == word) {
+    if (constant.flip == 0 && depth == word) {
         const long long first = saturated(word, source - saturated(word, value));
         return integerSample(word, saturated(word, first - restOf(value)));
     }
     if (constant.flip == 0)
-        return integerSample(sampleDepth, saturated(sampleDepth, source - value));
-    if (sampleDepth != word)
-        return integerSample(sampleDepth, saturated(sampleDepth, value - source));
+        return integerSample(depth, saturated(depth, source - value));
+    if (depth != word)
+        return integerSample(depth, saturated(depth, value - source));
     const Sample negative = integerSample(word, saturated(word, -source));
     return addedInteger(word, &negative, constant);
 }
 
-Sample multipliedInteger(std::int32_t sampleDepth, const Sample *sources, const Constant &constant)
+Sample multipliedInteger(std::int32_t depth, const Sample *sources, const Constant &constant)
 {
-    const long long value = saturated(sampleDepth, constant.integer);
-    return integerSample(sampleDepth, saturated(sampleDepth, sources[0].integer() * value));
+    const long long value = saturated(depth, constant.integer);
+    return integerSample(depth, saturated(depth, sources[0].integer() * value));
 }
 
 Sample addedReal(std::int32_t, const Sample *sources, const Constant &constant)
 {
-    const volatile float result = static_cast<float>(sources[0].real()) + constant.real;
+    const volatile float result = single(sources[0]) + constant.real;
     return realSample(result);
 }
 
 Sample subtractedReal(std::int32_t, const Sample *sources, const Constant &constant)
 {
-    const float source = static_cast<float>(sources[0].real());
+    const float source = single(sources[0]);
     const volatile float result = constant.flip != 0 ? constant.real - source : source - constant.real;
     return realSample(result);
 }
 
 Sample multipliedReal(std::int32_t, const Sample *sources, const Constant &constant)
 {
-    const volatile float result = static_cast<float>(sources[0].real()) * constant.real;
+    const volatile float result = single(sources[0]) * constant.real;
     return realSample(result);
 }
 
-// Depths that the source of a float function may not have.
-std::vector<Refusal> partnersDepths(const char *context)
+Operation ofIntegers(Reporter reporter, std::vector<std::int32_t> depths, PointCall call, Formula formula,
+                     Refusals refusals)
 {
-    std::vector<Refusal> refusals;
-    for (const std::int32_t value :
-         {ORV_DEPTH_1U, ORV_DEPTH_8U, ORV_DEPTH_8S, ORV_DEPTH_16U, ORV_DEPTH_16S, ORV_DEPTH_32S})
-        refusals.push_back(depth(0, value, ORV_STATUS_BAD_ARGUMENT, context));
-    return refusals;
-}
-
-Operation sumOrDifference(const char *name, Reporter reporter, Call call, Expected expected, const char *partner)
-{
-    Operation operation = {
-        .name = name,
-        .reporter = reporter,
-        .sources = 1,
-        .depths = {ORV_DEPTH_8U, ORV_DEPTH_8S, ORV_DEPTH_16S},
-        .call = call,
-        .expected = expected,
-        .refusals =
-            joined({headersOfTwo(),
-                    comparisonsOfTwo(),
-                    {unserved(ORV_DEPTH_1U), depth(allImages, ORV_DEPTH_32F, ORV_STATUS_BAD_ARGUMENT, partner)}}),
-        .constants = integers(integerValues),
-    };
+    Operation operation = {reporter, 1, depths, pixelByPixel(call, formula, constants(integerValues)),
+                           joined({headersOf(2), refusals})};
+    operation.wholeSamples = {ORV_DEPTH_16U, ORV_DEPTH_32S};
     operation.orderFreeAtDepth1U = true;
     return operation;
 }
 
-Operation floatSumOrDifference(const char *name, Reporter reporter, Call call, Expected expected, const char *partner)
+Operation sumOrDifference(Reporter reporter, PointCall call, Formula formula, const char *partner)
 {
-    Operation operation = {
-        .name = name,
-        .reporter = reporter,
-        .sources = 1,
-        .depths = {ORV_DEPTH_32F},
-        .call = call,
-        .expected = expected,
-        .refusals = joined({headersOfTwo(), partnersDepths(partner), comparisonsOfTwo()}),
-        .constants = reals(realValues),
-    };
+    return ofIntegers(
+        reporter, {ORV_DEPTH_8U, ORV_DEPTH_8S, ORV_DEPTH_16S, ORV_DEPTH_16U, ORV_DEPTH_32S}, call, formula,
+        joined({comparisonsOfTwo(),
+                {unserved(ORV_DEPTH_1U), depth(allImages, ORV_DEPTH_32F, ORV_STATUS_BAD_ARGUMENT, partner)}}));
+}
+
+Operation ofFloats(Reporter reporter, PointCall call, Formula formula, const char *partner)
+{
+    Operation operation = {reporter,
+                           1,
+                           {ORV_DEPTH_32F},
+                           pixelByPixel(call, formula, constants(realValues)),
+                           joined({headersOf(2), wrongDepths(0, integerDepths, partner), comparisonsOfTwo()})};
     operation.anyNan = true;
     return operation;
 }
 
-Operation addSOperation()
-{
-    return sumOrDifference(
-        "AddS", {"orvAddS", "orvadds"},
-        [](OrvImage *const *images, const Constant &constant) {
-            return orvAddS(images[0], images[1], constant.integer);
-        },
-        addedInteger, "For processing depth 32F use function orvAddSFP");
-}
-
-Operation subtractSOperation()
-{
-    return sumOrDifference(
-        "SubtractS", {"orvSubtractS", "orvsubs"},
-        [](OrvImage *const *images, const Constant &constant) {
-            return orvSubtractS(images[0], images[1], constant.integer, constant.flip);
-        },
-        subtractedInteger, "For processing depth 32F use function orvSubtractSFP");
-}
-
-Operation addSFloatOperation()
-{
-    return floatSumOrDifference(
-        "AddSFP", {"orvAddSFP", "orvaddsf"},
-        [](OrvImage *const *images, const Constant &constant) {
-            return orvAddSFP(images[0], images[1], constant.real);
-        },
-        addedReal, "For processing this depth use function orvAddS");
-}
-
-Operation subtractSFloatOperation()
-{
-    return floatSumOrDifference(
-        "SubtractSFP", {"orvSubtractSFP", "orvsubsf"},
-        [](OrvImage *const *images, const Constant &constant) {
-            return orvSubtractSFP(images[0], images[1], constant.real, constant.flip);
-        },
-        subtractedReal, "For processing this depth use function orvSubtractS");
-}
-
 // The constant less the image, which takes loops of its own.
-Operation flipped(Operation operation, std::int32_t flip)
+Operation flipped(Operation operation, PointCall call, Formula formula, const std::vector<Constant> &constants)
 {
-    operation.name += "Flipped";
-    for (Constant &constant : operation.constants)
-        constant.flip = flip;
-    return operation;
-}
-
-Operation multiplySOperation()
-{
-    Operation operation = {
-        .name = "MultiplyS",
-        .reporter = {"orvMultiplyS", "orvmuls"},
-        .sources = 1,
-        .depths = {ORV_DEPTH_8U, ORV_DEPTH_16S},
-        .call = [](OrvImage *const *images,
-                   const Constant &constant) { return orvMultiplyS(images[0], images[1], constant.integer); },
-        .expected = multipliedInteger,
-        .refusals = joined(
-            {headersOfTwo(),
-             {depth(0, ORV_DEPTH_32F, ORV_STATUS_BAD_ARGUMENT, "For processing depth 32F use function orvMultiplySFP")},
-             comparisonsOfTwo(),
-             {unserved(ORV_DEPTH_1U), unserved(ORV_DEPTH_8S), unserved(ORV_DEPTH_16U)}}),
-        .constants = integers(integerValues),
-    };
-    operation.orderFreeAtDepth1U = true;
+    operation.variant = "Flipped";
+    operation.draw = pixelByPixel(call, formula, constants);
+    operation.refusals.clear();
     return operation;
 }
 
 // Its source's depth is judged before its header, and its channels by another status.
-Operation multiplySFloatOperation()
+Refusals refusalsOfFloatProduct()
 {
-    Operation operation = floatSumOrDifference(
-        "MultiplySFP", {"orvMultiplySFP", "orvmuls"},
-        [](OrvImage *const *images, const Constant &constant) {
-            return orvMultiplySFP(images[0], images[1], constant.real);
-        },
-        multipliedReal, "");
-    operation.refusals =
-        joined({{null(0, ORV_STATUS_BAD_ARGUMENT, "srcImage==0")},
-                partnersDepths("For processing this depth use function orvMultiplyS"),
-                {header(0), null(1), header(1), differs(Fault::OtherDepth, 1, "(srcImage->depth != dstImage->depth)"),
-                 differs(Fault::Order, 1, "(srcImage->dataOrder != dstImage->dataOrder)"),
-                 differs(Fault::Channels, 1, "(srcChannels != dstChannels)"), tiled(0), tiled(1)}});
-    return operation;
+    return joined(
+        {{null(0, ORV_STATUS_BAD_ARGUMENT, "srcImage==0")},
+         wrongDepths(0, integerDepths, "For processing this depth use function orvMultiplyS"),
+         {header(0), null(1), header(1), differs(Fault::OtherDepth, 1, "(srcImage->depth != dstImage->depth)"),
+          differs(Fault::Order, 1, "(srcImage->dataOrder != dstImage->dataOrder)"),
+          differs(Fault::Channels, 1, "(srcChannels != dstChannels)"), tiled(0), tiled(1)}});
 }
 
 } // namespace
 
 std::vector<Operation> scalarArithmetic()
 {
-    const std::vector<std::int32_t> wholeSamples = {ORV_DEPTH_16U, ORV_DEPTH_32S};
-    const Operation add = addSOperation(), subtract = subtractSOperation(), multiply = multiplySOperation();
-    const Operation subtractFloat = subtractSFloatOperation();
-    return {add,
-            inWholeSamples(add, wholeSamples),
-            addSFloatOperation(),
+    const Operation subtract = sumOrDifference({"orvSubtractS", "orvsubs"}, orvSubtractS, subtractedInteger,
+                                               "For processing depth 32F use function orvSubtractSFP");
+    const Operation subtractFloat = ofFloats({"orvSubtractSFP", "orvsubsf"}, orvSubtractSFP, subtractedReal,
+                                             "For processing this depth use function orvSubtractS");
+    Operation multiply = ofIntegers(
+        {"orvMultiplyS", "orvmuls"}, {ORV_DEPTH_8U, ORV_DEPTH_16S, ORV_DEPTH_32S}, orvMultiplyS, multipliedInteger,
+        joined({wrongDepths(0, {ORV_DEPTH_32F}, "For processing depth 32F use function orvMultiplySFP"),
+                comparisonsOfTwo(),
+                {unserved(ORV_DEPTH_1U), unserved(ORV_DEPTH_8S), unserved(ORV_DEPTH_16U)}}));
+    multiply.wholeSamples = {ORV_DEPTH_32S};
+    Operation multiplyFloat = ofFloats({"orvMultiplySFP", "orvmuls"}, orvMultiplySFP, multipliedReal, "");
+    multiplyFloat.refusals = refusalsOfFloatProduct();
+    std::vector<Constant> flips = constants(integerValues, 1);
+    for (std::size_t i = 0; i < flips.size(); i += 2)
+        flips[i].flip = -2; // any but 0
+    return {sumOrDifference({"orvAddS", "orvadds"}, orvAddS, addedInteger,
+                            "For processing depth 32F use function orvAddSFP"),
+            ofFloats({"orvAddSFP", "orvaddsf"}, orvAddSFP, addedReal, "For processing this depth use function orvAddS"),
             subtract,
-            inWholeSamples(subtract, wholeSamples),
-            flipped(subtract, 1),
-            inWholeSamples(flipped(subtract, -2), wholeSamples),
+            flipped(subtract, orvSubtractS, subtractedInteger, flips),
             subtractFloat,
-            flipped(subtractFloat, 2),
+            flipped(subtractFloat, orvSubtractSFP, subtractedReal, constants(realValues, 2)),
             multiply,
-            inWholeSamples(multiply, {ORV_DEPTH_32S}),
-            multiplySFloatOperation()};
+            multiplyFloat};
 }
 
 } // namespace front

@@ -1,16 +1,13 @@
 // Images of the tests.
 #include "front/test_image.h"
 
-#include <cmath>
-#include <cstring>
-#include <limits>
+#include <algorithm>
+#include <bit>
 #include <ostream>
 #include <utility>
 
 namespace front {
 namespace {
-
-constexpr std::int32_t mostInt = std::numeric_limits<std::int32_t>::max();
 
 bool isSigned(std::int32_t depth)
 {
@@ -20,13 +17,6 @@ bool isSigned(std::int32_t depth)
 int bitsOf(std::int32_t depth)
 {
     return 8 * bytesOf(depth);
-}
-
-std::uint32_t bitsOfFloat(float value)
-{
-    std::uint32_t bits;
-    std::memcpy(&bits, &value, sizeof bits);
-    return bits;
 }
 
 // Samples at which formulas go wrong; any bits that happen to be for the rest.
@@ -57,9 +47,7 @@ long long Sample::integer() const
 
 double Sample::real() const
 {
-    float value;
-    std::memcpy(&value, &bits, sizeof value);
-    return value;
+    return std::bit_cast<float>(bits);
 }
 
 bool Sample::isNan() const
@@ -75,22 +63,12 @@ Sample integerSample(std::int32_t depth, long long value)
 
 Sample realSample(double value)
 {
-    return {ORV_DEPTH_32F, bitsOfFloat(static_cast<float>(value))};
+    return {ORV_DEPTH_32F, std::bit_cast<std::uint32_t>(static_cast<float>(value))};
 }
 
 int bytesOf(std::int32_t depth)
 {
-    switch (depth) {
-    case ORV_DEPTH_1U:
-    case ORV_DEPTH_8U:
-    case ORV_DEPTH_8S:
-        return 1;
-    case ORV_DEPTH_16U:
-    case ORV_DEPTH_16S:
-        return 2;
-    default:
-        return 4;
-    }
+    return std::max(1, (depth & 0xFF) / 8);
 }
 
 long long lowestOf(std::int32_t depth)
@@ -105,9 +83,7 @@ long long highestOf(std::int32_t depth)
 
 long long saturated(std::int32_t depth, long long value)
 {
-    if (value < lowestOf(depth))
-        return lowestOf(depth);
-    return value > highestOf(depth) ? highestOf(depth) : value;
+    return std::clamp(value, lowestOf(depth), highestOf(depth));
 }
 
 std::int32_t Form::rowBytes() const
@@ -274,6 +250,21 @@ std::ostream &operator<<(std::ostream &out, const TestImage &image)
     if (image.mask() != nullptr)
         out << ", mask {" << *image.mask() << "}";
     return out;
+}
+
+std::vector<std::int32_t> numbersOf(const OrvImage &image)
+{
+    std::vector<std::int32_t> numbers = {image.nSize, image.ID,        image.nChannels, image.alphaChannel,
+                                         image.depth, image.dataOrder, image.origin,    image.align,
+                                         image.width, image.height,    image.widthStep, image.imageSize};
+    numbers.insert(numbers.end(), image.BorderMode, image.BorderMode + 4);
+    numbers.insert(numbers.end(), image.BorderConst, image.BorderConst + 4);
+    return numbers;
+}
+
+std::string colorsOf(const OrvImage &image)
+{
+    return std::string(image.colorModel, 4) + std::string(image.channelSeq, 4);
 }
 
 } // namespace front

@@ -5,8 +5,10 @@
 #include <cstddef>
 #include <cstdint>
 #include <iosfwd>
+#include <limits>
 #include <memory>
 #include <random>
+#include <string>
 #include <vector>
 
 #include "orv.h"
@@ -14,6 +16,11 @@
 namespace front {
 
 using Bytes = std::vector<std::uint8_t>;
+
+inline constexpr std::int32_t mostInt = std::numeric_limits<std::int32_t>::max();
+inline constexpr std::int32_t leastInt = std::numeric_limits<std::int32_t>::min();
+
+inline void provideNoTile() {} // the callback of tiled images
 
 // One sample: the bits of its depth, in the low bits.
 struct Sample {
@@ -127,5 +134,10 @@ Rectangles anyRectangles(Random &random);
 void setRandomRectangle(TestImage &image, Rectangles kind, std::int32_t coi, Random &random);
 
 std::ostream &operator<<(std::ostream &out, const TestImage &image);
+
+// The numbers of a header from nSize to imageSize, and those of its borders.
+std::vector<std::int32_t> numbersOf(const OrvImage &image);
+// Its color model and channel sequence.
+std::string colorsOf(const OrvImage &image);
 
 } // namespace front

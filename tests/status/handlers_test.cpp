@@ -91,26 +91,44 @@ TEST_F(HandlersDeathTest, SilentHandlerEndsALeafWithoutAWord)
         ExitedWithCode(1), Eq("[goodbye]"));
 }
 
-TEST_F(Handlers, SilentHandlerReturnsTheStatusInOtherModes)
-{
-    for (std::int32_t mode : {1, 2, -1, otherMode}) {
-        orvSetErrMode(mode);
-        for (OrvStatus status : {-1, -5, 3}) {
-            testing::internal::CaptureStderr();
-            EXPECT_EQ(orvNulDevReport(status, nullptr, nullptr, nullptr, 0), status);
-            EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-        }
+// A report as a handler gets it, and what the handler makes of it.
+struct Case {
+    OrvStatus status;
+    const char *func, *context, *file;
+    std::int32_t line;
+    const char *text;
+
+    // The status comes back, and nothing but this appears on the standard error stream.
+    void expectWritten(OrvErrorCallback handler, const std::string &written) const
+    {
+        SCOPED_TRACE(text);
+        testing::internal::CaptureStderr();
+        const OrvStatus result = handler(status, func, context, file, line);
+        EXPECT_EQ(testing::internal::GetCapturedStderr(), written);
+        EXPECT_EQ(result, status);
     }
+};
+
+TEST_F(Handlers, AreSilentInTheseModes)
+{
+    const struct {
+        OrvErrorCallback handler;
+        std::vector<std::int32_t> modes;
+    } rows[] = {{orvNulDevReport, {ORV_ErrorModeParent, ORV_ErrorModeSilent, -1, otherMode}},
+                {orvStdErrReport, {ORV_ErrorModeSilent}},
+                {orvGuiBoxReport, {ORV_ErrorModeSilent, -1, 3, otherMode}}};
+    for (const auto &[handler, modes] : rows)
+        for (const std::int32_t mode : modes)
+            for (const Case &report : {Case{-5, "f", "c", "u", 1, ""}, Case{-1, nullptr, nullptr, nullptr, 0, ""},
+                                       Case{-8, nullptr, nullptr, nullptr, 1, ""}, Case{3, "", "", "", 0, ""}}) {
+                orvSetErrMode(mode);
+                report.expectWritten(handler, "");
+            }
+    EXPECT_TRUE(shown.empty());
 }
 
 TEST_F(Handlers, StandardErrorHandlerWritesToTheLetter)
 {
-    struct Case {
-        OrvStatus status;
-        const char *func, *context, *file;
-        std::int32_t line;
-        const char *written;
-    };
     const Case cases[] = {
         {-9, "orvAbs", "Incorrect Image", "orvabs", 41,
          "\nORV Library Error: Null pointer to an image header \n\tin function [orvabs:41]:orvAbs(): Incorrect "
@@ -134,13 +152,9 @@ TEST_F(Handlers, StandardErrorHandlerWritesToTheLetter)
     };
     for (std::int32_t mode : {1, -1, otherMode})
         for (const Case &c : cases) {
-            SCOPED_TRACE(c.written);
             orvSetErrMode(mode);
             orvSetErrStatus(-31);
-            testing::internal::CaptureStderr();
-            const OrvStatus result = orvStdErrReport(c.status, c.func, c.context, c.file, c.line);
-            EXPECT_EQ(testing::internal::GetCapturedStderr(), c.written);
-            EXPECT_EQ(result, c.status);
+            c.expectWritten(orvStdErrReport, c.text);
             EXPECT_EQ(orvGetErrStatus(), -31);
         }
 }
@@ -159,26 +173,8 @@ TEST_F(HandlersDeathTest, StandardErrorHandlerEndsALeaf)
     EXPECT_EXIT(orvStdErrReport(-1, "f", nullptr, nullptr, 0), ExitedWithCode(1), Eq("\tcalled from:f\n" + ending));
 }
 
-TEST_F(Handlers, SilentModeSilencesTheTalkingHandlers)
-{
-    orvSetErrMode(ORV_ErrorModeSilent);
-    for (OrvErrorCallback handler : {orvStdErrReport, orvGuiBoxReport}) {
-        testing::internal::CaptureStderr();
-        EXPECT_EQ(handler(-5, "f", "c", "u", 1), -5);
-        EXPECT_EQ(handler(-8, nullptr, nullptr, nullptr, 1), -8);
-        EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-    }
-    EXPECT_TRUE(shown.empty());
-}
-
 TEST_F(Handlers, BoxHandlerFormatsItsText)
 {
-    struct Case {
-        OrvStatus status;
-        const char *func, *context, *file;
-        std::int32_t line;
-        const char *text;
-    };
     const Case cases[] = {
         {-9, "orvAbs", "Incorrect Image", "orvabs", 41,
          "In function orvAbs(): [file orvabs, line 41]\nIncorrect Image\n\nNull pointer to an image header\n(status: "
@@ -204,21 +200,9 @@ TEST_F(Handlers, BoxHandlerFormatsItsText)
             shown.clear();
             orvSetErrMode(a.mode);
             pressed = a.answer;
-            testing::internal::CaptureStderr();
-            const OrvStatus result = orvGuiBoxReport(c.status, c.func, c.context, c.file, c.line);
-            EXPECT_EQ(testing::internal::GetCapturedStderr(), "");
-            EXPECT_EQ(result, c.status);
+            c.expectWritten(orvGuiBoxReport, "");
             EXPECT_EQ(shown, (std::vector<Box>{{std::string(c.text) + a.tail, "ORV 1.0 Beta", a.flags}}));
         }
-}
-
-TEST_F(Handlers, BoxHandlerShowsNothingInUnknownModes)
-{
-    for (std::int32_t mode : {-1, 3, otherMode}) {
-        orvSetErrMode(mode);
-        EXPECT_EQ(orvGuiBoxReport(-5, "f", "c", "u", 1), -5);
-    }
-    EXPECT_TRUE(shown.empty());
 }
 
 TEST_F(Handlers, BoxHandlerHoldsTextsOfAnyLength)

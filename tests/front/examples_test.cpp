@@ -1,0 +1,238 @@
+// Results worked out by hand, for the models to be right about them, and what the list of operations cannot say.
+#include "front/call.h"
+#include "front/operation_entries.h"
+
+namespace front {
+namespace {
+
+struct Example {
+    PointCall function;
+    std::int32_t depth;
+    long long a, b, result; // two sources, or one source and a constant
+    std::int32_t flip = 0;
+};
+
+const Example ofTwoImages[] = {
+    {orvAdd, ORV_DEPTH_32S, mostInt, 1, mostInt},
+    {orvAdd, ORV_DEPTH_32S, leastInt, -1, leastInt},
+    {orvSubtract, ORV_DEPTH_16S, -32768, 1, -32768},
+    {orvSubtract, ORV_DEPTH_32S, 0, leastInt, mostInt},
+    {orvMultiply, ORV_DEPTH_16S, -32768, -32768, 32767},
+    {orvMultiply, ORV_DEPTH_32S, 65536, 65536, mostInt},
+    {orvMultiply, ORV_DEPTH_32S, -65536, 65536, leastInt},
+    {orvMultiplyScale, ORV_DEPTH_8U, 255, 255, 255},
+    {orvMultiplyScale, ORV_DEPTH_8U, 128, 255, 128},
+    {orvMultiplyScale, ORV_DEPTH_8U, 127, 2, 0}, // 254, one below full scale
+    {orvMultiplyScale, ORV_DEPTH_16U, 65535, 1000, 1000},
+    {orvMultiplyScale, ORV_DEPTH_16U, 65534, 1, 0},
+};
+
+const Example ofImageAndConstant[] = {
+    {orvAbs, ORV_DEPTH_8S, -128, 0, 127},
+    {orvAbs, ORV_DEPTH_32S, leastInt, 0, mostInt},
+    {orvSquare, ORV_DEPTH_8S, -128, 0, 127},
+    {orvSquare, ORV_DEPTH_16S, -32768, 0, 32767},
+    {orvAddS, ORV_DEPTH_8U, 255, leastInt, 0},
+    {orvAddS, ORV_DEPTH_16S, -10000, 40000, 30000},
+    {orvAddS, ORV_DEPTH_16S, 10000, -40000, -30000},
+    {orvAddS, ORV_DEPTH_16S, -32768, 65535, 32767},
+    {orvAddS, ORV_DEPTH_16S, 32767, -65536, -32768}, // -1 less a rest of -32768
+    {orvAddS, ORV_DEPTH_16S, -32768, 70000, -28304}, // -1 less 28303, the low word of -37233
+    {orvAddS, ORV_DEPTH_16S, 32767, -70000, 28303},  // -1 and 28304, the low word of -37232
+    {orvSubtractS, ORV_DEPTH_16S, 32767, 70000, 28303},
+    {orvSubtractS, ORV_DEPTH_16S, -32768, -70000, -28304},
+    {orvSubtractS, ORV_DEPTH_8U, 10, 300, 255, -1},
+    {orvSubtractS, ORV_DEPTH_16S, -32768, -1, 32766, -1}, // its negative saturates first
+    {orvSubtractS, ORV_DEPTH_32S, leastInt, -1, mostInt, -1},
+    {orvMultiplyS, ORV_DEPTH_8U, 200, -3, 0},
+    {orvMultiplyS, ORV_DEPTH_16S, -1, -40000, 32767},
+    {orvMultiplySScale, ORV_DEPTH_8U, 200, -1, 0},
+    {orvMultiplySScale, ORV_DEPTH_16U, 40000, 65536, 40000},
+    {orvAndS, ORV_DEPTH_16S, -1, 0x10000, 0},
+    {orvOrS, ORV_DEPTH_8U, 1, 0x1F0, 0xF1},
+    {orvLShiftS, ORV_DEPTH_8S, 64, 1, -128},
+    {orvLShiftS, ORV_DEPTH_32S, -1, 32, 0},
+    {orvRShiftS, ORV_DEPTH_8S, -128, 9, -1},
+    {orvRShiftS, ORV_DEPTH_8S, 127, 9, 0},
+    {orvRShiftS, ORV_DEPTH_32S, leastInt, -1, -1}, // the count is unsigned
+    {orvSet, ORV_DEPTH_8S, 0, -200, -128},
+    {orvSet, ORV_DEPTH_1U, 0, 2, 255},
+};
+
+TEST(Examples, Samples)
+{
+    Random random(31);
+    const auto check = [&](const Example &row, bool twoSources) {
+        for (const std::int32_t slot : {std::int32_t{0}, Slot::best()}) {
+            const Slot build(slot);
+            const Form form = {.depth = row.depth, .width = 123, .height = 3}; // long enough for all that kernels do
+            TestImage a(form, random), b(form, random), result(form, random);
+            a.fill(integerSample(row.depth, row.a));
+            b.fill(integerSample(row.depth, row.b));
+            OrvImage *const three[] = {&a.header, &b.header, &result.header}, *const inPlace[] = {&a.header, &a.header};
+            const Constant constant = {static_cast<std::int32_t>(row.b), 0, row.flip};
+            EXPECT_EQ(row.function.run(twoSources ? three : inPlace, constant), ORV_STATUS_OK);
+            const TestImage &destination = twoSources ? result : a;
+            for (int x = 0; x < 123; ++x)
+                EXPECT_EQ(destination.get(x, 2, 0).bits, integerSample(row.depth, row.result).bits)
+                    << row.a << ", " << row.b << " at " << x;
+        }
+    };
+    for (const Example &row : ofTwoImages)
+        check(row, true);
+    for (const Example &row : ofImageAndConstant)
+        check(row, false);
+}
+
+TEST(Examples, RectanglesAndMasksInCommon)
+{
+    Random random(5);
+    TestImage source({.width = 30, .height = 30}, random), destination({.width = 30, .height = 30}, random);
+    source.fill({ORV_DEPTH_8U, 7});
+    source.setRectangle(0, 3, 4, 10, 10);
+    source.setMask(randomMask(30, 30, random));
+    destination.setRectangle(0, 5, 6, 4, 20);
+    destination.setMask(randomMask(30, 30, random));
+    for (const std::uint32_t bits : {0u, 1u, 2u, 0x80u, 0xFFu}) {
+        destination.fill({ORV_DEPTH_8U, 1});
+        source.mask()->fill({ORV_DEPTH_1U, 0x82});
+        destination.mask()->fill({ORV_DEPTH_1U, bits});
+        EXPECT_EQ(orvCopy(&source.header, &destination.header), ORV_STATUS_OK);
+        const std::uint32_t within = bits > 1 ? 7 : 1;
+        for (int y = 0; y < 30; ++y)
+            for (int x = 0; x < 30; ++x)
+                EXPECT_EQ(destination.get(x, y, 0).bits, x >= 5 && x < 9 && y >= 6 && y < 16 ? within : 1u)
+                    << x << "," << y << ", mask " << bits;
+    }
+}
+
+// Which axis is which, also in place and with a middle row.
+TEST(Examples, Mirror)
+{
+    const struct {
+        std::int32_t axis, width, height;
+        std::vector<std::uint32_t> expected;
+    } rows[] = {{0, 3, 3, {7, 8, 9, 4, 5, 6, 1, 2, 3}},
+                {1, 3, 3, {3, 2, 1, 6, 5, 4, 9, 8, 7}},
+                {-1, 3, 3, {9, 8, 7, 6, 5, 4, 3, 2, 1}},
+                {0, 2, 2, {3, 4, 1, 2}},
+                {1, 4, 1, {4, 3, 2, 1}},
+                {-1, 1, 4, {4, 3, 2, 1}}};
+    Random random(31);
+    for (const auto &[axis, width, height, expected] : rows)
+        for (const bool inPlace : {false, true}) {
+            const Form form = {.depth = ORV_DEPTH_16S, .width = width, .height = height};
+            TestImage source(form, random), other(form, random), &destination = inPlace ? source : other;
+            for (int i = 0; i < width * height; ++i)
+                source.set(i % width, i / width, 0, {form.depth, 1u + static_cast<unsigned>(i)});
+            orvMirror(&source.header, &destination.header, axis);
+            for (int i = 0; i < width * height; ++i)
+                EXPECT_EQ(destination.get(i % width, i / width, 0).bits, expected[static_cast<std::size_t>(i)]) << axis;
+        }
+}
+
+// One channel of pixels beside a destination in planes is read as a plane: samples on end, from the channel's first.
+TEST(Mirror, PixelsBesidePlanesAreReadOnEnd)
+{
+    Random random(34);
+    TestImage source({.channels = 3, .width = 5, .height = 2}, random),
+        destination({.order = ORV_DATA_ORDER_PLANE, .width = 5, .height = 2}, random);
+    source.setWholeRectangle(3);
+    orvMirror(&source.header, &destination.header, 1);
+    for (int y = 0; y < 2; ++y)
+        for (int x = 0; x < 5; ++x)
+            EXPECT_EQ(destination.get(4 - x, y, 0).bits, source.get((2 + x) / 3, y, (2 + x) % 3).bits) << x;
+}
+
+// The borders of an image of 3 x 2 samples, 2 pixels wide.
+TEST(Examples, Borders)
+{
+    constexpr int c = ORV_BORDER_CONSTANT, r = ORV_BORDER_REPLICATE, m = ORV_BORDER_REFLECT, w = ORV_BORDER_WRAP;
+    const struct {
+        std::int32_t modes[4]; // top, bottom, left, right
+        std::int32_t samples[6][7];
+    } rows[] = {{{4 + c, -4 + r, 8 + w, m},
+                 {{91, 91, 91, 91, 91, 91, 91},
+                  {91, 91, 91, 91, 91, 91, 91},
+                  {2, 3, 1, 2, 3, 3, 2},
+                  {5, 6, 4, 5, 6, 6, 5},
+                  {4, 4, 4, 5, 6, 6, 6},
+                  {4, 4, 4, 5, 6, 6, 6}}},
+                {{m, w, c, r},
+                 {{5, 4, 4, 5, 6, 6, 5},
+                  {2, 1, 1, 2, 3, 3, 2},
+                  {93, 93, 1, 2, 3, 3, 3},
+                  {93, 93, 4, 5, 6, 6, 6},
+                  {2, 3, 1, 2, 3, 1, 2},
+                  {5, 6, 4, 5, 6, 4, 5}}}};
+    Random random(5);
+    TestImage image({.width = 3, .height = 2}, random);
+    for (std::int32_t i = 0; i < 6; ++i)
+        image.set(i % 3, i / 3, 0, integerSample(ORV_DEPTH_8U, i + 1));
+    for (const auto &row : rows) {
+        for (int side = 0; side < 4; ++side) {
+            image.header.BorderMode[side] = row.modes[side];
+            image.header.BorderConst[side] = 256 + 91 + side; // a byte of it
+        }
+        for (int y = -2; y < 4; ++y)
+            for (int x = -2; x < 5; ++x)
+                EXPECT_EQ(borderedSample(image, *image.memory(), x, y, 0).integer(), row.samples[y + 2][x + 2])
+                    << x << "," << y;
+    }
+}
+
+// A constant below zero leaves nothing of any byte, so that no byte is read: there are none at this address.
+TEST(SubtractSFlipped, ReadsNoBytesForNegativeValues)
+{
+    Random random(33);
+    for (const std::int32_t order : {ORV_DATA_ORDER_PIXEL, ORV_DATA_ORDER_PLANE})
+        for (const std::int32_t channels : {1, 3, 4})
+            for (const std::int32_t alpha : {0, channels})
+                for (const bool masked : {false, true}) {
+                    const Form form = {.channels = channels, .alpha = alpha, .order = order};
+                    TestImage source(form, random), destination(form, random);
+                    source.header.imageData = reinterpret_cast<std::uint8_t *>(std::uintptr_t{64});
+                    if (masked) {
+                        destination.setMask(randomMask(8, 8, random));
+                        destination.mask()->fill({ORV_DEPTH_1U, 1});
+                    }
+                    ASSERT_EQ(orvSubtractS(&source.header, &destination.header, -1, 1), ORV_STATUS_OK);
+                    const std::int32_t written = channels == 4 && alpha != 0 ? 3 : channels;
+                    for (std::int32_t channel = 0; channel < written; ++channel)
+                        EXPECT_EQ(destination.get(7, 7, channel).bits, 0u);
+                }
+}
+
+class WholeSamples : public testing::TestWithParam<Operation> {};
+
+// Rows whose step is no multiple of their samples are walked with the step rounded down.
+TEST_P(WholeSamples, StepsAreRoundedDown)
+{
+    const Operation &operation = GetParam();
+    Random random(34);
+    for (const std::int32_t depth : operation.wholeSamples)
+        for (const std::int32_t channels : {1, 3})
+            for (std::int32_t more = 1; more < 2 * bytesOf(depth); ++more) {
+                const Form form = {.depth = depth, .channels = channels, .width = 7, .height = 9, .extraStep = more};
+                Call odd, whole;
+                odd.arguments = whole.arguments = operation.draw(depth, random);
+                for (int i = 0; i <= operation.sources; ++i) {
+                    odd.images.push_back(std::make_shared<TestImage>(form, random));
+                    const TestImage &image = *odd.images.back();
+                    const auto memory = std::make_shared<Bytes>(*image.memory());
+                    whole.images.push_back(std::make_shared<TestImage>(form, memory, image.start()));
+                    whole.images.back()->header.widthStep = form.widthStep() / bytesOf(depth) * bytesOf(depth);
+                }
+                EXPECT_EQ(odd.run(), ORV_STATUS_OK);
+                EXPECT_EQ(whole.run(), ORV_STATUS_OK);
+                EXPECT_EQ(*odd.destination().memory(), *whole.destination().memory()) << odd;
+            }
+}
+
+INSTANTIATE_TEST_SUITE_P(Some, WholeSamples, testing::ValuesIn(operationsWhere([](const Operation &one) {
+                             return !one.wholeSamples.empty();
+                         })),
+                         nameOf);
+
+} // namespace
+} // namespace front
