@@ -5,6 +5,7 @@
 #include <cstdint>
 
 #include "loop.h"
+#include "raster.h"
 
 namespace orv {
 namespace {
@@ -41,9 +42,8 @@ template <class Sample, class Operator> auto makePlain(Operator operation)
             }
         };
         const std::size_t pixelBytes = samples * sizeof(Sample);
-        const ConstRaster &source = work.sources[0];
-        return overRows(work.size.width, work.size.height, row, from(source.data, source.step, pixelBytes),
-                        to(work.destination.data, work.destination.step, pixelBytes));
+        return overRows(work.size.width, work.size.height, row, Pixels{work.sources[0], pixelBytes},
+                        Pixels{work.destination, pixelBytes});
     };
 }
 

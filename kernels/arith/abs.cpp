@@ -48,11 +48,10 @@ inline S32s vectorOf(Magnitude<std::int32_t>, S32s a)
 
 } // namespace
 
-#define ORV_ABS(layout, samples, Sample, Operator)                                          \
-    KRN_KERNEL(CopyKernel, krnAbs##samples##layout)                                         \
-    {                                                                                       \
-        return compute<Sample, layout>(width, height, Operator(), Given{destination, step}, \
-                                       Given{source, sourceStep});                          \
+#define ORV_ABS(layout, samples, Sample, Operator)                                                                  \
+    KRN_KERNEL(CopyKernel, krnAbs##samples##layout)                                                                 \
+    {                                                                                                               \
+        return compute<Sample, layout>(width, height, Operator(), to(destination, step), from(source, sourceStep)); \
     }
 
 ORV_LAYOUTS(ORV_ABS, 8s, std::int8_t, Magnitude<std::int8_t>)

@@ -15,20 +15,20 @@ namespace {
 
 } // namespace
 
-#define ORV_SCALED(layout, stem, Sample, Operator)                                                    \
-    KRN_KERNEL(BinaryScaledKernel, stem##layout)                                                      \
-    {                                                                                                 \
-        return withScale<Sample>(scale, [=](auto wrap) {                                              \
-            return compute<Sample, layout>(width, height, wrap(Operator{}), Given{destination, step}, \
-                                           Given{source1, step1}, Given{source2, step2});             \
-        });                                                                                           \
+#define ORV_SCALED(layout, stem, Sample, Operator)                                                 \
+    KRN_KERNEL(BinaryScaledKernel, stem##layout)                                                   \
+    {                                                                                              \
+        return withScale<Sample>(scale, [=](auto wrap) {                                           \
+            return compute<Sample, layout>(width, height, wrap(Operator{}), to(destination, step), \
+                                           from(source1, step1), from(source2, step2));            \
+        });                                                                                        \
     }
 
-#define ORV_FLOATS(layout, stem, Operator)                                                                        \
-    KRN_KERNEL(BinaryKernel, stem##layout)                                                                        \
-    {                                                                                                             \
-        return compute<float, layout>(width, height, Operator{}, Given{destination, step}, Given{source1, step1}, \
-                                      Given{source2, step2});                                                     \
+#define ORV_FLOATS(layout, stem, Operator)                                                                    \
+    KRN_KERNEL(BinaryKernel, stem##layout)                                                                    \
+    {                                                                                                         \
+        return compute<float, layout>(width, height, Operator{}, to(destination, step), from(source1, step1), \
+                                      from(source2, step2));                                                  \
     }
 
 #define ORV_ROW(name, Operator)                                                                          \

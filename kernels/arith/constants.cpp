@@ -14,8 +14,8 @@ namespace {
 #include "operators.h"
 
 template <class Sample, std::size_t layout, class Operator>
-KrnStatus integerConstants(const void *values, Given<const void *> in, Given<void *> out, std::int32_t width,
-                           std::int32_t height, std::int32_t scale)
+KrnStatus integerConstants(const void *values, ConstRaster in, Raster out, std::int32_t width, std::int32_t height,
+                           std::int32_t scale)
 {
     return withScale<Sample>(scale, [=](auto wrap) {
         const auto make = [=](Sample value) { return wrap(WithConstant<Operator, Sample>{Operator(), value}); };
@@ -24,8 +24,7 @@ KrnStatus integerConstants(const void *values, Given<const void *> in, Given<voi
 }
 
 template <std::size_t layout, class Operator>
-KrnStatus floatConstants(const void *values, Given<const void *> in, Given<void *> out, std::int32_t width,
-                         std::int32_t height)
+KrnStatus floatConstants(const void *values, ConstRaster in, Raster out, std::int32_t width, std::int32_t height)
 {
     const auto make = [](float value) { return WithConstant<Operator, float>{Operator(), value}; };
     return computeByChannel<float, layout, float>(values, width, height, make, out, in);
@@ -34,19 +33,19 @@ KrnStatus floatConstants(const void *values, Given<const void *> in, Given<void 
 } // namespace
 
 // One channel takes the constant itself, cut to the sample.
-#define ORV_CONSTANT(stem, Sample, Operator)                                                                     \
-    KRN_KERNEL(ConstantScaledKernel, stem##C1)                                                                   \
-    {                                                                                                            \
-        const Sample cut = static_cast<Sample>(value);                                                           \
-        return integerConstants<Sample, C1, Operator>(&cut, Given{source, sourceStep}, Given{destination, step}, \
-                                                      width, height, scale);                                     \
+#define ORV_CONSTANT(stem, Sample, Operator)                                                                        \
+    KRN_KERNEL(ConstantScaledKernel, stem##C1)                                                                      \
+    {                                                                                                               \
+        const Sample cut = static_cast<Sample>(value);                                                              \
+        return integerConstants<Sample, C1, Operator>(&cut, from(source, sourceStep), to(destination, step), width, \
+                                                      height, scale);                                               \
     }
 
-#define ORV_CONSTANTS(stem, layout, Sample, Operator)                                                                  \
-    KRN_KERNEL(ConstantsScaledKernel, stem##layout)                                                                    \
-    {                                                                                                                  \
-        return integerConstants<Sample, layout, Operator>(values, Given{source, sourceStep}, Given{destination, step}, \
-                                                          width, height, scale);                                       \
+#define ORV_CONSTANTS(stem, layout, Sample, Operator)                                                              \
+    KRN_KERNEL(ConstantsScaledKernel, stem##layout)                                                                \
+    {                                                                                                              \
+        return integerConstants<Sample, layout, Operator>(values, from(source, sourceStep), to(destination, step), \
+                                                          width, height, scale);                                   \
     }
 
 #define ORV_INTEGERS(stem, Sample, Operator)  \
@@ -55,21 +54,20 @@ KrnStatus floatConstants(const void *values, Given<const void *> in, Given<void 
     ORV_CONSTANTS(stem, C4, Sample, Operator) \
     ORV_CONSTANTS(stem, AC4, Sample, Operator)
 
-#define ORV_FLOAT_CONSTANTS(stem, layout, Operator)                                                                 \
-    KRN_KERNEL(ConstantsKernel, stem##layout)                                                                       \
-    {                                                                                                               \
-        return floatConstants<layout, Operator>(values, Given{source, sourceStep}, Given{destination, step}, width, \
-                                                height);                                                            \
+#define ORV_FLOAT_CONSTANTS(stem, layout, Operator)                                                             \
+    KRN_KERNEL(ConstantsKernel, stem##layout)                                                                   \
+    {                                                                                                           \
+        return floatConstants<layout, Operator>(values, from(source, sourceStep), to(destination, step), width, \
+                                                height);                                                        \
     }
 
-#define ORV_FLOATS(stem, Operator)                                                                              \
-    KRN_KERNEL(FloatConstantKernel, stem##C1)                                                                   \
-    {                                                                                                           \
-        return floatConstants<C1, Operator>(&value, Given{source, sourceStep}, Given{destination, step}, width, \
-                                            height);                                                            \
-    }                                                                                                           \
-    ORV_FLOAT_CONSTANTS(stem, C3, Operator)                                                                     \
-    ORV_FLOAT_CONSTANTS(stem, C4, Operator)                                                                     \
+#define ORV_FLOATS(stem, Operator)                                                                                   \
+    KRN_KERNEL(FloatConstantKernel, stem##C1)                                                                        \
+    {                                                                                                                \
+        return floatConstants<C1, Operator>(&value, from(source, sourceStep), to(destination, step), width, height); \
+    }                                                                                                                \
+    ORV_FLOAT_CONSTANTS(stem, C3, Operator)                                                                          \
+    ORV_FLOAT_CONSTANTS(stem, C4, Operator)                                                                          \
     ORV_FLOAT_CONSTANTS(stem, AC4, Operator)
 
 #define ORV_INTEGER_ROW(name, Operator)                                                                               \

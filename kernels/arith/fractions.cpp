@@ -52,8 +52,7 @@ inline U16s vectorOf(Fraction<std::uint16_t>, U16s a, U16s b)
 #endif
 
 template <class Sample, std::size_t layout>
-KrnStatus constants(const void *values, Given<const void *> in, Given<void *> out, std::int32_t width,
-                    std::int32_t height)
+KrnStatus constants(const void *values, ConstRaster in, Raster out, std::int32_t width, std::int32_t height)
 {
     const auto make = [](Sample value) { return WithConstant<Fraction<Sample>, Sample>{{}, value}; };
     return computeByChannel<Sample, layout, Sample>(values, width, height, make, out, in);
@@ -61,28 +60,28 @@ KrnStatus constants(const void *values, Given<const void *> in, Given<void *> ou
 
 } // namespace
 
-#define ORV_IMAGES(layout, samples, Sample)                                                         \
-    KRN_KERNEL(BinaryKernel, krnMulScale##samples##layout)                                          \
-    {                                                                                               \
-        return compute<Sample, layout>(width, height, Fraction<Sample>(), Given{destination, step}, \
-                                       Given{source1, step1}, Given{source2, step2});               \
+#define ORV_IMAGES(layout, samples, Sample)                                                                            \
+    KRN_KERNEL(BinaryKernel, krnMulScale##samples##layout)                                                             \
+    {                                                                                                                  \
+        return compute<Sample, layout>(width, height, Fraction<Sample>(), to(destination, step), from(source1, step1), \
+                                       from(source2, step2));                                                          \
     }
 
-#define ORV_CONSTANTS(samples, Sample, layout)                                                                        \
-    KRN_KERNEL(ConstantsKernel, krnMulCScale##samples##layout)                                                        \
-    {                                                                                                                 \
-        return constants<Sample, layout>(values, Given{source, sourceStep}, Given{destination, step}, width, height); \
+#define ORV_CONSTANTS(samples, Sample, layout)                                                                    \
+    KRN_KERNEL(ConstantsKernel, krnMulCScale##samples##layout)                                                    \
+    {                                                                                                             \
+        return constants<Sample, layout>(values, from(source, sourceStep), to(destination, step), width, height); \
     }
 
-#define ORV_FRACTIONS(samples, Sample)                                                                          \
-    ORV_LAYOUTS(ORV_IMAGES, samples, Sample)                                                                    \
-    KRN_KERNEL(ConstantKernel, krnMulCScale##samples##C1)                                                       \
-    {                                                                                                           \
-        const Sample cut = static_cast<Sample>(value);                                                          \
-        return constants<Sample, C1>(&cut, Given{source, sourceStep}, Given{destination, step}, width, height); \
-    }                                                                                                           \
-    ORV_CONSTANTS(samples, Sample, C3)                                                                          \
-    ORV_CONSTANTS(samples, Sample, C4)                                                                          \
+#define ORV_FRACTIONS(samples, Sample)                                                                      \
+    ORV_LAYOUTS(ORV_IMAGES, samples, Sample)                                                                \
+    KRN_KERNEL(ConstantKernel, krnMulCScale##samples##C1)                                                   \
+    {                                                                                                       \
+        const Sample cut = static_cast<Sample>(value);                                                      \
+        return constants<Sample, C1>(&cut, from(source, sourceStep), to(destination, step), width, height); \
+    }                                                                                                       \
+    ORV_CONSTANTS(samples, Sample, C3)                                                                      \
+    ORV_CONSTANTS(samples, Sample, C4)                                                                      \
     ORV_CONSTANTS(samples, Sample, AC4)
 
 ORV_FRACTIONS(8u, std::uint8_t)

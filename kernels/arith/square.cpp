@@ -43,20 +43,19 @@ inline U16s vectorOf(Square<std::uint16_t>, U16s a)
 
 } // namespace
 
-#define ORV_SQUARE(layout, samples, Sample)                                                                 \
-    KRN_KERNEL(UnaryScaledKernel, krnSqr##samples##layout)                                                  \
-    {                                                                                                       \
-        return withScale<Sample>(scale, [=](auto wrap) {                                                    \
-            return compute<Sample, layout>(width, height, wrap(Square<Sample>()), Given{destination, step}, \
-                                           Given{source, sourceStep});                                      \
-        });                                                                                                 \
+#define ORV_SQUARE(layout, samples, Sample)                                                              \
+    KRN_KERNEL(UnaryScaledKernel, krnSqr##samples##layout)                                               \
+    {                                                                                                    \
+        return withScale<Sample>(scale, [=](auto wrap) {                                                 \
+            return compute<Sample, layout>(width, height, wrap(Square<Sample>()), to(destination, step), \
+                                           from(source, sourceStep));                                    \
+        });                                                                                              \
     }
 
-#define ORV_FLOAT_SQUARE(layout, stem)                                                        \
-    KRN_KERNEL(CopyKernel, stem##layout)                                                      \
-    {                                                                                         \
-        return compute<float, layout>(width, height, FloatSquare(), Given{destination, step}, \
-                                      Given{source, sourceStep});                             \
+#define ORV_FLOAT_SQUARE(layout, stem)                                                                                \
+    KRN_KERNEL(CopyKernel, stem##layout)                                                                              \
+    {                                                                                                                 \
+        return compute<float, layout>(width, height, FloatSquare(), to(destination, step), from(source, sourceStep)); \
     }
 
 ORV_LAYOUTS(ORV_SQUARE, 8u, std::uint8_t)

@@ -23,11 +23,10 @@ struct Narrow {
 
 } // namespace
 
-#define ORV_WIDEN(layout, stem, Out, In, Operator)                                           \
-    KRN_KERNEL(CopyKernel, stem##layout)                                                     \
-    {                                                                                        \
-        return compute<Out, layout, In>(width, height, Operator(), Given{destination, step}, \
-                                        Given{source, sourceStep});                          \
+#define ORV_WIDEN(layout, stem, Out, In, Operator)                                                                   \
+    KRN_KERNEL(CopyKernel, stem##layout)                                                                             \
+    {                                                                                                                \
+        return compute<Out, layout, In>(width, height, Operator(), to(destination, step), from(source, sourceStep)); \
     }
 
 ORV_LAYOUTS(ORV_WIDEN, krnCvt8u16s, std::int16_t, std::uint8_t, Widen)

@@ -13,7 +13,7 @@ namespace {
 
 // Moves `moved` samples of each pixel between pixels of different lengths.
 template <class Sample, std::size_t inChannels, std::size_t outChannels, std::size_t moved>
-KrnStatus moveSamples(Given<const void *> source, Given<void *> destination, std::int32_t width, std::int32_t height)
+KrnStatus moveSamples(ConstRaster source, Raster destination, std::int32_t width, std::int32_t height)
 {
     const auto row = [](std::size_t pixels, const unsigned char *in, unsigned char *out) {
         ORV_INDEPENDENT
@@ -21,8 +21,8 @@ KrnStatus moveSamples(Given<const void *> source, Given<void *> destination, std
             for (std::size_t channel = 0; channel < moved; ++channel)
                 store(out, i * outChannels + channel, load<Sample>(in, i * inChannels + channel));
     };
-    return overRows(width, height, row, from(source.data, source.step, inChannels * sizeof(Sample)),
-                    to(destination.data, destination.step, outChannels * sizeof(Sample)));
+    return overRows(width, height, row, Pixels{source, inChannels * sizeof(Sample)},
+                    Pixels{destination, outChannels * sizeof(Sample)});
 }
 
 #if ORV_SHUFFLES
@@ -62,14 +62,13 @@ template <class, std::size_t> inline std::size_t insertVectors(std::size_t, cons
 #endif
 
 template <class Sample, std::size_t channels>
-KrnStatus insert(Given<const void *> source, Given<void *> destination, std::int32_t width, std::int32_t height)
+KrnStatus insert(ConstRaster source, Raster destination, std::int32_t width, std::int32_t height)
 {
     const auto row = [](std::size_t pixels, const unsigned char *in, unsigned char *out) {
         for (std::size_t i = insertVectors<Sample, channels>(pixels, in, out); i < pixels; ++i)
             store(out, i * channels, load<Sample>(in, i));
     };
-    return overRows(width, height, row, from(source.data, source.step, sizeof(Sample)),
-                    to(destination.data, destination.step, channels * sizeof(Sample)));
+    return overRows(width, height, row, Pixels{source, sizeof(Sample)}, Pixels{destination, channels * sizeof(Sample)});
 }
 
 struct Same {
@@ -79,22 +78,22 @@ struct Same {
 
 } // namespace
 
-#define ORV_MOVE(name, ...)                                                           \
-    KRN_KERNEL(CopyKernel, name)                                                      \
-    {                                                                                 \
-        return __VA_ARGS__({source, sourceStep}, {destination, step}, width, height); \
+#define ORV_MOVE(name, ...)                                                                 \
+    KRN_KERNEL(CopyKernel, name)                                                            \
+    {                                                                                       \
+        return __VA_ARGS__(from(source, sourceStep), to(destination, step), width, height); \
     }
 
-#define ORV_CHANNELS(samples, Sample)                                                                            \
-    KRN_KERNEL(CopyKernel, krnCopy##samples##AC4)                                                                \
-    {                                                                                                            \
-        return compute<Sample, AC4>(width, height, Same(), Given{destination, step}, Given{source, sourceStep}); \
-    }                                                                                                            \
-    ORV_MOVE(krnCopy##samples##C3AC4, moveSamples<Sample, 3, 4, 3>)                                              \
-    ORV_MOVE(krnCopy##samples##AC4C3, moveSamples<Sample, 4, 3, 3>)                                              \
-    ORV_MOVE(krnExtract##samples##C3, moveSamples<Sample, 3, 1, 1>)                                              \
-    ORV_MOVE(krnExtract##samples##C4, moveSamples<Sample, 4, 1, 1>)                                              \
-    ORV_MOVE(krnInsert##samples##C3, insert<Sample, 3>)                                                          \
+#define ORV_CHANNELS(samples, Sample)                                                                        \
+    KRN_KERNEL(CopyKernel, krnCopy##samples##AC4)                                                            \
+    {                                                                                                        \
+        return compute<Sample, AC4>(width, height, Same(), to(destination, step), from(source, sourceStep)); \
+    }                                                                                                        \
+    ORV_MOVE(krnCopy##samples##C3AC4, moveSamples<Sample, 3, 4, 3>)                                          \
+    ORV_MOVE(krnCopy##samples##AC4C3, moveSamples<Sample, 4, 3, 3>)                                          \
+    ORV_MOVE(krnExtract##samples##C3, moveSamples<Sample, 3, 1, 1>)                                          \
+    ORV_MOVE(krnExtract##samples##C4, moveSamples<Sample, 4, 1, 1>)                                          \
+    ORV_MOVE(krnInsert##samples##C3, insert<Sample, 3>)                                                      \
     ORV_MOVE(krnInsert##samples##C4, insert<Sample, 4>)
 
 ORV_CHANNELS(8u, std::uint8_t)

@@ -4,6 +4,7 @@
 #include <cstdint>
 #include <cstring>
 
+#include "raster.h"
 #include "signatures.h"
 
 namespace orv::slot0 {
@@ -11,21 +12,20 @@ namespace {
 
 #include "rows.h"
 
-KrnStatus copy(const void *source, std::int32_t sourceStep, void *destination, std::int32_t step, std::int32_t width,
-               std::int32_t height, std::size_t pixelBytes)
+KrnStatus copy(ConstRaster source, Raster destination, std::int32_t width, std::int32_t height, std::size_t pixelBytes)
 {
     const auto row = [=](std::size_t pixels, const unsigned char *in, unsigned char *out) {
         std::memmove(out, in, pixels * pixelBytes);
     };
-    return overRows(width, height, row, from(source, sourceStep, pixelBytes), to(destination, step, pixelBytes));
+    return overRows(width, height, row, Pixels{source, pixelBytes}, Pixels{destination, pixelBytes});
 }
 
 } // namespace
 
-#define ORV_COPY(name, pixelBytes)                                                     \
-    KRN_KERNEL(CopyKernel, name)                                                       \
-    {                                                                                  \
-        return copy(source, sourceStep, destination, step, width, height, pixelBytes); \
+#define ORV_COPY(name, pixelBytes)                                                               \
+    KRN_KERNEL(CopyKernel, name)                                                                 \
+    {                                                                                            \
+        return copy(from(source, sourceStep), to(destination, step), width, height, pixelBytes); \
     }
 
 #define ORV_COPIES(samples, sampleBytes)            \

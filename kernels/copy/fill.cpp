@@ -76,7 +76,7 @@ constexpr std::size_t largeRowBytes = std::size_t{1} << 20;
         else
             fillRow(pixels * pixelBytes, pattern, out);
     };
-    return overRows(width, height, row, to(destination, step, pixelBytes));
+    return overRows(width, height, row, Pixels{to(destination, step), pixelBytes});
 }
 
 template <class Sample>
@@ -99,7 +99,7 @@ KrnStatus fillThreeOfFour(const void *values, void *destination, std::int32_t st
         for (std::size_t i = 0; i < count; i += 16)
             moveThreeOfFour<Sample>(count - i < 16 ? count - i : 16, pixels, out + 4 * sizeof(Sample) * i);
     };
-    return overRows(width, height, row, to(destination, step, 4 * sizeof(Sample)));
+    return overRows(width, height, row, Pixels{to(destination, step), 4 * sizeof(Sample)});
 }
 
 } // namespace

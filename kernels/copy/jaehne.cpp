@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "raster.h"
 #include "signatures.h"
 
 namespace orv::slot0 {

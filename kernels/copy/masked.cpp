@@ -81,16 +81,15 @@ inline std::size_t copyByVectors(std::size_t, const unsigned char *, const unsig
 #endif
 
 template <class Sample, std::size_t channels, std::size_t moved>
-KrnStatus copyMasked(Given<const void *> source, Given<void *> destination, std::int32_t width, std::int32_t height,
-                     Given<const void *> mask)
+KrnStatus copyMasked(ConstRaster source, Raster destination, std::int32_t width, std::int32_t height, ConstRaster mask)
 {
     constexpr std::size_t bytes = sizeof(Sample);
     const auto row = [](std::size_t pixels, const unsigned char *in, const unsigned char *select, unsigned char *out) {
         const std::size_t done = copyByVectors<channels * bytes, moved * bytes>(pixels, in, select, out);
         copySelected<Sample, channels, moved>(done, pixels, in, select, out);
     };
-    return overRows(width, height, row, from(source.data, source.step, channels * bytes), from(mask.data, mask.step, 1),
-                    to(destination.data, destination.step, channels * bytes));
+    return overRows(width, height, row, Pixels{source, channels * bytes}, Pixels{mask, std::size_t{1}},
+                    Pixels{destination, channels * bytes});
 }
 
 struct And {
@@ -100,11 +99,11 @@ struct And {
 
 } // namespace
 
-#define ORV_COPY_MASKED(name, Sample, channels, moved)                                                       \
-    KRN_KERNEL(CopyMaskedKernel, name)                                                                       \
-    {                                                                                                        \
-        return copyMasked<Sample, channels, moved>({source, sourceStep}, {destination, step}, width, height, \
-                                                   {mask, maskStep});                                        \
+#define ORV_COPY_MASKED(name, Sample, channels, moved)                                                             \
+    KRN_KERNEL(CopyMaskedKernel, name)                                                                             \
+    {                                                                                                              \
+        return copyMasked<Sample, channels, moved>(from(source, sourceStep), to(destination, step), width, height, \
+                                                   from(mask, maskStep));                                          \
     }
 
 #define ORV_COPY_MASKED_LAYOUTS(samples, Sample)              \
@@ -119,8 +118,8 @@ ORV_COPY_MASKED_LAYOUTS(32s, std::int32_t)
 
 KRN_KERNEL(AndMaskKernel, krnAndMask8u)
 {
-    return compute<std::uint8_t, C1>(width, height, And(), Given{accumulator, accumulatorStep}, Given{mask, maskStep},
-                                     Given<const void *>{accumulator, accumulatorStep});
+    return compute<std::uint8_t, C1>(width, height, And(), to(accumulator, accumulatorStep), from(mask, maskStep),
+                                     from(accumulator, accumulatorStep));
 }
 
 #include "end.h"

@@ -20,8 +20,8 @@ namespace {
 #endif
 
 struct Rasters {
-    Given<const void *> source;
-    Given<void *> destination;
+    ConstRaster source;
+    Raster destination;
     std::int32_t width, height;
     std::size_t layout;
 };
@@ -153,9 +153,9 @@ KrnStatus sumBytes(const Rasters &rasters, const void *values, const Window &giv
 
 } // namespace
 
-#define ORV_RASTERS(layout)                                              \
-    {                                                                    \
-        {source, sourceStep}, {destination, step}, width, height, layout \
+#define ORV_RASTERS(layout)                                                    \
+    {                                                                          \
+        from(source, sourceStep), to(destination, step), width, height, layout \
     }
 
 #define ORV_CONVOLVE(layout, samples, Sample)                                                             \

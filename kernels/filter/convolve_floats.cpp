@@ -138,8 +138,8 @@ void sumRows(std::size_t rows, std::size_t samples, const unsigned char *in, uns
                    out + static_cast<std::ptrdiff_t>(row) * outStep, window);
 }
 
-[[gnu::noinline]] KrnStatus convolve(std::size_t layout, Given<const void *> source, Given<void *> destination,
-                                     std::int32_t width, std::int32_t height, const void *values, const Window &given)
+[[gnu::noinline]] KrnStatus convolve(std::size_t layout, ConstRaster source, Raster destination, std::int32_t width,
+                                     std::int32_t height, const void *values, const Window &given)
 {
     if (values == nullptr)
         return KRN_NULL_POINTER;
@@ -155,10 +155,10 @@ void sumRows(std::size_t rows, std::size_t samples, const unsigned char *in, uns
                                              sumRows(1, samples, in, out, 0, taps);
                                          });
     const std::size_t samples = static_cast<std::size_t>(width) * samplesOf(layout);
-    const auto in = from(firstOf(source, window, pixelBytes), source.step, pixelBytes);
-    const auto out = to(destination.data, destination.step, pixelBytes);
+    const ConstRaster first = firstOf(source, window, pixelBytes);
     for (std::int32_t y = 0; y < height; y += 2)
-        sumRows(y + 1 < height ? 2 : 1, samples, rowOf(in, y), rowOf(out, y), out.step, taps);
+        sumRows(y + 1 < height ? 2 : 1, samples, first.fromRow(y).data, destination.fromRow(y).data, destination.step,
+                taps);
     return KRN_OK;
 }
 
@@ -189,21 +189,21 @@ inline Floats vectorOf(Root, Floats a)
 
 } // namespace
 
-#define ORV_CONVOLVE(layout, ...)                                                                 \
-    KRN_KERNEL(ConvolveFloatsKernel, krnConvolve32f##layout)                                      \
-    {                                                                                             \
-        return convolve(layout, {source, sourceStep}, {destination, step}, width, height, values, \
-                        {columns, rows, anchorX, anchorY});                                       \
-    }                                                                                             \
-    KRN_KERNEL(SumLineKernel, krnConvolveRow32f##layout)                                          \
-    {                                                                                             \
-        return convolve(layout, {source, sourceStep}, {destination, step}, width, height, values, \
-                        {size, 1, anchor, 0});                                                    \
-    }                                                                                             \
-    KRN_KERNEL(SumLineKernel, krnConvolveCol32f##layout)                                          \
-    {                                                                                             \
-        return convolve(layout, {source, sourceStep}, {destination, step}, width, height, values, \
-                        {1, size, 0, anchor});                                                    \
+#define ORV_CONVOLVE(layout, ...)                                                                       \
+    KRN_KERNEL(ConvolveFloatsKernel, krnConvolve32f##layout)                                            \
+    {                                                                                                   \
+        return convolve(layout, from(source, sourceStep), to(destination, step), width, height, values, \
+                        {columns, rows, anchorX, anchorY});                                             \
+    }                                                                                                   \
+    KRN_KERNEL(SumLineKernel, krnConvolveRow32f##layout)                                                \
+    {                                                                                                   \
+        return convolve(layout, from(source, sourceStep), to(destination, step), width, height, values, \
+                        {size, 1, anchor, 0});                                                          \
+    }                                                                                                   \
+    KRN_KERNEL(SumLineKernel, krnConvolveCol32f##layout)                                                \
+    {                                                                                                   \
+        return convolve(layout, from(source, sourceStep), to(destination, step), width, height, values, \
+                        {1, size, 0, anchor});                                                          \
     }
 
 ORV_LAYOUTS(ORV_CONVOLVE, )
@@ -220,7 +220,7 @@ KRN_KERNEL(FloatPairRowKernel, krnMaxRow32f)
 
 KRN_KERNEL(CopyKernel, krnSqrt32fC1)
 {
-    return compute<float, C1>(width, height, Root(), Given{destination, step}, Given{source, sourceStep});
+    return compute<float, C1>(width, height, Root(), to(destination, step), from(source, sourceStep));
 }
 
 #include "end.h"

@@ -19,12 +19,9 @@ namespace {
 enum : std::int32_t { flipRows = 0, flipColumns = 1, flipBoth = 2 };
 
 template <std::size_t pixelBytes, std::size_t moved>
-KrnStatus mirror(const void *source, std::int32_t sourceStep, void *destination, std::int32_t destinationStep,
-                 std::int32_t width, std::int32_t height, std::int32_t flip)
+KrnStatus mirror(ConstRaster in, Raster out, std::int32_t width, std::int32_t height, std::int32_t flip)
 {
-    const auto in = from(source, sourceStep, pixelBytes);
-    const auto out = to(destination, destinationStep, pixelBytes);
-    if (const KrnStatus refusal = testRectangles(width, height, in, out); refusal != KRN_OK)
+    if (const KrnStatus refusal = testRasters(width, height, in, out); refusal != KRN_OK)
         return refusal;
     if (flip < flipRows || flip > flipBoth)
         return KRN_BAD_AXIS;
@@ -36,7 +33,8 @@ KrnStatus mirror(const void *source, std::int32_t sourceStep, void *destination,
         row = flip == flipRows ? streamRow<pixelBytes> : streamMirrored<pixelBytes>(flip == flipBoth);
 #endif
     for (std::int32_t y = 0; y < height; ++y)
-        row(static_cast<std::size_t>(width), rowOf(in, y), rowOf(out, flip == flipColumns ? y : height - 1 - y));
+        row(static_cast<std::size_t>(width), in.fromRow(y).data,
+            out.fromRow(flip == flipColumns ? y : height - 1 - y).data);
 #if ORV_VECTOR_BYTES > 0
     if (streams)
         finishStreaming();
@@ -45,16 +43,16 @@ KrnStatus mirror(const void *source, std::int32_t sourceStep, void *destination,
 }
 
 template <std::size_t pixelBytes, std::size_t moved>
-KrnStatus mirrorInPlace(void *image, std::int32_t step, std::int32_t width, std::int32_t height, std::int32_t flip)
+KrnStatus mirrorInPlace(Raster raster, std::int32_t width, std::int32_t height, std::int32_t flip)
 {
-    const auto raster = to(image, step, pixelBytes);
-    if (const KrnStatus refusal = testRectangles(width, height, raster); refusal != KRN_OK)
+    if (const KrnStatus refusal = testRasters(width, height, raster); refusal != KRN_OK)
         return refusal;
     if (flip < flipRows || flip > flipBoth)
         return KRN_BAD_AXIS;
     const std::size_t pixels = static_cast<std::size_t>(width);
     const auto mirrorOne = [=](std::int32_t y) {
-        exchangeMirrored<pixelBytes, moved>(pixels / 2, rowOf(raster, y), rowOf(raster, y) + pixels * pixelBytes);
+        unsigned char *const row = raster.fromRow(y).data;
+        exchangeMirrored<pixelBytes, moved>(pixels / 2, row, row + pixels * pixelBytes);
     };
     if (flip == flipColumns) {
         for (std::int32_t y = 0; y < height; ++y)
@@ -62,7 +60,7 @@ KrnStatus mirrorInPlace(void *image, std::int32_t step, std::int32_t width, std:
         return KRN_OK;
     }
     for (std::int32_t y = 0; y < height / 2; ++y) {
-        unsigned char *const above = rowOf(raster, y), *const below = rowOf(raster, height - 1 - y);
+        unsigned char *const above = raster.fromRow(y).data, *const below = raster.fromRow(height - 1 - y).data;
         if (flip == flipBoth)
             exchangeMirrored<pixelBytes, moved>(pixels, above, below + pixels * pixelBytes);
         else if constexpr (moved == pixelBytes)
@@ -77,14 +75,14 @@ KrnStatus mirrorInPlace(void *image, std::int32_t step, std::int32_t width, std:
 
 } // namespace
 
-#define ORV_MIRROR(name, pixelBytes, moved)                                                           \
-    KRN_KERNEL(MirrorKernel, name)                                                                    \
-    {                                                                                                 \
-        return mirror<pixelBytes, moved>(source, sourceStep, destination, step, width, height, flip); \
-    }                                                                                                 \
-    KRN_KERNEL(MirrorInPlaceKernel, name##I)                                                          \
-    {                                                                                                 \
-        return mirrorInPlace<pixelBytes, moved>(image, step, width, height, flip);                    \
+#define ORV_MIRROR(name, pixelBytes, moved)                                                                     \
+    KRN_KERNEL(MirrorKernel, name)                                                                              \
+    {                                                                                                           \
+        return mirror<pixelBytes, moved>(from(source, sourceStep), to(destination, step), width, height, flip); \
+    }                                                                                                           \
+    KRN_KERNEL(MirrorInPlaceKernel, name##I)                                                                    \
+    {                                                                                                           \
+        return mirrorInPlace<pixelBytes, moved>(to(image, step), width, height, flip);                          \
     }
 
 #define ORV_MIRRORS(samples, sampleBytes)                                \

@@ -27,8 +27,7 @@ struct Xor {
 };
 
 template <class Sample, std::size_t layout, class Operator>
-KrnStatus constants(const void *values, Given<const void *> in, Given<void *> out, std::int32_t width,
-                    std::int32_t height)
+KrnStatus constants(const void *values, ConstRaster in, Raster out, std::int32_t width, std::int32_t height)
 {
     const auto make = [](Sample value) { return WithConstant<Operator, Sample>{{}, value}; };
     return computeByChannel<Sample, layout, Sample>(values, width, height, make, out, in);
@@ -36,30 +35,29 @@ KrnStatus constants(const void *values, Given<const void *> in, Given<void *> ou
 
 } // namespace
 
-#define ORV_IMAGES(layout, stem, Sample, Operator)                                                                 \
-    KRN_KERNEL(BinaryKernel, stem##layout)                                                                         \
+#define ORV_IMAGES(layout, stem, Sample, Operator)                                                             \
+    KRN_KERNEL(BinaryKernel, stem##layout)                                                                     \
+    {                                                                                                          \
+        return compute<Sample, layout>(width, height, Operator(), to(destination, step), from(source1, step1), \
+                                       from(source2, step2));                                                  \
+    }
+
+#define ORV_CONSTANTS(name, layout, Sample, Operator)                                                              \
+    KRN_KERNEL(ConstantsKernel, name)                                                                              \
     {                                                                                                              \
-        return compute<Sample, layout>(width, height, Operator(), Given{destination, step}, Given{source1, step1}, \
-                                       Given{source2, step2});                                                     \
+        return constants<Sample, layout, Operator>(values, from(source, sourceStep), to(destination, step), width, \
+                                                   height);                                                        \
     }
 
-#define ORV_CONSTANTS(name, layout, Sample, Operator)                                                                  \
-    KRN_KERNEL(ConstantsKernel, name)                                                                                  \
-    {                                                                                                                  \
-        return constants<Sample, layout, Operator>(values, Given{source, sourceStep}, Given{destination, step}, width, \
-                                                   height);                                                            \
-    }
-
-#define ORV_LOGIC(Operator, samples, Sample)                                                                     \
-    ORV_LAYOUTS(ORV_IMAGES, krn##Operator##samples, Sample, Operator)                                            \
-    KRN_KERNEL(ConstantKernel, krn##Operator##C##samples##C1)                                                    \
-    {                                                                                                            \
-        const Sample cut = static_cast<Sample>(value);                                                           \
-        return constants<Sample, C1, Operator>(&cut, Given{source, sourceStep}, Given{destination, step}, width, \
-                                               height);                                                          \
-    }                                                                                                            \
-    ORV_CONSTANTS(krn##Operator##C##samples##C3, C3, Sample, Operator)                                           \
-    ORV_CONSTANTS(krn##Operator##C##samples##C4, C4, Sample, Operator)                                           \
+#define ORV_LOGIC(Operator, samples, Sample)                                                                          \
+    ORV_LAYOUTS(ORV_IMAGES, krn##Operator##samples, Sample, Operator)                                                 \
+    KRN_KERNEL(ConstantKernel, krn##Operator##C##samples##C1)                                                         \
+    {                                                                                                                 \
+        const Sample cut = static_cast<Sample>(value);                                                                \
+        return constants<Sample, C1, Operator>(&cut, from(source, sourceStep), to(destination, step), width, height); \
+    }                                                                                                                 \
+    ORV_CONSTANTS(krn##Operator##C##samples##C3, C3, Sample, Operator)                                                \
+    ORV_CONSTANTS(krn##Operator##C##samples##C4, C4, Sample, Operator)                                                \
     ORV_CONSTANTS(krn##Operator##C##samples##AC4, AC4, Sample, Operator)
 
 ORV_LOGIC(And, 8u, std::uint8_t)

@@ -98,7 +98,7 @@ template <class Sample> inline Vector<Sample> vectorOf(ShiftRight<Sample> shift,
 #endif
 
 template <class Sample, std::size_t layout, template <class> class Shift>
-KrnStatus shifts(const void *counts, Given<const void *> in, Given<void *> out, std::int32_t width, std::int32_t height)
+KrnStatus shifts(const void *counts, ConstRaster in, Raster out, std::int32_t width, std::int32_t height)
 {
     const auto make = [](std::uint32_t count) { return Shift<Sample>{count}; };
     return computeByChannel<Sample, layout, std::uint32_t>(counts, width, height, make, out, in);
@@ -106,20 +106,19 @@ KrnStatus shifts(const void *counts, Given<const void *> in, Given<void *> out, 
 
 } // namespace
 
-#define ORV_SHIFTS(stem, layout, Sample, Shift)                                                                  \
-    KRN_KERNEL(ConstantsKernel, stem##layout)                                                                    \
-    {                                                                                                            \
-        return shifts<Sample, layout, Shift>(values, Given{source, sourceStep}, Given{destination, step}, width, \
-                                             height);                                                            \
+#define ORV_SHIFTS(stem, layout, Sample, Shift)                                                                       \
+    KRN_KERNEL(ConstantsKernel, stem##layout)                                                                         \
+    {                                                                                                                 \
+        return shifts<Sample, layout, Shift>(values, from(source, sourceStep), to(destination, step), width, height); \
     }
 
-#define ORV_SHIFT(stem, Sample, Shift)                                                                                \
-    KRN_KERNEL(ConstantKernel, stem##C1)                                                                              \
-    {                                                                                                                 \
-        return shifts<Sample, C1, Shift>(&value, Given{source, sourceStep}, Given{destination, step}, width, height); \
-    }                                                                                                                 \
-    ORV_SHIFTS(stem, C3, Sample, Shift)                                                                               \
-    ORV_SHIFTS(stem, C4, Sample, Shift)                                                                               \
+#define ORV_SHIFT(stem, Sample, Shift)                                                                            \
+    KRN_KERNEL(ConstantKernel, stem##C1)                                                                          \
+    {                                                                                                             \
+        return shifts<Sample, C1, Shift>(&value, from(source, sourceStep), to(destination, step), width, height); \
+    }                                                                                                             \
+    ORV_SHIFTS(stem, C3, Sample, Shift)                                                                           \
+    ORV_SHIFTS(stem, C4, Sample, Shift)                                                                           \
     ORV_SHIFTS(stem, AC4, Sample, Shift)
 
 ORV_SHIFT(krnLShiftC8u, std::uint8_t, ShiftLeft)

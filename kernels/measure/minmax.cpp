@@ -62,13 +62,13 @@ void Extremes::takeRow(std::size_t samples, const unsigned char *in)
 
 // Zeros of both signs are equal, and which of them is met first depends on the order of the search. It is the first of
 // the raster.
-float withSignOfFirstZero(float value, std::size_t channel, std::size_t channels, Given<const void *> source,
+float withSignOfFirstZero(float value, std::size_t channel, std::size_t channels, ConstRaster source,
                           std::int32_t width, std::int32_t height)
 {
     if (value != 0)
         return value;
     for (std::int32_t y = 0; y < height; ++y) {
-        const auto row = rowOf(from(source.data, source.step, channels), y);
+        const unsigned char *const row = source.fromRow(y).data;
         for (std::size_t i = channel; i < static_cast<std::size_t>(width) * channels; i += channels)
             if (load<float>(row, i) == 0)
                 return load<float>(row, i);
@@ -76,7 +76,7 @@ float withSignOfFirstZero(float value, std::size_t channel, std::size_t channels
     return value;
 }
 
-KrnStatus minMax(std::size_t channels, std::size_t searched, Given<const void *> source, std::int32_t width,
+KrnStatus minMax(std::size_t channels, std::size_t searched, ConstRaster source, std::int32_t width,
                  std::int32_t height, float *minima, float *maxima)
 {
     if (source.data == nullptr || minima == nullptr || maxima == nullptr)
@@ -91,7 +91,7 @@ KrnStatus minMax(std::size_t channels, std::size_t searched, Given<const void *>
         extremes.high[lane] = -__builtin_inff();
     }
     const auto row = [&](std::size_t pixels, const unsigned char *in) { extremes.takeRow(pixels * channels, in); };
-    overRows(width, height, row, from(source.data, source.step, channels * sizeof(float)));
+    overRows(width, height, row, Pixels{source, channels * sizeof(float)});
     for (std::size_t channel = 0; channel < searched; ++channel) {
         for (std::size_t lane = channel + channels; lane < lanes; lane += channels)
             extremes.fold(lane, channel);
@@ -108,10 +108,10 @@ constexpr std::size_t searchedOf(std::size_t layout)
 
 } // namespace
 
-#define ORV_MIN_MAX(layout, ...)                                                                             \
-    KRN_KERNEL(MinMaxKernel, krnMinMax32f##layout)                                                           \
-    {                                                                                                        \
-        return minMax(samplesOf(layout), searchedOf(layout), {source, step}, width, height, minima, maxima); \
+#define ORV_MIN_MAX(layout, ...)                                                                                 \
+    KRN_KERNEL(MinMaxKernel, krnMinMax32f##layout)                                                               \
+    {                                                                                                            \
+        return minMax(samplesOf(layout), searchedOf(layout), from(source, step), width, height, minima, maxima); \
     }
 
 ORV_LAYOUTS(ORV_MIN_MAX, )

@@ -7,6 +7,8 @@
 #include <type_traits>
 #include <utility>
 
+#include "raster.h"
+
 #if defined(__x86_64__) || defined(__i386__)
 #if ORV_SLOT >= 6
 #include <immintrin.h>

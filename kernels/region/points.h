@@ -118,35 +118,26 @@ template <class Out, class In, class Operator, class... Source>
     }
 }
 
-// A raster as a kernel is given it.
-template <class Pointer> struct Given {
-    Pointer data;
-    std::int32_t step;
-};
-template <class Pointer> Given(Pointer *, std::int32_t) -> Given<Pointer *>;
-
 // C1, C3 and C4 are one code: pixels of so many samples.
 template <class Out, class In, class Operator, class... Source>
 [[gnu::noinline]] KrnStatus computePixels(std::size_t channels, std::int32_t width, std::int32_t height,
-                                          Operator operation, Given<void *> out, Source... in)
+                                          Operator operation, Raster out, Source... in)
 {
     const auto row = [=](std::size_t pixels, unsigned char *result, auto *...sources) {
         computeRow<Out, In>(pixels * channels, operation, result, sources...);
     };
-    return overRows(width, height, row, to(out.data, out.step, channels * sizeof(Out)),
-                    from(in.data, in.step, channels * sizeof(In))...);
+    return overRows(width, height, row, Pixels{out, channels * sizeof(Out)}, Pixels{in, channels * sizeof(In)}...);
 }
 
 template <class Out, std::size_t layout, class In = Out, class Operator, class... Source>
-inline KrnStatus compute(std::int32_t width, std::int32_t height, Operator operation, Given<void *> out, Source... in)
+inline KrnStatus compute(std::int32_t width, std::int32_t height, Operator operation, Raster out, Source... in)
 {
     if constexpr (layout != AC4)
         return computePixels<Out, In>(layout, width, height, operation, out, in...);
     const auto row = [=](std::size_t pixels, unsigned char *result, auto *...sources) {
         computeThreeOfFour<Out, In>(pixels, operation, result, sources...);
     };
-    return overRows(width, height, row, to(out.data, out.step, 4 * sizeof(Out)),
-                    from(in.data, in.step, 4 * sizeof(In))...);
+    return overRows(width, height, row, Pixels{out, 4 * sizeof(Out)}, Pixels{in, 4 * sizeof(In)}...);
 }
 
 // One row of so many samples.
@@ -165,8 +156,8 @@ inline KrnStatus computeOneRow(std::int32_t length, Operator operation, void *ou
 // Pixels of `channels` samples, of which the first `computed` are computed, each channel by an operator of its own.
 template <class Sample, class Value, class Make>
 [[gnu::noinline]] KrnStatus computeChannels(std::size_t channels, std::size_t computed, const void *values,
-                                            std::int32_t width, std::int32_t height, Make make, Given<void *> out,
-                                            Given<const void *> in)
+                                            std::int32_t width, std::int32_t height, Make make, Raster out,
+                                            ConstRaster in)
 {
     const auto row = [=](std::size_t pixels, unsigned char *result, const unsigned char *source) {
         for (std::size_t channel = 0; channel < computed; ++channel) {
@@ -178,14 +169,14 @@ template <class Sample, class Value, class Make>
         }
     };
     const std::size_t pixelBytes = channels * sizeof(Sample);
-    return overRows(width, height, row, to(out.data, out.step, pixelBytes), from(in.data, in.step, pixelBytes));
+    return overRows(width, height, row, Pixels{out, pixelBytes}, Pixels{in, pixelBytes});
 }
 
 // A raster and one value a channel. Where the values are all the same, which is the common case, a pixel is as many
 // samples of one channel.
 template <class Sample, std::size_t layout, class Value, class Make>
-inline KrnStatus computeByChannel(const void *values, std::int32_t width, std::int32_t height, Make make,
-                                  Given<void *> out, Given<const void *> in)
+inline KrnStatus computeByChannel(const void *values, std::int32_t width, std::int32_t height, Make make, Raster out,
+                                  ConstRaster in)
 {
     if (values == nullptr)
         return KRN_NULL_POINTER;

@@ -13,11 +13,10 @@ inline Window flipped(const Window &window)
 }
 
 // The tests of such a kernel in their order, but for those of its own.
-inline KrnStatus checkWindow(Given<const void *> source, Given<void *> destination, std::int32_t width,
-                             std::int32_t height, const Window &window)
+inline KrnStatus checkWindow(ConstRaster source, Raster destination, std::int32_t width, std::int32_t height,
+                             const Window &window)
 {
-    const KrnStatus refusal =
-        testRectangles(width, height, from(source.data, source.step, 1), to(destination.data, destination.step, 1));
+    const KrnStatus refusal = testRasters(width, height, source, destination);
     if (refusal != KRN_OK)
         return refusal;
     if (window.columns < 1 || window.rows < 1)
@@ -27,18 +26,18 @@ inline KrnStatus checkWindow(Given<const void *> source, Given<void *> destinati
     return KRN_OK;
 }
 
-// The first sample of the first pixel's window.
-inline const unsigned char *firstOf(Given<const void *> source, const Window &window, std::size_t pixelBytes)
+// The source from the first pixel's window on.
+inline ConstRaster firstOf(ConstRaster source, const Window &window, std::size_t pixelBytes)
 {
-    return static_cast<const unsigned char *>(source.data) - static_cast<std::ptrdiff_t>(window.anchorY) * source.step -
-           static_cast<std::ptrdiff_t>(window.anchorX) * static_cast<std::ptrdiff_t>(pixelBytes);
+    return source.fromRow(-std::int64_t{window.anchorY})
+        .fromByte(-std::int64_t{window.anchorX} * static_cast<std::int64_t>(pixelBytes));
 }
 
 // Runs row(samples, in, out) over all rows, where `in` is the first sample of the first pixel's window. Source and
 // destination are different rasters. Pixels whose fourth sample stays are computed into a buffer, and moved from there.
 template <class Sample, class Out, class Row>
-inline KrnStatus overWindows(std::size_t layout, Given<const void *> source, Given<void *> destination,
-                             std::int32_t width, std::int32_t height, const Window &window, Row row)
+inline KrnStatus overWindows(std::size_t layout, ConstRaster source, Raster destination, std::int32_t width,
+                             std::int32_t height, const Window &window, Row row)
 {
     const std::size_t channels = samplesOf(layout), pixelBytes = channels * sizeof(Sample);
     const auto all = [&](std::size_t pixels, const unsigned char *in, unsigned char *out) {
@@ -52,8 +51,8 @@ inline KrnStatus overWindows(std::size_t layout, Given<const void *> source, Giv
             moveThreeOfFour<Out>(some, buffer, out + i * 4 * sizeof(Out));
         }
     };
-    return overRows(width, height, all, from(firstOf(source, window, pixelBytes), source.step, pixelBytes),
-                    to(destination.data, destination.step, channels * sizeof(Out)));
+    return overRows(width, height, all, Pixels{firstOf(source, window, pixelBytes), pixelBytes},
+                    Pixels{destination, channels * sizeof(Out)});
 }
 
 // Runs block(in, out) over a row in blocks of so many samples. The last block overlaps the one before it, so the row

@@ -128,8 +128,8 @@ template <class Sample> struct ToFloat {
 };
 
 template <class Sample, std::size_t layout>
-KrnStatus convertToIntegers(Given<const void *> source, Given<void *> destination, std::int32_t width,
-                            std::int32_t height, std::int32_t rounding)
+KrnStatus convertToIntegers(ConstRaster source, Raster destination, std::int32_t width, std::int32_t height,
+                            std::int32_t rounding)
 {
     const auto run = [=](auto operation) {
         return compute<Sample, layout, float>(width, height, operation, destination, source);
@@ -146,17 +146,18 @@ KrnStatus convertToIntegers(Given<const void *> source, Given<void *> destinatio
 
 } // namespace
 
-#define ORV_TO_FLOATS(name, Sample, layout)                                                               \
-    KRN_KERNEL(CopyKernel, name)                                                                          \
-    {                                                                                                     \
-        return compute<float, layout, Sample>(width, height, ToFloat<Sample>(), Given{destination, step}, \
-                                              Given{source, sourceStep});                                 \
+#define ORV_TO_FLOATS(name, Sample, layout)                                                            \
+    KRN_KERNEL(CopyKernel, name)                                                                       \
+    {                                                                                                  \
+        return compute<float, layout, Sample>(width, height, ToFloat<Sample>(), to(destination, step), \
+                                              from(source, sourceStep));                               \
     }
 
-#define ORV_TO_INTEGERS(layout, stem, Sample)                                                                         \
-    KRN_KERNEL(ConvertRoundKernel, stem##layout)                                                                      \
-    {                                                                                                                 \
-        return convertToIntegers<Sample, layout>({source, sourceStep}, {destination, step}, width, height, rounding); \
+#define ORV_TO_INTEGERS(layout, stem, Sample)                                                                    \
+    KRN_KERNEL(ConvertRoundKernel, stem##layout)                                                                 \
+    {                                                                                                            \
+        return convertToIntegers<Sample, layout>(from(source, sourceStep), to(destination, step), width, height, \
+                                                 rounding);                                                      \
     }
 
 #define ORV_CONVERSIONS(samples, Sample)                    \

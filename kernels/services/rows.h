@@ -1,6 +1,7 @@
 // Walking rectangles row by row, and samples at any address. To be included inside the unnamed namespace of whoever
 // uses it: a kernel's region, so that each build compiles these for its own processor, or a source of the front end.
-// The includer has <cstddef> and <cstdint>.
+// The includer has <cstddef>, <cstdint> and
+// raster.h.
 
 // Rows are independent of each other and so are a row's samples. A loop over them may therefore run in vectors even
 // where source and destination are the same raster.
@@ -27,59 +28,53 @@ template <class Sample> inline void store(void *row, std::size_t index, Sample s
     __builtin_memcpy(static_cast<unsigned char *>(row) + index * sizeof(Sample), &sample, sizeof(Sample));
 }
 
-// A raster with the bytes of its pixels.
-template <class Byte> struct Rectangle {
-    Byte *row;
-    std::int32_t step;
-    std::int32_t pixelBytes;
+// The rasters of a kernel's parameters.
+inline ConstRaster from(const void *source, std::int32_t step)
+{
+    return {static_cast<const unsigned char *>(source), step};
+}
+inline Raster to(void *destination, std::int32_t step)
+{
+    return {static_cast<unsigned char *>(destination), step};
+}
+
+// A raster with the bytes of its pixels, which tell whether its rows are dense.
+template <class Byte> struct Pixels {
+    RasterOf<Byte> raster;
+    std::size_t pixelBytes;
 };
-
-inline Rectangle<const unsigned char> from(const void *source, std::int32_t step, std::size_t pixelBytes)
-{
-    return {static_cast<const unsigned char *>(source), step, static_cast<std::int32_t>(pixelBytes)};
-}
-
-inline Rectangle<unsigned char> to(void *destination, std::int32_t step, std::size_t pixelBytes)
-{
-    return {static_cast<unsigned char *>(destination), step, static_cast<std::int32_t>(pixelBytes)};
-}
-
-template <class Byte> inline Byte *rowOf(Rectangle<Byte> rectangle, std::int32_t y)
-{
-    return rectangle.row + static_cast<std::ptrdiff_t>(y) * rectangle.step;
-}
+template <class Byte> Pixels(RasterOf<Byte>, std::size_t) -> Pixels<Byte>;
 
 // The tests that every kernel makes, in their order. 0 where nothing is refused.
-template <class... Rectangles>
-inline std::int32_t testRectangles(std::int32_t width, std::int32_t height, Rectangles... rectangles)
+template <class... Byte>
+inline std::int32_t testRasters(std::int32_t width, std::int32_t height, RasterOf<Byte>... rasters)
 {
     enum : std::int32_t { Ok = 0, BadSize = -6, NullPointer = -8, BadStep = -14 };
-    if ((... || !rectangles.row))
+    if ((... || (rasters.data == nullptr)))
         return NullPointer;
     if (width < 1 || height < 1)
         return BadSize;
-    if ((... || (rectangles.step < 1)))
+    if ((... || (rasters.step < 1)))
         return BadStep;
     return Ok;
 }
 
-// Runs row(pixels, pointers...) over the rows of rectangles of one size, after those tests. Where all rows are dense
-// the whole is one row.
-template <class Row, class... Rectangles>
-inline std::int32_t overRows(std::int32_t width, std::int32_t height, Row row, Rectangles... rectangles)
+// Runs row(pixels, pointers...) over the rows of rasters of one size, after those tests. Where all rows are dense the
+// whole is one row.
+template <class Row, class... Byte>
+inline std::int32_t overRows(std::int32_t width, std::int32_t height, Row row, Pixels<Byte>... of)
 {
-    if (const std::int32_t refusal = testRectangles(width, height, rectangles...); refusal != 0)
+    if (const std::int32_t refusal = testRasters(width, height, of.raster...); refusal != 0)
         return refusal;
     std::size_t pixels = static_cast<std::size_t>(width);
-    if ((... &&
-         (static_cast<std::size_t>(rectangles.step) == pixels * static_cast<std::size_t>(rectangles.pixelBytes)))) {
+    if ((... && (static_cast<std::size_t>(of.raster.step) == pixels * of.pixelBytes))) {
         pixels *= static_cast<std::size_t>(height);
         height = 1;
     }
-    row(pixels, rectangles.row...);
+    row(pixels, of.raster.data...);
     while (--height > 0) {
-        ((rectangles.row += rectangles.step), ...);
-        row(pixels, rectangles.row...);
+        ((of.raster.data += of.raster.step), ...);
+        row(pixels, of.raster.data...);
     }
     return 0;
 }
