@@ -12,10 +12,13 @@ namespace {
 #include "points.h"
 
 template <class Sample> struct Magnitude {
+    // In the width of the sample: the lowest value counts as the next one before it is negated.
     Sample operator()(Sample value) const
     {
-        const std::int32_t negated = -std::int32_t{value}, top = (1 << (8 * sizeof(Sample) - 1)) - 1;
-        return static_cast<Sample>(value >= 0 ? value : negated < top ? negated : top);
+        constexpr Sample negatable = static_cast<Sample>(-((1 << (8 * sizeof(Sample) - 1)) - 1));
+        const Sample bounded = value > negatable ? value : negatable;
+        const Sample negated = static_cast<Sample>(-bounded);
+        return value > negated ? value : negated;
     }
 };
 template <> inline std::int32_t Magnitude<std::int32_t>::operator()(std::int32_t value) const

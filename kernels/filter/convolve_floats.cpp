@@ -118,20 +118,22 @@ void sumRows(std::size_t rows, std::size_t samples, const unsigned char *in, uns
              const FloatWindow &window)
 {
 #if ORV_VECTOR_BYTES > 0
-    const auto sum = [&]<std::size_t vectors>(std::integral_constant<std::size_t, vectors>) {
-        const auto one = [&](const unsigned char *from, unsigned char *to) { sumOneRow<vectors>(from, to, window); };
-        const auto two = [&](const unsigned char *from, unsigned char *to) {
-            sumTwoRows<vectors>(from, to, outStep, window);
-        };
+    if (samples >= perVector<float>) {
+        constexpr std::size_t one = perVector<float>, most = mostVectors * one;
         if (rows == 1)
-            overBlocks<float, vectors * perVector<float>, float>(samples, in, out, one);
+            overBlocks<float, most, one, float>(
+                samples, in, out,
+                [&](const unsigned char *from, unsigned char *to) { sumOneRow<mostVectors>(from, to, window); },
+                [&](const unsigned char *from, unsigned char *to) { sumOneRow<1>(from, to, window); });
         else
-            overBlocks<float, vectors * perVector<float>, float>(samples, in, out, two);
-    };
-    if (samples >= mostVectors * perVector<float>)
-        return sum(std::integral_constant<std::size_t, mostVectors>());
-    if (samples >= perVector<float>)
-        return sum(std::integral_constant<std::size_t, 1>());
+            overBlocks<float, most, one, float>(
+                samples, in, out,
+                [&](const unsigned char *from, unsigned char *to) {
+                    sumTwoRows<mostVectors>(from, to, outStep, window);
+                },
+                [&](const unsigned char *from, unsigned char *to) { sumTwoRows<1>(from, to, outStep, window); });
+        return;
+    }
 #endif
     for (std::size_t row = 0; row < rows; ++row)
         sumPlainly(samples, in + static_cast<std::ptrdiff_t>(row) * window.rowBytes,

@@ -139,10 +139,7 @@ template <Pairing pairing, class Sample, class Finish>
     const auto most = [&](const unsigned char *from, unsigned char *to) {
         sumBlock<pairing, mostVectors>(from, to, list, finish);
     };
-    if (samples >= mostVectors * perVector<Sample>)
-        overBlocks<Sample, mostVectors * perVector<Sample>, Out>(samples, in, out, most);
-    else
-        overBlocks<Sample, perVector<Sample>, Out>(samples, in, out, one);
+    overBlocks<Sample, mostVectors * perVector<Sample>, perVector<Sample>, Out>(samples, in, out, most, one);
 }
 
 // Words from 32 bits that hold the sum with half of the divisor on top, and bytes from those.

@@ -55,14 +55,16 @@ inline KrnStatus overWindows(std::size_t layout, ConstRaster source, Raster dest
                     Pixels{destination, channels * sizeof(Out)});
 }
 
-// Runs block(in, out) over a row in blocks of so many samples. The last block overlaps the one before it, so the row
-// must have at least one.
-template <class Sample, std::size_t most, class Out, class Block>
-inline void overBlocks(std::size_t samples, const unsigned char *in, unsigned char *out, Block block)
+// Runs most(in, out) over a row in blocks of so many samples, and one(in, out) over its tail in vectors. The last
+// vector overlaps what is before it, so the row must have at least one.
+template <class Sample, std::size_t mostSamples, std::size_t oneSamples, class Out, class Most, class One>
+inline void overBlocks(std::size_t samples, const unsigned char *in, unsigned char *out, Most most, One one)
 {
     std::size_t i = 0;
-    for (; i + most <= samples; i += most)
-        block(in + i * sizeof(Sample), out + i * sizeof(Out));
+    for (; i + mostSamples <= samples; i += mostSamples)
+        most(in + i * sizeof(Sample), out + i * sizeof(Out));
+    for (; i + oneSamples <= samples; i += oneSamples)
+        one(in + i * sizeof(Sample), out + i * sizeof(Out));
     if (i < samples)
-        block(in + (samples - most) * sizeof(Sample), out + (samples - most) * sizeof(Out));
+        one(in + (samples - oneSamples) * sizeof(Sample), out + (samples - oneSamples) * sizeof(Out));
 }
