@@ -55,10 +55,10 @@
  * different positions, the call is safe and the result is unspecified.
  *
  * **Alignment and steps.** Samples may start at any byte address. `widthStep` may be any positive number. Some
- * operations address rows in whole samples: arithmetic at 32S, and arithmetic with an integer constant at 16U, 16S and
- * 32S. These round `widthStep` down to a multiple of the sample size. Row y of the rectangle then starts at its first
- * row plus y times the rounded step, with and without a mask. If `widthStep` is smaller than one sample, such an
- * operation writes nothing and succeeds.
+ * operations address rows in whole samples: sums, differences and products at 32S, and orvAddS() and orvSubtractS() at
+ * 16U. These round `widthStep` down to a multiple of the sample size. The first row of a rectangle starts where the
+ * header says; row y starts y times the rounded step further on. The rule is the same with and without a mask or a
+ * `coi`. If `widthStep` is smaller than one sample, such an operation writes nothing and succeeds.
  *
  * **Builds.** Every kernel exists in seven builds, one per instruction set. Until orvUseBuild() or krnClassify() is
  * called, the plain build runs. All builds give the same results to the last bit, with one exception: if several
