@@ -993,8 +993,8 @@ ORV_API int32_t krnCpuCode(void);
 
 /**
  * Finds the smallest and the largest sample of a float image: min = min src(x, y) and max = max src(x, y), over all
- * pixels of the rectangle and all channels to process. Depth 32F. Pixel and plane order, 1, 3 and 4 channels,
- * rectangles and channels of interest. An alpha channel is not searched: of four channels with a non-zero
+ * pixels of the rectangle and all channels to process. Depth 32F. Pixel order with 1, 3 and 4 channels, or any number and
+ * a `coi`; plane order with any number. Rectangles. An alpha channel is not searched: of four channels with a non-zero
  * `alphaChannel` and no `coi`, three are. The mask of the image must be valid but is not used.
  *
  * Both results start with the first sample. A further sample replaces a result if it is smaller or larger in a
@@ -1005,7 +1005,8 @@ ORV_API int32_t krnCpuCode(void);
  * - the header status; the call then returns #ORV_STATUS_BAD_ARGUMENT, and orvGetErrStatus() the header status;
  * - #ORV_STATUS_BAD_ARGUMENT for null `min` or `max`;
  * - #ORV_STATUS_BAD_ARGUMENT for any other depth;
- * - #ORV_STATUS_NOT_IMPLEMENTED for a tiled image.
+ * - #ORV_STATUS_NOT_IMPLEMENTED for a tiled image;
+ * - #ORV_STATUS_NO_MEMORY, only for a `coi` in pixel order with 2 or more than 4 channels.
  *
  * An image of one channel which is an alpha channel, without a `coi`, has nothing to search. The call then returns 0
  * before it tests for tiles, and `min` and `max` keep their values. They also keep their values
@@ -1021,7 +1022,8 @@ ORV_API int32_t krnCpuCode(void);
  * @param srcImage  the image
  * @param min       receives the smallest sample
  * @param max       receives the largest sample
- * @return          0, #ORV_STATUS_BAD_ARGUMENT or #ORV_STATUS_NOT_IMPLEMENTED, whatever the report handler returns
+ * @return          0, #ORV_STATUS_BAD_ARGUMENT or #ORV_STATUS_NOT_IMPLEMENTED, whatever the report handler returns; for
+ *                  exhausted memory what the report handler returns
  */
 ORV_API OrvStatus orvMinMaxFP(const OrvImage *srcImage, float *min, float *max);
 /** @} */

@@ -16,7 +16,14 @@ KrnStatus move(const Kernel<CopyKernel> &kernel, ConstRaster from, Raster to, Si
 KrnStatus gather(const Operand &image, ConstRaster pixels, Raster channel, Size size)
 {
     const ChannelKernels &kernels = channelKernels(image.sampleBytes);
-    return move(image.image->nChannels == 3 ? kernels.extractC3 : kernels.extractC4, pixels, channel, size);
+    if (image.served())
+        return move(image.image->nChannels == 3 ? kernels.extractC3 : kernels.extractC4, pixels, channel, size);
+    // The pixels of a row as rows of one sample.
+    KrnStatus status = KRN_OK;
+    for (std::int32_t row = 0; row < size.height && status == KRN_OK; ++row)
+        status = move(kernels.copy.c1, {pixels.fromRow(row).data, image.pixelBytes},
+                      {channel.fromRow(row).data, image.sampleBytes}, {1, size.width});
+    return status;
 }
 
 KrnStatus scatter(const Operand &image, ConstRaster channel, Raster pixels, Size size)

@@ -53,7 +53,8 @@ private:
     StripBuffer mergeBuffer_;    // the channel of interleaved pixels, as it was
 };
 
-// One channel of interleaved pixels, which are served, into a raster of its own, and back.
+// Copies one channel of interleaved pixels to a raster of that channel alone, and back. Pixels of three and four
+// samples have kernels for this; others can only be gathered.
 KrnStatus gather(const Operand &image, ConstRaster pixels, Raster channel, Size size);
 KrnStatus scatter(const Operand &image, ConstRaster channel, Raster pixels, Size size);
 

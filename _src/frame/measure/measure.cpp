@@ -32,7 +32,8 @@ private:
     const OrvImage &image(std::size_t index) const { return index == 0 ? *call_.image : *call_.other; }
     bool gathers(std::size_t index) const
     {
-        return operands_[index].interleaved && call_.selected == Selected::Gathered;
+        const Operand &operand = operands_[index];
+        return operand.interleaved && (call_.selected == Selected::Gathered || !operand.served());
     }
     bool resolveImages();
     std::int64_t loopBytes(std::int32_t rows) const
@@ -62,8 +63,6 @@ bool StripReader::resolveImages()
     const bool planes = images_.inPlanes();
     for (std::size_t i = 0; i < count(); ++i) {
         Operand &operand = operands_[i] = resolve(image(i), planes);
-        if (!operand.served())
-            return false;
         // Whole pixels start at their first sample.
         if (operand.interleaved && !gathers(i))
             operand.start.raster =

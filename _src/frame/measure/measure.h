@@ -10,7 +10,7 @@ namespace orv {
 // What a loop is given where one channel of interleaved pixels is selected.
 enum class Selected {
     Gathered,    // a raster of that channel alone, strip by strip
-    WholePixels, // the pixels; Work::channel says which of their samples counts
+    WholePixels, // pixels of three or four samples; Work::channel says which of them counts
 };
 
 struct MeasureCall {
