@@ -20,8 +20,9 @@ struct Pattern {
 
     Pattern(const void *pixel, std::size_t size) : pixelBytes(size)
     {
-        for (std::size_t at = 0; at < sizeof bytes; ++at)
-            bytes[at] = static_cast<const unsigned char *>(pixel)[at % size];
+        __builtin_memcpy(bytes, pixel, size);
+        for (std::size_t laid = size; laid < sizeof bytes; laid *= 2)
+            __builtin_memcpy(bytes + laid, bytes, laid < sizeof bytes - laid ? laid : sizeof bytes - laid);
     }
 };
 
@@ -61,65 +62,77 @@ void fillRow(std::size_t bytes, const Pattern &pattern, unsigned char *out)
     }
 }
 
-// The runtime's own fill of bytes is faster as long as the caches take it in.
 constexpr std::size_t largeRowBytes = std::size_t{1} << 20;
 
-[[gnu::noinline]] KrnStatus fill(const void *pixel, std::size_t pixelBytes, void *destination, std::int32_t step,
-                                 std::int32_t width, std::int32_t height)
+// The runtime's own fill of bytes is the fastest where there are no vectors, and as long as the caches take it in.
+inline bool fillsLikeRuntime(std::size_t bytes)
+{
+    return ORV_VECTOR_BYTES == 0 || bytes < largeRowBytes;
+}
+
+[[gnu::noinline]] KrnStatus fillBytes(unsigned char byte, Raster out, std::int32_t width, std::int32_t height)
+{
+    const auto row = [byte](std::size_t pixels, unsigned char *at) {
+        if (fillsLikeRuntime(pixels))
+            __builtin_memset(at, byte, pixels);
+        else
+            fillRow(pixels, Pattern(&byte, 1), at);
+    };
+    return overRows(width, height, row, Pixels{out, std::size_t{1}});
+}
+
+[[gnu::noinline]] KrnStatus fill(const void *pixel, std::size_t pixelBytes, Raster out, std::int32_t width,
+                                 std::int32_t height)
 {
     if (pixel == nullptr)
         return KRN_NULL_POINTER;
     const Pattern pattern(pixel, pixelBytes);
-    const auto row = [&](std::size_t pixels, unsigned char *out) {
-        if (pixelBytes == 1 && (ORV_VECTOR_BYTES == 0 || pixels < largeRowBytes))
-            __builtin_memset(out, pattern.bytes[0], pixels);
-        else
-            fillRow(pixels * pixelBytes, pattern, out);
-    };
-    return overRows(width, height, row, Pixels{to(destination, step), pixelBytes});
+    const auto row = [&](std::size_t pixels, unsigned char *at) { fillRow(pixels * pixelBytes, pattern, at); };
+    return overRows(width, height, row, Pixels{out, pixelBytes});
 }
 
-template <class Sample>
-KrnStatus fillSamples(std::int32_t value, void *destination, std::int32_t step, std::int32_t width, std::int32_t height)
+template <class Sample> KrnStatus fillSamples(std::int32_t value, Raster out, std::int32_t width, std::int32_t height)
 {
     const Sample sample = static_cast<Sample>(value);
-    return fill(&sample, sizeof sample, destination, step, width, height);
+    if constexpr (sizeof(Sample) == 1)
+        return fillBytes(sample, out, width, height);
+    else
+        return fill(&sample, sizeof sample, out, width, height);
 }
 
 template <class Sample>
-KrnStatus fillThreeOfFour(const void *values, void *destination, std::int32_t step, std::int32_t width,
-                          std::int32_t height)
+KrnStatus fillThreeOfFour(const void *values, Raster out, std::int32_t width, std::int32_t height)
 {
     if (values == nullptr)
         return KRN_NULL_POINTER;
     unsigned char pixels[4 * sizeof(Sample) * 16];
     for (std::size_t i = 0; i < 64; ++i)
         store(pixels, i, i % 4 < 3 ? load<Sample>(values, i % 4) : Sample{0});
-    const auto row = [&](std::size_t count, unsigned char *out) {
+    const auto row = [&](std::size_t count, unsigned char *at) {
         for (std::size_t i = 0; i < count; i += 16)
-            moveThreeOfFour<Sample>(count - i < 16 ? count - i : 16, pixels, out + 4 * sizeof(Sample) * i);
+            moveThreeOfFour<Sample>(count - i < 16 ? count - i : 16, pixels, at + 4 * sizeof(Sample) * i);
     };
-    return overRows(width, height, row, Pixels{to(destination, step), 4 * sizeof(Sample)});
+    return overRows(width, height, row, Pixels{out, 4 * sizeof(Sample)});
 }
 
 } // namespace
 
-#define ORV_FILL(samples, Sample)                                                  \
-    KRN_KERNEL(FillKernel, krnFill##samples##C1)                                   \
-    {                                                                              \
-        return fillSamples<Sample>(value, destination, step, width, height);       \
-    }                                                                              \
-    KRN_KERNEL(FillPixelsKernel, krnFill##samples##C3)                             \
-    {                                                                              \
-        return fill(values, 3 * sizeof(Sample), destination, step, width, height); \
-    }                                                                              \
-    KRN_KERNEL(FillPixelsKernel, krnFill##samples##C4)                             \
-    {                                                                              \
-        return fill(values, 4 * sizeof(Sample), destination, step, width, height); \
-    }                                                                              \
-    KRN_KERNEL(FillPixelsKernel, krnFill##samples##AC4)                            \
-    {                                                                              \
-        return fillThreeOfFour<Sample>(values, destination, step, width, height);  \
+#define ORV_FILL(samples, Sample)                                                      \
+    KRN_KERNEL(FillKernel, krnFill##samples##C1)                                       \
+    {                                                                                  \
+        return fillSamples<Sample>(value, to(destination, step), width, height);       \
+    }                                                                                  \
+    KRN_KERNEL(FillPixelsKernel, krnFill##samples##C3)                                 \
+    {                                                                                  \
+        return fill(values, 3 * sizeof(Sample), to(destination, step), width, height); \
+    }                                                                                  \
+    KRN_KERNEL(FillPixelsKernel, krnFill##samples##C4)                                 \
+    {                                                                                  \
+        return fill(values, 4 * sizeof(Sample), to(destination, step), width, height); \
+    }                                                                                  \
+    KRN_KERNEL(FillPixelsKernel, krnFill##samples##AC4)                                \
+    {                                                                                  \
+        return fillThreeOfFour<Sample>(values, to(destination, step), width, height);  \
     }
 
 ORV_FILL(8u, std::uint8_t)
