@@ -47,8 +47,9 @@ public:
 private:
     void start(const unsigned char *sample)
     {
+        // A copy by value would quiet a signalling NaN on the x87.
         std::memcpy(&min_, sample, sizeof min_);
-        max_ = min_;
+        std::memcpy(&max_, sample, sizeof max_);
         started_ = true;
     }
 

@@ -52,7 +52,8 @@
  * **Masks.** A pixel is written if the bitwise AND of its bytes in all masks of the call is not 0.
  *
  * **In place.** Source and destination may be the same raster where the function says so. If two rasters overlap at
- * different positions, the call is safe and the result is unspecified.
+ * different positions, or if `widthStep` is smaller than a row so that rows overlap, the call is safe. The result is
+ * then unspecified and may depend on the build.
  *
  * **Alignment and steps.** Samples may start at any byte address. `widthStep` may be any positive number. Some
  * operations address rows in whole samples: sums, differences and products at 32S, and orvAddS() and orvSubtractS() at
@@ -61,8 +62,9 @@
  * `coi`. If `widthStep` is smaller than one sample, such an operation writes nothing and succeeds.
  *
  * **Builds.** Every kernel exists in seven builds, one per instruction set. Until orvUseBuild() or krnClassify() is
- * called, the plain build runs. All builds give the same results to the last bit, with one exception: if several
- * operands of a float sum are not-a-number, which of their payloads the result has depends on the build.
+ * called, the plain build runs. All builds give the same specified results to the last bit, with one exception: if
+ * several operands of a float sum or product are not-a-number, which of their payloads the result has depends on the
+ * build.
  *
  * **Threads.** Calls on different images may run at the same time. The error mode, the report handler and the stored
  * status are shared by the whole process and not synchronised. An image header must not be used by two calls at the
@@ -937,8 +939,8 @@ ORV_API void orvMirror(const OrvImage *srcImage, OrvImage *dstImage, int32_t fli
 
 /** @defgroup processor Choice of the build
  *  Every kernel exists in seven builds, one per instruction set. Until orvUseBuild() or krnClassify() is called, the
- *  plain build runs. Results do not depend on the build, except for the payload of a not-a-number in a sum of several
- *  operands.
+ *  plain build runs. Specified results do not depend on the build, except for the payload of a not-a-number in a sum or
+ *  product of several.
  *
  *  Choose the build once, at the start of the program, before any other call of the library:
  *  @code

@@ -4,6 +4,7 @@
 set -euo pipefail
 cmake=$1 generator=$2 source=$3 build=$4 prefix=$5 readelf=$6 language=$7 program=$8 compiler=$9
 shift 9
+run=(${ORV_EMULATOR:+"$ORV_EMULATOR"})
 flags=$*
 
 rm -rf "$build"
@@ -12,8 +13,8 @@ rm -rf "$build"
     -DCMAKE_"$language"_COMPILER="$compiler" -DCMAKE_"$language"_FLAGS="$flags"
 "$cmake" --build "$build"
 
-"$build/with_orv"
-"$build/with_orv_static"
+"${run[@]}" "$build/with_orv"
+"${run[@]}" "$build/with_orv_static"
 # Each program is linked with the library in its name, from the installed tree.
 "$readelf" -d "$build/with_orv" | grep 'NEEDED.*\[liborv\.so\.[0-9]*\]'
 "$readelf" -d "$build/with_orv" | grep "R.*PATH.*$prefix"

@@ -3,6 +3,7 @@
 set -euo pipefail
 pkg_config=$1 prefix=$2 readelf=$3 build=$4 program=$5 compiler=$6
 shift 6
+run=(${ORV_EMULATOR:+"$ORV_EMULATOR"})
 
 rm -rf "$build"
 mkdir -p "$build"
@@ -18,9 +19,9 @@ libdir=$("$pkg_config" --variable=libdir orv)
 # The archive by its file name: -lorv selects the shared library if both are installed.
 "$compiler" "$@" "${cflags[@]}" "$program" -o "$build/with_static" "$libdir/liborv.a" -lm
 
-LD_LIBRARY_PATH=$libdir "$build/with_shared"
-"$build/with_rpath"
-"$build/with_static"
+LD_LIBRARY_PATH=$libdir "${run[@]}" "$build/with_shared"
+"${run[@]}" "$build/with_rpath"
+"${run[@]}" "$build/with_static"
 "$readelf" -d "$build/with_shared" | grep 'NEEDED.*\[liborv\.so\.[0-9]*\]'
 if "$readelf" -d "$build/with_static" | grep 'NEEDED.*liborv'; then
     echo "the archive's application needs the shared library"
