@@ -15,17 +15,14 @@ constexpr std::int32_t untouched = -7;
 constexpr int coefficients[6] = {1, -1, -128, 127, 0, 5}; // of any type
 
 // What a get function fills, and which of its pointers are null.
+enum Pointer : unsigned { toRows = 1, toColumns = 2, toX = 4, toY = 8, toValues = 16, toShift = 32, toBuffer = 64 };
+
 struct Reading {
+    unsigned nulls = 0;
     std::int32_t columns = untouched, rows = untouched, x = untouched, y = untouched, shift = untouched;
     std::vector<int> values = std::vector<int>(6, untouched);
-    bool noColumns = false, noRows = false, noX = false, noY = false, noShift = false, noPointer = false,
-         noBuffer = false;
 
-    bool nothingWritten() const
-    {
-        return columns == untouched && rows == untouched && x == untouched && y == untouched && shift == untouched &&
-               values == std::vector<int>(6, untouched);
-    }
+    bool operator==(const Reading &) const = default;
 };
 
 // One form of the functions. Records of floats pass as those of integers, whose first fields are the same.
@@ -53,20 +50,19 @@ OrvConvKernel *make(std::int32_t columns, std::int32_t rows, std::int32_t x, std
 
 template <class Value, class Record, auto get> void read(const OrvConvKernel *kernel, Reading &reading)
 {
-    Value room[6], *values = reading.noBuffer ? nullptr : room;
+    Value room[6], *values = (reading.nulls & toBuffer) != 0 ? nullptr : room, *const before = values;
     std::fill(std::begin(room), std::end(room), Value(untouched));
-    const auto given = [](bool no, auto *pointer) { return no ? nullptr : pointer; };
+    const auto given = [&](Pointer which, auto *pointer) { return (reading.nulls & which) != 0 ? nullptr : pointer; };
     const auto call = [&](auto... shift) {
-        get(reinterpret_cast<const Record *>(kernel), given(reading.noColumns, &reading.columns),
-            given(reading.noRows, &reading.rows), given(reading.noX, &reading.x), given(reading.noY, &reading.y),
-            given(reading.noPointer, &values), shift...);
+        get(reinterpret_cast<const Record *>(kernel), given(toColumns, &reading.columns), given(toRows, &reading.rows),
+            given(toX, &reading.x), given(toY, &reading.y), given(toValues, &values), shift...);
     };
     if constexpr (std::is_same_v<Value, float>)
         call();
     else
-        call(given(reading.noShift, &reading.shift));
+        call(given(toShift, &reading.shift));
     std::copy(std::begin(room), std::end(room), reading.values.begin());
-    EXPECT_EQ(values, reading.noBuffer ? nullptr : room);
+    EXPECT_EQ(values, before);
 }
 
 const Form forms[] = {
@@ -99,11 +95,12 @@ protected:
         EXPECT_EQ(orvGetErrStatus(), status);
         reports.clear();
     }
-    void expectUnread(const OrvConvKernel *from, Reading reading, std::vector<const char *> contexts)
+    void expectUnread(const OrvConvKernel *from, unsigned nulls, std::vector<const char *> contexts)
     {
+        Reading reading = {nulls};
         form.read(from, reading);
         expectRefused(form.get, contexts);
-        EXPECT_TRUE(reading.nothingWritten());
+        EXPECT_EQ(reading, Reading{nulls});
     }
 
     const Form &form = GetParam();
@@ -123,14 +120,10 @@ TEST_P(ConvRecords, GiveBackWhatTheyWereCreatedWith)
         EXPECT_TRUE(one->nCols == row.columns && one->nRows == row.rows);
         EXPECT_TRUE(one->anchorX == row.columns - 1 - row.x && one->anchorY == row.rows - 1 - row.y);
         EXPECT_EQ(reinterpret_cast<std::uintptr_t>(one->values) % 32, 0u);
-        Reading reading;
+        Reading reading, expected = {0, row.columns, row.rows, row.x, row.y, form.shifts ? 3 : untouched};
+        std::copy_n(coefficients, row.columns * row.rows, expected.values.begin());
         form.read(one, reading);
-        EXPECT_TRUE(reading.columns == row.columns && reading.rows == row.rows);
-        EXPECT_TRUE(reading.x == row.x && reading.y == row.y);
-        EXPECT_EQ(reading.shift, form.shifts ? 3 : untouched);
-        for (int i = 0; i < 6; ++i)
-            EXPECT_EQ(reading.values[static_cast<std::size_t>(i)],
-                      i < row.columns * row.rows ? coefficients[i] : untouched);
+        EXPECT_EQ(reading, expected);
         form.release(one);
     }
 }
@@ -178,24 +171,22 @@ TEST_P(ConvRecords, NeedMemory)
 // Each set of null pointers, and the reports of the first step that finds one.
 TEST_P(ConvRecords, ReportNullPointers)
 {
-    for (unsigned null = 1; null < (form.shifts ? 64u : 32u); ++null) {
-        const auto isNull = [null](unsigned bit) { return (null & bit) != 0; };
-        Reading reading;
-        std::vector<const char *> size, anchor, last;
-        if (reading.noRows = isNull(1); reading.noRows)
-            size.push_back("nRows==0");
-        if (reading.noColumns = isNull(2); reading.noColumns)
-            size.push_back("nCols==0");
-        if (reading.noX = isNull(4); reading.noX)
-            anchor.push_back("anchorX==0");
-        if (reading.noY = isNull(8); reading.noY)
-            anchor.push_back("anchorY==0");
-        if (reading.noShift = isNull(32); reading.noShift)
-            last = {"nShiftR==0"};
-        if (reading.noPointer = isNull(16); reading.noPointer)
-            last = {"values==0"};
-        SCOPED_TRACE(null);
-        expectUnread(kernel, reading, !size.empty() ? size : !anchor.empty() ? anchor : last);
+    const struct {
+        Pointer pointer;
+        int step;
+        const char *context;
+    } rows[] = {{toRows, 1, "nRows==0"}, {toColumns, 1, "nCols==0"}, {toX, 2, "anchorX==0"},
+                {toY, 2, "anchorY==0"},  {toValues, 3, "values==0"}, {toShift, 4, "nShiftR==0"}};
+    for (unsigned nulls = 1; nulls < (form.shifts ? 64u : 32u); ++nulls) {
+        SCOPED_TRACE(nulls);
+        std::vector<const char *> contexts;
+        int first = 0;
+        for (const auto &[pointer, step, context] : rows)
+            if ((nulls & pointer) != 0 && (first == 0 || first == step)) {
+                first = step;
+                contexts.push_back(context);
+            }
+        expectUnread(kernel, nulls, contexts);
     }
 }
 
@@ -204,13 +195,11 @@ TEST_P(ConvRecords, ReportBadStructure)
     const struct {
         std::int32_t columns, rows, x, y;
     } rows[] = {{3, 0, 0, 0}, {0, 2, 0, 0}, {-1, -1, 0, 0}, {3, 2, -1, 0}, {3, 2, 0, -1}, {3, 2, 0, 2}, {3, 2, 3, 0}};
-    Reading ofLaterSteps;
-    ofLaterSteps.noRows = ofLaterSteps.noX = true;
     for (const auto &[columns, height, x, y] : rows) {
         const OrvConvKernel record = {columns, height, x, y, nullptr, 0};
-        expectUnread(&record, ofLaterSteps, {"Bad kernel structure"});
+        expectUnread(&record, toRows | toX, {"Bad kernel structure"});
     }
-    expectUnread(nullptr, {}, {"kernel==0"});
+    expectUnread(nullptr, 0, {"kernel==0"});
 }
 
 // A negative status of an earlier call stops the reading silently, behind the tests of the sizes' pointers and before
@@ -219,14 +208,12 @@ TEST_P(ConvRecords, LeftoverStatusStopsTheReading)
 {
     for (const OrvStatus leftover : {ORV_STATUS_BACKTRACE + 0, ORV_STATUS_BAD_COI + 0, leastInt}) {
         orvSetErrStatus(leftover);
-        Reading reading;
-        reading.noX = true;
+        Reading reading = {toX};
         form.read(kernel, reading);
         EXPECT_TRUE(reports.all().empty());
         EXPECT_EQ(orvGetErrStatus(), leftover);
-        EXPECT_TRUE(reading.nothingWritten());
-        reading.noColumns = true;
-        expectUnread(kernel, reading, {"nCols==0"});
+        EXPECT_EQ(reading, Reading{toX});
+        expectUnread(kernel, toX | toColumns, {"nCols==0"});
     }
     orvSetErrStatus(1);
     Reading reading;
@@ -238,12 +225,9 @@ TEST_P(ConvRecords, LeftoverStatusStopsTheReading)
 TEST_P(ConvRecords, ReadWithoutCoefficients)
 {
     const OrvConvKernel record = {3, 2, 0, 0, nullptr, 0};
-    Reading withoutTheirs, withoutOurs;
+    Reading withoutTheirs, withoutOurs = {toBuffer};
     form.read(&record, withoutTheirs);
-    EXPECT_TRUE(withoutTheirs.columns == 3 && withoutTheirs.rows == 2);
-    EXPECT_TRUE(withoutTheirs.x == 2 && withoutTheirs.y == 1);
-    EXPECT_EQ(withoutTheirs.values[0], untouched);
-    withoutOurs.noBuffer = true;
+    EXPECT_EQ(withoutTheirs, (Reading{0, 3, 2, 2, 1, form.shifts ? 0 : untouched}));
     form.read(kernel, withoutOurs);
     EXPECT_EQ(withoutOurs.columns, 3);
 }

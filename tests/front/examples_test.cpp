@@ -13,23 +13,17 @@ struct Example {
 };
 
 const Example ofTwoImages[] = {
-    {orvAdd, ORV_DEPTH_32S, mostInt, 1, mostInt},
     {orvAdd, ORV_DEPTH_32S, leastInt, -1, leastInt},
     {orvSubtract, ORV_DEPTH_16S, -32768, 1, -32768},
     {orvSubtract, ORV_DEPTH_32S, 0, leastInt, mostInt},
-    {orvMultiply, ORV_DEPTH_16S, -32768, -32768, 32767},
-    {orvMultiply, ORV_DEPTH_32S, 65536, 65536, mostInt},
     {orvMultiply, ORV_DEPTH_32S, -65536, 65536, leastInt},
     {orvMultiplyScale, ORV_DEPTH_8U, 255, 255, 255},
-    {orvMultiplyScale, ORV_DEPTH_8U, 128, 255, 128},
     {orvMultiplyScale, ORV_DEPTH_8U, 127, 2, 0}, // 254, one below full scale
     {orvMultiplyScale, ORV_DEPTH_16U, 65535, 1000, 1000},
     {orvMultiplyScale, ORV_DEPTH_16U, 65534, 1, 0},
 };
 
 const Example ofImageAndConstant[] = {
-    {orvAbs, ORV_DEPTH_8S, -128, 0, 127},
-    {orvAbs, ORV_DEPTH_32S, leastInt, 0, mostInt},
     {orvSquare, ORV_DEPTH_8S, -128, 0, 127},
     {orvSquare, ORV_DEPTH_16S, -32768, 0, 32767},
     {orvAddS, ORV_DEPTH_8U, 255, leastInt, 0},
@@ -84,53 +78,6 @@ TEST(Examples, Samples)
         check(row, false);
 }
 
-TEST(Examples, RectanglesAndMasksInCommon)
-{
-    Random random(5);
-    TestImage source({.width = 30, .height = 30}, random), destination({.width = 30, .height = 30}, random);
-    source.fill({ORV_DEPTH_8U, 7});
-    source.setRectangle(0, 3, 4, 10, 10);
-    source.setMask(randomMask(30, 30, random));
-    destination.setRectangle(0, 5, 6, 4, 20);
-    destination.setMask(randomMask(30, 30, random));
-    for (const std::uint32_t bits : {0u, 1u, 2u, 0x80u, 0xFFu}) {
-        destination.fill({ORV_DEPTH_8U, 1});
-        source.mask()->fill({ORV_DEPTH_1U, 0x82});
-        destination.mask()->fill({ORV_DEPTH_1U, bits});
-        EXPECT_EQ(orvCopy(&source.header, &destination.header), ORV_STATUS_OK);
-        const std::uint32_t within = bits > 1 ? 7 : 1;
-        for (int y = 0; y < 30; ++y)
-            for (int x = 0; x < 30; ++x)
-                EXPECT_EQ(destination.get(x, y, 0).bits, x >= 5 && x < 9 && y >= 6 && y < 16 ? within : 1u)
-                    << x << "," << y << ", mask " << bits;
-    }
-}
-
-// Which axis is which, also in place and with a middle row.
-TEST(Examples, Mirror)
-{
-    const struct {
-        std::int32_t axis, width, height;
-        std::vector<std::uint32_t> expected;
-    } rows[] = {{0, 3, 3, {7, 8, 9, 4, 5, 6, 1, 2, 3}},
-                {1, 3, 3, {3, 2, 1, 6, 5, 4, 9, 8, 7}},
-                {-1, 3, 3, {9, 8, 7, 6, 5, 4, 3, 2, 1}},
-                {0, 2, 2, {3, 4, 1, 2}},
-                {1, 4, 1, {4, 3, 2, 1}},
-                {-1, 1, 4, {4, 3, 2, 1}}};
-    Random random(31);
-    for (const auto &[axis, width, height, expected] : rows)
-        for (const bool inPlace : {false, true}) {
-            const Form form = {.depth = ORV_DEPTH_16S, .width = width, .height = height};
-            TestImage source(form, random), other(form, random), &destination = inPlace ? source : other;
-            for (int i = 0; i < width * height; ++i)
-                source.set(i % width, i / width, 0, {form.depth, 1u + static_cast<unsigned>(i)});
-            orvMirror(&source.header, &destination.header, axis);
-            for (int i = 0; i < width * height; ++i)
-                EXPECT_EQ(destination.get(i % width, i / width, 0).bits, expected[static_cast<std::size_t>(i)]) << axis;
-        }
-}
-
 // One channel of pixels beside a destination in planes is read as a plane: samples on end, from the channel's first.
 TEST(Mirror, PixelsBesidePlanesAreReadOnEnd)
 {
@@ -142,43 +89,6 @@ TEST(Mirror, PixelsBesidePlanesAreReadOnEnd)
     for (int y = 0; y < 2; ++y)
         for (int x = 0; x < 5; ++x)
             EXPECT_EQ(destination.get(4 - x, y, 0).bits, source.get((2 + x) / 3, y, (2 + x) % 3).bits) << x;
-}
-
-// The borders of an image of 3 x 2 samples, 2 pixels wide.
-TEST(Examples, Borders)
-{
-    constexpr int c = ORV_BORDER_CONSTANT, r = ORV_BORDER_REPLICATE, m = ORV_BORDER_REFLECT, w = ORV_BORDER_WRAP;
-    const struct {
-        std::int32_t modes[4]; // top, bottom, left, right
-        std::int32_t samples[6][7];
-    } rows[] = {{{4 + c, -4 + r, 8 + w, m},
-                 {{91, 91, 91, 91, 91, 91, 91},
-                  {91, 91, 91, 91, 91, 91, 91},
-                  {2, 3, 1, 2, 3, 3, 2},
-                  {5, 6, 4, 5, 6, 6, 5},
-                  {4, 4, 4, 5, 6, 6, 6},
-                  {4, 4, 4, 5, 6, 6, 6}}},
-                {{m, w, c, r},
-                 {{5, 4, 4, 5, 6, 6, 5},
-                  {2, 1, 1, 2, 3, 3, 2},
-                  {93, 93, 1, 2, 3, 3, 3},
-                  {93, 93, 4, 5, 6, 6, 6},
-                  {2, 3, 1, 2, 3, 1, 2},
-                  {5, 6, 4, 5, 6, 4, 5}}}};
-    Random random(5);
-    TestImage image({.width = 3, .height = 2}, random);
-    for (std::int32_t i = 0; i < 6; ++i)
-        image.set(i % 3, i / 3, 0, integerSample(ORV_DEPTH_8U, i + 1));
-    for (const auto &row : rows) {
-        for (int side = 0; side < 4; ++side) {
-            image.header.BorderMode[side] = row.modes[side];
-            image.header.BorderConst[side] = 256 + 91 + side; // a byte of it
-        }
-        for (int y = -2; y < 4; ++y)
-            for (int x = -2; x < 5; ++x)
-                EXPECT_EQ(borderedSample(image, *image.memory(), x, y, 0).integer(), row.samples[y + 2][x + 2])
-                    << x << "," << y;
-    }
 }
 
 // A constant below zero leaves nothing of any byte, so that no byte is read: there are none at this address.
@@ -202,37 +112,6 @@ TEST(SubtractSFlipped, ReadsNoBytesForNegativeValues)
                         EXPECT_EQ(destination.get(7, 7, channel).bits, 0u);
                 }
 }
-
-class WholeSamples : public testing::TestWithParam<Operation> {};
-
-// Rows whose step is no multiple of their samples are walked with the step rounded down.
-TEST_P(WholeSamples, StepsAreRoundedDown)
-{
-    const Operation &operation = GetParam();
-    Random random(34);
-    for (const std::int32_t depth : operation.wholeSamples)
-        for (const std::int32_t channels : {1, 3})
-            for (std::int32_t more = 1; more < 2 * bytesOf(depth); ++more) {
-                const Form form = {.depth = depth, .channels = channels, .width = 7, .height = 9, .extraStep = more};
-                Call odd, whole;
-                odd.arguments = whole.arguments = operation.draw(depth, random);
-                for (int i = 0; i <= operation.sources; ++i) {
-                    odd.images.push_back(std::make_shared<TestImage>(form, random));
-                    const TestImage &image = *odd.images.back();
-                    const auto memory = std::make_shared<Bytes>(*image.memory());
-                    whole.images.push_back(std::make_shared<TestImage>(form, memory, image.start()));
-                    whole.images.back()->header.widthStep = form.widthStep() / bytesOf(depth) * bytesOf(depth);
-                }
-                EXPECT_EQ(odd.run(), ORV_STATUS_OK);
-                EXPECT_EQ(whole.run(), ORV_STATUS_OK);
-                EXPECT_EQ(*odd.destination().memory(), *whole.destination().memory()) << odd;
-            }
-}
-
-INSTANTIATE_TEST_SUITE_P(Some, WholeSamples, testing::ValuesIn(operationsWhere([](const Operation &one) {
-                             return !one.wholeSamples.empty();
-                         })),
-                         nameOf);
 
 } // namespace
 } // namespace front

@@ -1,12 +1,9 @@
 // What frames promise to loops, and what they make of a loop that refuses: with loops of this test's own, and with the
 // operations that walk rows in whole samples.
+#include <algorithm>
 #include <cstring>
-#include <functional>
 
-#include <gtest/gtest.h>
-
-#include "front/reports.h"
-#include "front/test_image.h"
+#include "front/call.h"
 #include "measure.h"
 #include "planes.h"
 #include "pointwise.h"
@@ -17,107 +14,81 @@ namespace {
 
 using orv::Work;
 
-struct WholeSampleCall {
-    const char *name;
-    std::int32_t depth;
-    int sources;
-    std::function<OrvStatus(OrvImage *const *images)> run;
-};
-
-const std::vector<WholeSampleCall> &wholeSampleCalls()
-{
-    static const std::vector<WholeSampleCall> calls = {
-        {"AddS16U", ORV_DEPTH_16U, 1, [](OrvImage *const *i) { return orvAddS(i[0], i[1], 1234); }},
-        {"SubtractS16U", ORV_DEPTH_16U, 1, [](OrvImage *const *i) { return orvSubtractS(i[0], i[1], 77, 0); }},
-        {"SubtractS16UFlipped", ORV_DEPTH_16U, 1,
-         [](OrvImage *const *i) { return orvSubtractS(i[0], i[1], 65000, 1); }},
-        {"AddS32S", ORV_DEPTH_32S, 1, [](OrvImage *const *i) { return orvAddS(i[0], i[1], 1234); }},
-        {"SubtractS32S", ORV_DEPTH_32S, 1, [](OrvImage *const *i) { return orvSubtractS(i[0], i[1], 77, 0); }},
-        {"SubtractS32SFlipped", ORV_DEPTH_32S, 1, [](OrvImage *const *i) { return orvSubtractS(i[0], i[1], 77, 1); }},
-        {"MultiplyS32S", ORV_DEPTH_32S, 1, [](OrvImage *const *i) { return orvMultiplyS(i[0], i[1], 3); }},
-        {"Add32S", ORV_DEPTH_32S, 2, [](OrvImage *const *i) { return orvAdd(i[0], i[1], i[2]); }},
-        {"Subtract32S", ORV_DEPTH_32S, 2, [](OrvImage *const *i) { return orvSubtract(i[0], i[1], i[2]); }},
-        {"Multiply32S", ORV_DEPTH_32S, 2, [](OrvImage *const *i) { return orvMultiply(i[0], i[1], i[2]); }}};
-    return calls;
-}
-
-// Images of one call, and what becomes of the destination's memory with another step in all headers.
-struct Images {
-    std::vector<std::shared_ptr<TestImage>> images;
-    std::vector<Bytes> before;
-
-    Images(const WholeSampleCall &call, const Form &form, std::int32_t coi, std::uint8_t mask, Random &random)
+// Operations that walk rows in whole samples.
+class WholeSamples : public testing::TestWithParam<Operation> {
+protected:
+    // What a call with this step in all headers makes of the destination's memory. The memory is as before then.
+    Bytes resultOf(const Call &call, std::int32_t widthStep)
     {
-        for (int i = 0; i <= call.sources; ++i) {
-            images.push_back(std::make_shared<TestImage>(form, random));
-            images.back()->setWholeRectangle(coi);
-            before.push_back(*images.back()->memory());
+        const Snapshot before(call);
+        for (const auto &image : call.images)
+            image->header.widthStep = widthStep;
+        EXPECT_EQ(call.run(), ORV_STATUS_OK) << call;
+        Bytes &memory = *call.destination().memory(), result = memory;
+        std::ranges::copy(before.of(call.destination()), memory.begin()); // where the header points
+        return result;
+    }
+    Call callOf(const Form &form, std::int32_t coi)
+    {
+        Call call;
+        for (int i = 0; i <= operation_.sources; ++i) {
+            call.images.push_back(std::make_shared<TestImage>(form, random_));
+            call.images.back()->setWholeRectangle(coi);
         }
-        if (mask == 0)
-            return;
-        const auto all = std::make_shared<TestImage>(
-            Form{.depth = ORV_DEPTH_1U, .width = form.width, .height = form.height}, random);
-        all->fill({ORV_DEPTH_1U, mask});
-        images.back()->setMask(all);
+        call.arguments = operation_.draw(form.depth, random_);
+        return call;
+    }
+    void setMask(const Call &call)
+    {
+        const Form form = {.depth = ORV_DEPTH_1U, .width = call.destination().form.width, .height = 700};
+        call.images.back()->setMask(std::make_shared<TestImage>(form, random_));
+        call.images.back()->mask()->fill({ORV_DEPTH_1U, 0xFF});
     }
 
-    Bytes run(const WholeSampleCall &call, std::int32_t widthStep)
-    {
-        std::vector<OrvImage *> headers;
-        for (std::size_t i = 0; i < images.size(); ++i) {
-            *images[i]->memory() = before[i];
-            images[i]->header.widthStep = widthStep;
-            headers.push_back(&images[i]->header);
-        }
-        EXPECT_EQ(call.run(headers.data()), ORV_STATUS_OK) << call.name;
-        return *images.back()->memory();
-    }
+    const Operation &operation_ = GetParam();
+    Random random_{71};
+    Reports reports_;
 };
 
-// The step counts rounded down to whole samples, whichever way a call takes: straight, strip by strip, with a mask, for
-// one channel.
-TEST(WholeSampleSteps, AreTheSameInAllFormsOfACall)
+// The step is rounded down whichever way a call takes: straight, strip by strip, with a mask, for one channel.
+TEST_P(WholeSamples, StepsAreRoundedDownInAllForms)
 {
-    Random random(71);
-    Reports reports;
-    for (const WholeSampleCall &call : wholeSampleCalls())
+    int changed = 0;
+    for (const std::int32_t depth : operation_.wholeSamples)
         for (const std::int32_t channels : {1, 3, 4})
             for (const std::int32_t coi : {0, channels - 1})
-                for (const std::int32_t height : {3, 700}) {
-                    const std::int32_t bytes = bytesOf(call.depth);
-                    const Form form = {.depth = call.depth,
-                                       .channels = channels,
-                                       .width = 7,
-                                       .height = height,
-                                       .extraStep = random.between(1, 2 * bytes)};
-                    Images plain(call, form, coi, 0, random);
-                    const std::int32_t odd = form.widthStep(), whole = odd / bytes * bytes;
-                    const Bytes expected = plain.run(call, whole);
-                    EXPECT_TRUE(expected != plain.before.back()) << call.name << *plain.images.back();
-                    EXPECT_EQ(plain.run(call, odd), expected) << call.name;
-                    Images masked = plain;
-                    const auto mask = std::make_shared<TestImage>(
-                        Form{.depth = ORV_DEPTH_1U, .width = form.width, .height = form.height}, random);
-                    mask->fill({ORV_DEPTH_1U, 0xFF});
-                    masked.images.back()->setMask(mask);
-                    EXPECT_EQ(masked.run(call, odd), expected) << call.name << " under a mask";
-                    masked.images.back()->setMask(nullptr);
-                }
+                for (const std::int32_t height : {3, 700})
+                    for (std::int32_t extra = 1; extra < 2 * bytesOf(depth); ++extra) {
+                        const Form form = {
+                            .depth = depth, .channels = channels, .width = 7, .height = height, .extraStep = extra};
+                        const Call call = callOf(form, coi);
+                        const std::int32_t odd = form.widthStep(), whole = odd / bytesOf(depth) * bytesOf(depth);
+                        const Bytes expected = resultOf(call, whole);
+                        changed += expected != *call.destination().memory();
+                        EXPECT_EQ(resultOf(call, odd), expected) << call;
+                        setMask(call);
+                        EXPECT_EQ(resultOf(call, odd), expected) << call;
+                    }
+    EXPECT_GT(changed, 0);
 }
 
 // A step that rounds down to nothing is refused in silence. Nothing is delivered, least of all scratch as it was found.
-TEST(WholeSampleSteps, BelowOneSampleWriteNothing)
+TEST_P(WholeSamples, StepsBelowOneSampleWriteNothing)
 {
-    Random random(72);
-    Reports reports;
-    for (const WholeSampleCall &call : wholeSampleCalls())
+    for (const std::int32_t depth : operation_.wholeSamples)
         for (const std::int32_t coi : {0, 2})
-            for (const std::uint8_t mask : {0, 0xFF}) {
-                const Form form = {.depth = call.depth, .channels = 3, .width = 5, .height = 4};
-                Images images(call, form, coi, mask, random);
-                EXPECT_EQ(images.run(call, bytesOf(call.depth) - 1), images.before.back()) << call.name;
+            for (const bool masked : {false, true}) {
+                const Call call = callOf({.depth = depth, .channels = 3, .width = 5, .height = 4}, coi);
+                if (masked)
+                    setMask(call);
+                EXPECT_EQ(resultOf(call, bytesOf(depth) - 1), *call.destination().memory()) << call;
             }
 }
+
+INSTANTIATE_TEST_SUITE_P(Some, WholeSamples, testing::ValuesIn(operationsWhere([](const Operation &one) {
+                             return !one.wholeSamples.empty();
+                         })),
+                         nameOf);
 
 // Whatever a kernel refuses inside a loop, the frame delivers nothing; only exhausted memory is told.
 TEST(Frames, DeliverNothingOfALoopThatRefuses)
@@ -234,6 +205,45 @@ TEST(Frames, KeepWindowsWhole)
         EXPECT_EQ(copies == 1, copy);
         EXPECT_EQ(*source.memory(), before);
     }
+}
+
+// No exported operation takes a rectangle with negative offsets. One that stays within the margins starts there, one
+// beyond them counts as 0, each of the two by itself.
+TEST(Frames, NegativeOffsetsStartInTheBorder)
+{
+    const struct {
+        std::int32_t xOffset, yOffset, firstColumn, firstRow;
+    } rows[] = {{-3, 2, -3, 2}, {-4, 2, 0, 2}, {2, -1, 2, -1}, {1, -2, 1, 0}, {-1, -1, -1, -1}, {-100, -100, 0, 0}};
+    // Takes the pixel as many columns to the left and rows above as the margins are wide.
+    const auto takeCorner = [](const orv::Work &work) -> orv::KrnStatus {
+        const orv::ConstRaster corner = work.sources->fromRow(-work.margins.top).fromByte(-work.margins.left);
+        for (std::int32_t y = 0; y < work.size.height; ++y)
+            std::memcpy(work.destination.fromRow(y).data, corner.fromRow(y).data,
+                        static_cast<unsigned>(work.size.width));
+        return orv::KRN_OK;
+    };
+    Random random(17);
+    for (const auto &[xOffset, yOffset, firstColumn, firstRow] : rows)
+        for (const std::int32_t mode :
+             {ORV_BORDER_CONSTANT, ORV_BORDER_REPLICATE, ORV_BORDER_REFLECT, ORV_BORDER_WRAP}) {
+            TestImage source({.width = 14, .height = 11}, random), destination({.width = 14, .height = 11}, random);
+            orvSetBorderMode(&source.header, mode, ORV_SIDE_ALL, 99);
+            source.setRectangle(0, xOffset, yOffset, 12, 9);
+            const orv::WindowCall call = {.source = &source.header,
+                                          .destination = &destination.header,
+                                          .margins = {3, 0, 1, 0},
+                                          .startLeft = 3,
+                                          .startAbove = 1,
+                                          .alphaOf = &source.header};
+            ASSERT_EQ(orv::runWindow(call, {.run = takeCorner}), ORV_STATUS_OK);
+            const Bytes before = *source.memory();
+            const std::int32_t width = std::min(12, 12 + xOffset), height = std::min(9, 9 + yOffset);
+            for (std::int32_t y = 0; y < height; ++y)
+                for (std::int32_t x = 0; x < width; ++x)
+                    ASSERT_EQ(destination.get(x, y, 0).bits,
+                              borderedSample(source, before, firstColumn + x - 3, firstRow + y - 1, 0).bits)
+                        << "offsets " << xOffset << ", " << yOffset << ", mode " << mode << " at " << x << ", " << y;
+        }
 }
 
 // Whole planes of one size go into whole planes of another, in every form.

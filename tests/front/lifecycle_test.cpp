@@ -43,6 +43,15 @@ OrvImage *headerOf(std::int32_t channels, std::int32_t depth, std::int32_t order
                                 nullptr, nullptr, nullptr);
 }
 
+// Through the allocator of the image's depth.
+void allocateFilled(OrvImage *image, std::int32_t fill, std::int32_t value)
+{
+    if (image->depth == ORV_DEPTH_32F)
+        orvAllocateImageFP(image, fill, static_cast<float>(value));
+    else
+        orvAllocateImage(image, fill, value);
+}
+
 OrvImage *maskHeader()
 {
     return headerOf(1, ORV_DEPTH_1U, ORV_DATA_ORDER_PIXEL, 4, 5, 3);
@@ -88,10 +97,7 @@ TEST_F(Lifecycle, RowsAreRoundedUpToTheAlignment)
         EXPECT_EQ(image->imageSize, row.size);
         image->widthStep = image->imageSize = -1; // what stands there counts for nothing
         watch.misalign(static_cast<std::size_t>(row.step / 4 + 1));
-        if (row.depth == ORV_DEPTH_32F)
-            orvAllocateImageFP(image, 0, 0);
-        else
-            orvAllocateImage(image, 0, 0);
+        allocateFilled(image, 0, 0);
         ASSERT_NE(image->imageData, nullptr);
         EXPECT_EQ(watch.requests().back(), static_cast<std::size_t>(row.size + row.align - 1));
         EXPECT_EQ(image->widthStep, row.step);
@@ -160,13 +166,7 @@ struct RasterAllocator {
     bool real;
     const char *otherDepth;
 
-    void run(OrvImage *image, bool fill = true) const
-    {
-        if (real)
-            orvAllocateImageFP(image, fill, 1.0f);
-        else
-            orvAllocateImage(image, fill, 1);
-    }
+    void run(OrvImage *image) const { real ? orvAllocateImageFP(image, 1, 1.0f) : orvAllocateImage(image, 1, 1); }
     std::int32_t depth(bool own) const { return real == own ? ORV_DEPTH_32F : ORV_DEPTH_16U; }
     void expectReported(Reports &reports, OrvStatus status, const char *context) const
     {
@@ -269,10 +269,7 @@ TEST_F(Lifecycle, FillIsRepeated)
     for (const auto &row : rows) {
         OrvImage *image = headerOf(1, row.depth, 0, 8, 3, 5);
         ASSERT_NE(image, nullptr);
-        if (row.depth == ORV_DEPTH_32F)
-            orvAllocateImageFP(image, -1, static_cast<float>(row.value));
-        else
-            orvAllocateImage(image, -1, row.value);
+        allocateFilled(image, -1, row.value);
         for (std::int32_t at = 0; at < image->imageSize; at += 4) {
             std::uint32_t word;
             std::memcpy(&word, image->imageData + at, sizeof word);
@@ -305,15 +302,15 @@ TEST_F(Lifecycle, RasterIsReleasedOnlyOnceAndOnlyWhereAllocated)
     EXPECT_TRUE(reports.all().empty());
 }
 
-TEST_F(Lifecycle, FlagsSayWhatIsReleased)
+// What is left is released by the watch.
+TEST(Release, IsWhatTheFlagsSay)
 {
     for (int flags = 0; flags < 32; ++flags) {
         SCOPED_TRACE(flags);
-        OrvImage *image = Description{}.create(), *mask = maskHeader();
-        OrvImage *maskOfMask = maskHeader();
-        orvAllocateImage(image, 0, 0);
-        orvAllocateImage(mask, 0, 0);
+        MemoryWatch watch;
+        OrvImage *image = Description{}.create(), *mask = maskHeader(), *maskOfMask = maskHeader();
         for (OrvImage *one : {image, mask}) {
+            orvAllocateImage(one, 0, 0);
             one->roi = orvCreateROI(0, 0, 0, 1, 1);
             one->tileInfo = orvCreateTileInfo(provideNoTile, 0, 8, 8);
         }
@@ -326,26 +323,14 @@ TEST_F(Lifecycle, FlagsSayWhatIsReleased)
         // Of seven blocks the mask's mask always stays; the mask has three.
         EXPECT_EQ(watch.liveBlocks(), 7u - header - roi - tile - (masked ? 3 : 0));
         EXPECT_EQ(watch.liveRasters(), 2u - data - masked);
-        if (!header) {
-            EXPECT_EQ(image->roi, roi ? nullptr : before.roi);
-            EXPECT_EQ(image->tileInfo, tile ? nullptr : before.tileInfo);
-            EXPECT_EQ(image->maskROI, masked ? nullptr : mask);
-            EXPECT_EQ(image->imageData, data ? nullptr : before.imageData);
-            EXPECT_EQ(image->imageDataOrigin, data ? nullptr : before.imageDataOrigin);
-            orvDeallocate(image, 31 & ~flags);
-        } else {
-            orvFree(roi ? nullptr : before.roi);
-            orvFree(tile ? nullptr : before.tileInfo);
-            if (!masked)
-                orvDeallocate(mask, 15);
-            OrvImage rest = before;
-            if (!data)
-                orvDeallocateImage(&rest);
-        }
-        EXPECT_EQ(watch.liveBlocks(), 1u);
         EXPECT_EQ(maskOfMask->width, 5);
-        orvDeallocateHeader(maskOfMask);
-        EXPECT_EQ(watch.live(), 0u);
+        if (header)
+            continue;
+        EXPECT_EQ(image->roi, roi ? nullptr : before.roi);
+        EXPECT_EQ(image->tileInfo, tile ? nullptr : before.tileInfo);
+        EXPECT_EQ(image->maskROI, masked ? nullptr : mask);
+        EXPECT_EQ(image->imageData, data ? nullptr : before.imageData);
+        EXPECT_EQ(image->imageDataOrigin, data ? nullptr : before.imageDataOrigin);
     }
 }
 

@@ -9,6 +9,18 @@
 namespace front {
 namespace {
 
+// The library's raster, for the naive addressing of the tests.
+TestImage viewOf(const OrvImage &image)
+{
+    Form form = {.depth = image.depth,
+                 .channels = image.nChannels,
+                 .order = image.dataOrder,
+                 .width = image.width,
+                 .height = image.height};
+    form.extraStep = image.widthStep - form.rowBytes();
+    return TestImage(form, std::make_shared<Bytes>(image.imageData, image.imageData + image.imageSize), 0);
+}
+
 class Clone : public testing::Test {
 protected:
     OrvImage *clone(const TestImage &image)
@@ -71,10 +83,7 @@ TEST_F(Clone, HasRasterAndRecordsOfItsOwn)
                     ASSERT_NE(copy->roi, source.header.roi);
                     EXPECT_EQ(std::memcmp(copy->roi, source.header.roi, sizeof(OrvROI)), 0);
 
-                    Form copied = form;
-                    copied.extraStep = step - form.rowBytes();
-                    const TestImage view(
-                        copied, std::make_shared<Bytes>(copy->imageData, copy->imageData + copy->imageSize), 0);
+                    const TestImage view = viewOf(*copy);
                     for (std::int32_t y = 0; y < form.height; ++y)
                         for (std::int32_t x = 0; x < form.width; ++x)
                             for (std::int32_t channel = 0; channel < channels; ++channel)
@@ -175,15 +184,6 @@ void checkSample(const Amplitude &amplitude, const TestImage &image, int x, int 
     const long double most = std::trunc(expected.value + expected.error);
     ASSERT_TRUE(sample.integer() >= least && sample.integer() <= most)
         << sample.integer() << " and not " << static_cast<double>(expected.value) << " at " << x << "," << y;
-}
-
-// The library's raster, for the naive addressing of the tests.
-TestImage viewOf(const OrvImage &image)
-{
-    const std::uint8_t *first = image.imageData;
-    Form form = {.depth = image.depth, .align = image.align, .width = image.width, .height = image.height};
-    form.extraStep = image.widthStep - form.rowBytes();
-    return TestImage(form, std::make_shared<Bytes>(first, first + image.imageSize), 0);
 }
 
 TEST(Jaehne, FollowsTheFormula)

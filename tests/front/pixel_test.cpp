@@ -71,20 +71,6 @@ TEST(Pixel, EveryLayout)
     EXPECT_TRUE(reports.all().empty());
 }
 
-TEST(Pixel, OriginTurnsTheRows)
-{
-    Random random(32);
-    TestImage image({.origin = ORV_ORIGIN_BL, .width = 3, .height = 5}, random);
-    image.fill({ORV_DEPTH_8U, 0});
-    image.set(1, 4, 0, {ORV_DEPTH_8U, 200});
-    std::uint8_t pixel = 1;
-    EXPECT_EQ(orvGetPixel(&image.header, 1, 0, &pixel), ORV_STATUS_OK);
-    EXPECT_EQ(pixel, 200);
-    pixel = 100;
-    EXPECT_EQ(orvPutPixel(&image.header, 2, 4, &pixel), ORV_STATUS_OK);
-    EXPECT_EQ(image.get(2, 0, 0).bits, 100u);
-}
-
 // Nor does a null pointer that is to be put.
 TEST(Pixel, OtherChannelCountsMoveNothing)
 {

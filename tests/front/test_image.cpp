@@ -204,12 +204,6 @@ Rectangles anyRectangles(Random &random)
     return random.once(24) ? Rectangles::Outside : random.oneOf(kinds);
 }
 
-std::int32_t anyAlign(Random &random)
-{
-    constexpr std::int32_t aligns[] = {4, 8, 16, 32};
-    return random.oneOf(aligns);
-}
-
 void setRandomRectangle(TestImage &image, Rectangles kind, std::int32_t coi, Random &random)
 {
     const std::int32_t width = image.form.width, height = image.form.height;

@@ -123,8 +123,6 @@ private:
     std::shared_ptr<TestImage> mask_;
 };
 
-std::int32_t anyAlign(Random &random);
-
 // A mask of the bytes that matter: none, single bits that share nothing, and all.
 std::shared_ptr<TestImage> randomMask(std::int32_t width, std::int32_t height, Random &random);
 
