@@ -1,4 +1,4 @@
-// Convolutions by numbers: anchors, ways of combining, and records as applications make them.
+// Convolutions by numbers: anchors, one rounding, windows beyond all memory, and records without coefficients.
 #include "front/convolution_calls.h"
 #include "front/memory_watch.h"
 #include "front/reports.h"
@@ -10,36 +10,6 @@ namespace front {
 namespace {
 
 using Ints = Window<std::int32_t>;
-
-// A kernel of one coefficient.
-Ints factor(std::int32_t value, std::int32_t shift)
-{
-    return {1, 1, 0, 0, shift, {value}};
-}
-
-// What kernels make of an image that has one value everywhere.
-long long convolved(std::int32_t depth, long long value, std::vector<Ints> kernels, std::int32_t method = 99)
-{
-    Random random(1);
-    TestImage image({.depth = depth}, random);
-    image.fill(integerSample(depth, value));
-    for (std::int32_t &mode : image.header.BorderMode)
-        mode = ORV_BORDER_REPLICATE;
-    EXPECT_EQ(convolve(&image.header, &image.header, kernels, method), ORV_STATUS_OK);
-    return image.get(0, 0, 0).integer();
-}
-
-TEST(Convolution, Combines)
-{
-    const std::vector<Ints> kernels = {factor(4, 0), factor(-6, 1)};
-    EXPECT_EQ(convolved(ORV_DEPTH_16S, 1, kernels, ORV_COMBINE_SUM), 1);
-    EXPECT_EQ(convolved(ORV_DEPTH_16S, 1, kernels, ORV_COMBINE_SUMSQ), 25);
-    EXPECT_EQ(convolved(ORV_DEPTH_16S, 1, kernels, ORV_COMBINE_SUMSQROOT), 5);
-    EXPECT_EQ(convolved(ORV_DEPTH_16S, 1, kernels, ORV_COMBINE_MAX), 4);
-    EXPECT_EQ(convolved(ORV_DEPTH_16S, 1, kernels, ORV_COMBINE_MIN), -3);
-    // Halves of two results make a whole: only their sum is rounded.
-    EXPECT_EQ(convolved(ORV_DEPTH_8U, 1, {factor(1, 1), factor(1, 1)}, ORV_COMBINE_SUM), 1);
-}
 
 // The coefficients in a field of zeros appear as they were given, around the pixel by the anchor.
 TEST(Convolution, ImpulseGivesTheKernel)

@@ -91,6 +91,27 @@ TEST(Mirror, PixelsBesidePlanesAreReadOnEnd)
             EXPECT_EQ(destination.get(4 - x, y, 0).bits, source.get((2 + x) / 3, y, (2 + x) % 3).bits) << x;
 }
 
+// A strip may be delivered before the next one is read only where rows beside each other share no byte.
+TEST(Examples, RowsBesideEachOther)
+{
+    Random random(35);
+    Reports reports;
+    const Operation copy = operationsWhere([](const Operation &one) { return one.name() == "Copy"; }).front();
+    for (std::int32_t distance = -13; distance <= 13; ++distance) {
+        const Form form = {.width = 6, .height = 700, .extraStep = 6};
+        const auto memory = std::make_shared<Bytes>(form.reach() + 26);
+        for (std::uint8_t &byte : *memory)
+            byte = static_cast<std::uint8_t>(random.bits());
+        const auto at = [&](std::int32_t start) {
+            return std::make_shared<TestImage>(form, memory, static_cast<std::size_t>(start));
+        };
+        const Call call = {{at(13), at(13 + distance)}, copy.draw(form.depth, random)};
+        call.images.back()->setMask(randomMask(form.width, form.height, random));
+        int written = 0;
+        EXPECT_TRUE(runs(copy, call, reports, written)) << distance;
+    }
+}
+
 // A constant below zero leaves nothing of any byte, so that no byte is read: there are none at this address.
 TEST(SubtractSFlipped, ReadsNoBytesForNegativeValues)
 {

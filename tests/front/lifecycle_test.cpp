@@ -163,11 +163,10 @@ TEST_F(Lifecycle, WithoutMemoryRecordsAreNullInSilence)
 // One allocator with what it refuses, by the depth that it does not take.
 struct RasterAllocator {
     const char *function;
-    bool real;
-    const char *otherDepth;
+    void (*run)(OrvImage *image);
+    std::int32_t depth, otherDepth;
+    const char *contextOfOther;
 
-    void run(OrvImage *image) const { real ? orvAllocateImageFP(image, 1, 1.0f) : orvAllocateImage(image, 1, 1); }
-    std::int32_t depth(bool own) const { return real == own ? ORV_DEPTH_32F : ORV_DEPTH_16U; }
     void expectReported(Reports &reports, OrvStatus status, const char *context) const
     {
         EXPECT_EQ(reports.all(), (std::vector<Report>{{status, function, context, "orvalloc"}}));
@@ -176,8 +175,11 @@ struct RasterAllocator {
     }
 };
 
-const RasterAllocator rasterAllocators[] = {{"orvAllocateImage", false, "( image->depth == 32 )"},
-                                            {"orvAllocateImageFP", true, "( image->depth != 32 )"}};
+const RasterAllocator rasterAllocators[] = {{"orvAllocateImage", [](OrvImage *image) { orvAllocateImage(image, 1, 1); },
+                                             ORV_DEPTH_16U, ORV_DEPTH_32F, "( image->depth == 32 )"},
+                                            {"orvAllocateImageFP",
+                                             [](OrvImage *image) { orvAllocateImageFP(image, 1, 1.0f); }, ORV_DEPTH_32F,
+                                             ORV_DEPTH_16U, "( image->depth != 32 )"}};
 
 TEST_F(Lifecycle, RasterIsRefusedInOrder)
 {
@@ -192,7 +194,7 @@ TEST_F(Lifecycle, RasterIsRefusedInOrder)
             std::function<void(OrvImage &)> mend;
         } steps[] = {{-5, "( image->imageData != ((void *)0) )", [](OrvImage &image) { image.imageData = nullptr; }},
                      {-5, "( image->tileInfo != ((void *)0) )", [](OrvImage &image) { image.tileInfo = nullptr; }},
-                     {-5, allocator.otherDepth, [&](OrvImage &image) { image.depth = allocator.depth(true); }},
+                     {-5, allocator.contextOfOther, [&](OrvImage &image) { image.depth = allocator.depth; }},
                      {-10, "Incorrect data-ins", [](OrvImage &image) { image.width = image.height = 8; }},
                      {-15, "Incorrect data-ins", [](OrvImage &image) { image.nChannels = 1; }},
                      {-21, "Incorrect data-ins", [](OrvImage &image) { image.align = 4; }},
@@ -200,7 +202,7 @@ TEST_F(Lifecycle, RasterIsRefusedInOrder)
         OrvImage image = {}; // bad in every way
         image.imageData = raster;
         image.tileInfo = &tile;
-        image.depth = allocator.depth(false);
+        image.depth = allocator.otherDepth;
         image.maskROI = &mask;
         allocator.run(nullptr);
         allocator.expectReported(reports, -5, "( image == ((void *)0) )");
@@ -239,9 +241,8 @@ TEST_F(Lifecycle, AbsurdRastersAreRefused)
                 {1, 0, 4, 1 << 16, (1 << 15) - 1, true}};
     for (const RasterAllocator &allocator : rasterAllocators)
         for (const auto &row : rows) {
-            const std::int32_t depth = allocator.depth(true);
-            const std::int32_t width = row.askedFor ? row.width / bytesOf(depth) : row.width;
-            OrvImage *image = headerOf(row.channels, depth, row.order, row.align, width, row.height);
+            const std::int32_t width = row.askedFor ? row.width / bytesOf(allocator.depth) : row.width;
+            OrvImage *image = headerOf(row.channels, allocator.depth, row.order, row.align, width, row.height);
             ASSERT_NE(image, nullptr);
             watch.forget();
             allocator.run(image);
