@@ -143,6 +143,7 @@ TEST(Frames, TellChannelsAndGiveScratch)
                 {4, ORV_DATA_ORDER_PLANE, 3, {2}}};
     Random random(74);
     for (const auto &[channels, order, coi, expected] : rows) {
+        const std::size_t runs = expected.size();
         const Form form = {.channels = channels, .order = order, .width = 50, .height = 300};
         TestImage source(form, random), destination(form, random);
         source.setWholeRectangle(coi);
@@ -150,7 +151,7 @@ TEST(Frames, TellChannelsAndGiveScratch)
         std::vector<std::int32_t> told;
         const auto scratchBytes = [](const Work &work) { return std::int64_t{200} * work.size.height; };
         const auto throughScratch = [&](const Work &work) -> orv::KrnStatus {
-            if (told.size() < expected.size())
+            if (told.size() < runs)
                 told.push_back(work.channel);
             const std::size_t bytes = static_cast<std::size_t>(work.size.width * orv::samplesPerPixel(work.layout));
             for (std::int32_t y = 0; y < work.size.height; ++y)
