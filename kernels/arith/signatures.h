@@ -11,7 +11,7 @@ namespace orv {
         std::int32_t step, std::int32_t width, std::int32_t height, std::int32_t scale
 KRN_SIGNATURE(BinaryScaledKernel)
 
-// One row of so many samples.
+// One row.
 #define KRN_PARAMETERS_BinaryRowKernel \
     const void *source1, const void *source2, void *destination, std::int32_t length, std::int32_t scale
 KRN_SIGNATURE(BinaryRowKernel)

@@ -31,7 +31,7 @@ KRN_SIGNATURE(ConvolveLineKernel)
         std::int32_t height, const void *values, std::int32_t size, std::int32_t anchor
 KRN_SIGNATURE(SumLineKernel)
 
-// One row of so many samples.
+// One row.
 #define KRN_PARAMETERS_FloatPairRowKernel \
     const void *source1, const void *source2, void *destination, std::int32_t length
 KRN_SIGNATURE(FloatPairRowKernel)

@@ -140,7 +140,7 @@ inline KrnStatus compute(std::int32_t width, std::int32_t height, Operator opera
     return overRows(width, height, row, Pixels{out, 4 * sizeof(Out)}, Pixels{in, 4 * sizeof(In)}...);
 }
 
-// One row of so many samples.
+// One row.
 template <class Sample, class Operator, class... Source>
 inline KrnStatus computeOneRow(std::int32_t length, Operator operation, void *out, const Source *...in)
 {

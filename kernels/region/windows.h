@@ -1,7 +1,7 @@
 // Kernels that compute each pixel from a window around it. To be included inside the unnamed namespace of a region,
 // after points.h.
 
-// A window of so many pixels; the anchor is the pixel of it that is computed, counted from the left and the top.
+// Size of a window in pixels; the anchor is the pixel of it that is computed, counted from the left and the top.
 struct Window {
     std::int32_t columns, rows, anchorX, anchorY;
 };
@@ -55,7 +55,7 @@ inline KrnStatus overWindows(std::size_t layout, ConstRaster source, Raster dest
                     Pixels{destination, channels * sizeof(Out)});
 }
 
-// Runs most(in, out) over a row in blocks of so many samples, and one(in, out) over its tail in vectors. The last
+// Runs most(in, out) over a row in blocks of `block` samples, and one(in, out) over its tail in vectors. The last
 // vector overlaps what is before it, so the row must have at least one.
 template <class Sample, std::size_t mostSamples, std::size_t oneSamples, class Out, class Most, class One>
 inline void overBlocks(std::size_t samples, const unsigned char *in, unsigned char *out, Most most, One one)

@@ -20,7 +20,7 @@ template <class Byte> struct RasterOf {
         return {data + static_cast<std::ptrdiff_t>(row * step), step};
     }
 
-    // The same raster from so many bytes further to the right.
+    // The raster that starts `bytes` further to the right.
     [[gnu::always_inline]] RasterOf fromByte(std::int64_t bytes) const
     {
         return {data + static_cast<std::ptrdiff_t>(bytes), step};

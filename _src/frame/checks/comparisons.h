@@ -55,7 +55,7 @@ template <class... Images> Refusal checkHeaders(const Images *...images)
     return nothingRefused;
 }
 
-// The texts of a unit's comparisons. Null stands for a comparison that it does not make.
+// The texts of a unit's comparisons. A null text omits the comparison.
 struct PairTexts {
     const char *depth, *dataOrder, *alphaChannel;
 };

@@ -13,7 +13,7 @@ struct MaskChain {
     int length;
 };
 
-// No operation reads the mask of a mask. A chain that returns to one of its own headers, or grows very long, is not
+// No operation reads the mask of a mask. A chain that returns to a header in it, or is longer than the limit, is not
 // followed further: nothing depends on it, and the check must end.
 constexpr int longestChain = 100;
 

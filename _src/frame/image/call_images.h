@@ -44,7 +44,7 @@ private:
     bool masked_, inPlanes_;
 };
 
-// Pixel layout of an image with so many channels to process; false where no layout serves them.
+// Pixel layout for this number of processed channels; false if no layout serves it.
 inline bool pixelLayout(const OrvImage &image, std::int32_t channels, Layout &layout)
 {
     if (channels == 1)
@@ -58,7 +58,7 @@ inline bool pixelLayout(const OrvImage &image, std::int32_t channels, Layout &la
     return true;
 }
 
-// How many planes of so many channels are processed: not the image's alpha plane.
+// Number of planes that are processed: all channels but the image's alpha plane.
 inline std::int32_t planesToProcess(const OrvImage &image, std::int32_t channels)
 {
     return channels == 4 && image.alphaChannel != 0 ? 3 : channels;

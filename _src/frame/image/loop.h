@@ -51,7 +51,7 @@ struct Work {
     const ConstRaster *sources = nullptr;
     Raster destination = {}; // null where the loop only reads
     ConstRaster mask = {};   // null, unless the loop takes masks and the call has one
-    Raster copy = {};        // sources[0], if the call asked for a copy of its own, which the loop may change
+    Raster copy = {};        // sources[0], if the call asked for a copy that the loop may change
     std::uint8_t *scratch = nullptr;
 };
 

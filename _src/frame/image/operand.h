@@ -40,7 +40,7 @@ Operand resolve(const OrvImage &image, bool planes, Steps steps = Steps::AsGiven
 
 ByteRange byteRange(const Operand &operand, Size size, std::int32_t planes);
 
-// A rectangle of so many pixels in so many planes.
+// A rectangle: its size in pixels, and its number of planes.
 struct Extent {
     const Operand &operand;
     Size size;

@@ -10,7 +10,7 @@
 
 namespace orv {
 
-// Step of rows of so many padded pixels. Steps that are a multiple of 512 bytes are avoided: rows at such a distance
+// Step of padded rows. Steps that are a multiple of 512 bytes are avoided: rows at such a distance
 // share few sets of a cache, and a window reads several rows at once. Each row ends in at least one spare byte.
 constexpr std::int64_t paddedStep(std::int64_t width, std::int32_t pixelBytes)
 {

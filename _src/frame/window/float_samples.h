@@ -12,7 +12,7 @@
 
 namespace orv {
 
-// Bytes of so many rows of floats in scratch. Rows start on the alignment of blocks.
+// Scratch bytes of `rows` rows of floats. Rows start on the alignment of blocks.
 constexpr std::int64_t floatRowsBytes(std::int64_t samples, std::int64_t rows)
 {
     return roundedUp(samples * 4) * rows;
@@ -26,7 +26,7 @@ inline Raster takeFloatRows(std::uint8_t *&scratch, std::int64_t samples, std::i
     return floats;
 }
 
-// Results of several steps are made in strips of so many rows that they stay in the nearest cache.
+// Results of several steps are made in strips that fit the nearest cache.
 class FloatStrips {
 public:
     // All samples of pixels of the layout.
