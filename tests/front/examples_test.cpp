@@ -98,7 +98,7 @@ TEST(Examples, RowsBesideEachOther)
     Reports reports;
     const Operation copy = operationsWhere([](const Operation &one) { return one.name() == "Copy"; }).front();
     for (std::int32_t distance = -13; distance <= 13; ++distance) {
-        const Form form = {.width = 6, .height = 700, .extraStep = 6};
+        const Form form = {.width = 6, .height = 2000, .extraStep = 6};
         const auto memory = std::make_shared<Bytes>(form.reach() + 26);
         for (std::uint8_t &byte : *memory)
             byte = static_cast<std::uint8_t>(random.bits());
@@ -107,6 +107,7 @@ TEST(Examples, RowsBesideEachOther)
         };
         const Call call = {{at(13), at(13 + distance)}, copy.draw(form.depth, random)};
         call.images.back()->setMask(randomMask(form.width, form.height, random));
+        call.images.back()->mask()->fill({ORV_DEPTH_1U, 1});
         int written = 0;
         EXPECT_TRUE(runs(copy, call, reports, written)) << distance;
     }
