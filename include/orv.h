@@ -995,9 +995,9 @@ ORV_API int32_t krnCpuCode(void);
 
 /**
  * Finds the smallest and the largest sample of a float image: min = min src(x, y) and max = max src(x, y), over all
- * pixels of the rectangle and all channels to process. Depth 32F. Pixel order with 1, 3 and 4 channels, or any number and
- * a `coi`; plane order with any number. Rectangles. An alpha channel is not searched: of four channels with a non-zero
- * `alphaChannel` and no `coi`, three are. The mask of the image must be valid but is not used.
+ * pixels of the rectangle and all channels to process. Depth 32F. Pixel order with 1, 3 and 4 channels, or any number
+ * and a `coi`; plane order with any number. Rectangles. An alpha channel is not searched: of four channels with a
+ * non-zero `alphaChannel` and no `coi`, three are. The mask of the image must be valid but is not used.
  *
  * Both results start with the first sample. A further sample replaces a result if it is smaller or larger in a
  * comparison of 32-bit floats. A comparison with a not-a-number is false. So a not-a-number is ignored unless it is the
