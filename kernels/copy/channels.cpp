@@ -44,7 +44,7 @@ template <class Sample, std::size_t channels>
 inline std::size_t insertVectors(std::size_t pixels, const unsigned char *in, unsigned char *out)
 {
     std::size_t i = 0;
-    if (sizeof(Sample) == 4) // stores of single samples are faster
+    if (perVector<Sample> / channels <= 2) // stores of single samples are faster
         return i;
     for (; i + perVector<Sample> < pixels; i += perVector<Sample>)
         insertVector<Sample, channels>(loadVector<std::uint8_t>(in + i * sizeof(Sample)),
