@@ -30,12 +30,19 @@ set(ORV_KERNEL_SOURCES
   kernels/arith/fractions.cpp
   kernels/arith/square.cpp
   kernels/arith/widen.cpp
+  kernels/filter/box.cpp
+  kernels/filter/color_median.cpp
   kernels/filter/convolve.cpp
   kernels/filter/convolve_floats.cpp
+  kernels/filter/extremes.cpp
+  kernels/filter/fixed.cpp
+  kernels/filter/fixed_floats.cpp
+  kernels/filter/median.cpp
   kernels/geometry/mirror.cpp
   kernels/logic/logic.cpp
   kernels/logic/shift.cpp
-  kernels/measure/minmax.cpp)
+  kernels/measure/minmax.cpp
+  kernels/morph/morphology.cpp)
 
 # The rooms of the front end's frame. A room sees itself, and those that its target names.
 set(ORV_FRAME ${PROJECT_SOURCE_DIR}/_src/frame)

@@ -6,4 +6,5 @@
 #include "../filter/signatures.h"
 #include "../geometry/signatures.h"
 #include "../measure/signatures.h"
+#include "../morph/signatures.h"
 #include "../services/signatures.h"

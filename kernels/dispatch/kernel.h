@@ -29,6 +29,7 @@ enum : KrnStatus {
     KRN_BAD_AXIS = -21,      // a mode out of its range, such as the axis of a mirror
     KRN_BAD_MASK_SIZE = -33, // a side of a window below 1
     KRN_BAD_ANCHOR = -34,    // an anchor outside its window
+    KRN_SHORT_STEP = -37,    // a row step with no room for a pixel on either side
     KRN_ZERO_DIVISOR = -51,
 };
 

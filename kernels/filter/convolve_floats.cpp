@@ -14,16 +14,6 @@ namespace {
 
 #include "windows.h"
 
-// The x87 unit of 32-bit x86 would add a product with more bits than a float has. Through memory it gives what vectors
-// give.
-inline float singleFloat(float value)
-{
-#if defined(__i386__)
-    __asm__("" : "+m"(value));
-#endif
-    return value;
-}
-
 // Sums are taken row by row and from left to right, in each lane of a vector as in plain code.
 struct FloatWindow {
     const void *values;

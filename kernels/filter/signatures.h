@@ -31,6 +31,60 @@ KRN_SIGNATURE(ConvolveLineKernel)
         std::int32_t height, const void *values, std::int32_t size, std::int32_t anchor
 KRN_SIGNATURE(SumLineKernel)
 
+// What a kernel with a window works on. It tells how much scratch the kernel needs.
+struct WindowShape {
+    std::int32_t width;         // of the destination, in pixels
+    std::int32_t channels;      // samples of a pixel
+    std::int32_t sampleBytes;   // of the source
+    std::int32_t columns, rows; // of the window
+};
+
+// A window around each pixel. The scratch starts on the alignment of blocks.
+#define KRN_PARAMETERS_WindowKernel                                                                               \
+    const void *source, std::int32_t sourceStep, void *destination, std::int32_t step, std::int32_t width,        \
+        std::int32_t height, std::int32_t columns, std::int32_t rows, std::int32_t anchorX, std::int32_t anchorY, \
+        void *scratch
+KRN_SIGNATURE(WindowKernel)
+
+// Bytes of scratch, without a product that wraps: windows are bounded by the padded source, which has been allocated.
+constexpr std::int64_t extremesScratchBytes(const WindowShape &)
+{
+    return 0;
+}
+constexpr std::int64_t medianScratchBytes(const WindowShape &shape)
+{
+    return std::int64_t{shape.columns} * shape.rows * shape.sampleBytes;
+}
+
+// Means of windows. `sums` are column sums of 4 bytes, boxSumsBytes() in all, which a call leaves as they were for its
+// last row. A call that continues the rectangle of another takes them on: `continued` is not 0, and the row above its
+// first window can be read.
+#define KRN_PARAMETERS_BoxKernel                                                                                  \
+    const void *source, std::int32_t sourceStep, void *destination, std::int32_t step, std::int32_t width,        \
+        std::int32_t height, std::int32_t columns, std::int32_t rows, std::int32_t anchorX, std::int32_t anchorY, \
+        void *sums, std::int32_t continued, void *scratch
+KRN_SIGNATURE(BoxKernel)
+
+constexpr std::int64_t boxSumsBytes(const WindowShape &shape)
+{
+    return 4 * (std::int64_t{shape.width} + shape.columns - 1) * shape.channels;
+}
+constexpr std::int64_t boxScratchBytes(const WindowShape &)
+{
+    return 0;
+}
+
+// A window of a fixed size around each pixel: 3 x 3, or as the code says.
+#define KRN_PARAMETERS_FixedKernel KRN_PARAMETERS_CopyKernel
+KRN_SIGNATURE(FixedKernel)
+
+enum : std::int32_t { KRN_WINDOW_3X3 = 0x21, KRN_WINDOW_5X5 = 0x37 };
+
+#define KRN_PARAMETERS_CodedKernel                                                                         \
+    const void *source, std::int32_t sourceStep, void *destination, std::int32_t step, std::int32_t width, \
+        std::int32_t height, std::int32_t code
+KRN_SIGNATURE(CodedKernel)
+
 // One row.
 #define KRN_PARAMETERS_FloatPairRowKernel \
     const void *source1, const void *source2, void *destination, std::int32_t length

@@ -18,6 +18,15 @@ constexpr std::size_t samplesOf(std::size_t layout)
 #define ORV_LAYOUTS(define, ...) \
     define(C1, __VA_ARGS__) define(C3, __VA_ARGS__) define(C4, __VA_ARGS__) define(AC4, __VA_ARGS__)
 
+// The x87 unit of 32-bit x86 goes on with more bits than a float has. Through memory it gives what vectors give.
+inline float singleFloat(float value)
+{
+#if defined(__i386__)
+    __asm__("" : "+m"(value));
+#endif
+    return value;
+}
+
 // In a loop that runs for a few samples only: vectors would be code that never runs.
 #define ORV_NOT_VECTORIZED __asm__ volatile("")
 

@@ -141,6 +141,14 @@ inline Floats maximum(Floats a, Floats b)
 {
     return reinterpret_cast<Floats>(ORV_VECTOR(max_ps)(reinterpret_cast<FloatBits>(a), reinterpret_cast<FloatBits>(b)));
 }
+inline U8s minimum(U8s a, U8s b)
+{
+    return as<std::uint8_t>(ORV_VECTOR(min_epu8)(bitsOf(a), bitsOf(b)));
+}
+inline U8s maximum(U8s a, U8s b)
+{
+    return as<std::uint8_t>(ORV_VECTOR(max_epu8)(bitsOf(a), bitsOf(b)));
+}
 inline S16s maximum(S16s a, S16s b)
 {
     return as<std::int16_t>(ORV_VECTOR(max_epi16)(bitsOf(a), bitsOf(b)));

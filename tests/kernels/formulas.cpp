@@ -142,6 +142,143 @@ double convolved(const Trial &t, int x, int y)
     return t.row.takes(DIVISOR) ? quotient(t, sum) : static_cast<double>(static_cast<std::int16_t>(sum));
 }
 
+// Calls take(sample, column, row) for all samples of a window that is not turned, row by row.
+template <class Take> void overSamples(const Trial &t, int x, int y, Take take)
+{
+    const Window &window = t.form.window;
+    for (int row = 0; row < window.rows; ++row)
+        for (int column = 0; column < window.columns; ++column)
+            take(t.first.get(x + (column - window.anchorX) * t.row.layout.source, y + row - window.anchorY), column,
+                 row);
+}
+
+Formula ofRank(double rank)
+{
+    return [rank](const Trial &t, int x, int y) {
+        std::vector<double> samples;
+        overSamples(t, x, y, [&](double sample, int, int) { samples.push_back(sample); });
+        const auto place = samples.begin() + std::ptrdiff_t(rank * static_cast<double>(samples.size() - 1));
+        std::nth_element(samples.begin(), place, samples.end());
+        return *place;
+    };
+}
+
+// The first pixel of the window whose summed distance to all others is smallest.
+double colorMedian(const Trial &t, int x, int y)
+{
+    const int pixel = x / t.row.layout.source * t.row.layout.source;
+    std::vector<double> samples[3];
+    for (int channel = 0; channel < 3; ++channel)
+        overSamples(t, pixel + channel, y, [&](double sample, int, int) { samples[channel].push_back(sample); });
+    std::size_t nearest = 0;
+    double smallest = std::numeric_limits<double>::infinity();
+    for (std::size_t i = 0; i < samples[0].size(); ++i) {
+        double sum = 0;
+        for (const auto &channel : samples)
+            for (const double other : channel)
+                sum += std::fabs(channel[i] - other);
+        if (sum < smallest) {
+            smallest = sum;
+            nearest = i;
+        }
+    }
+    return samples[x % t.row.layout.source][nearest];
+}
+
+// One rounding to a float for each operation.
+float rounded(double value)
+{
+    const volatile float single = static_cast<float>(value);
+    return single;
+}
+
+// Means of floats from running sums: down each column from the first row, and along each row of those from its first
+// pixel.
+std::vector<float> runningMeans(const Trial &t)
+{
+    const Window &window = t.form.window;
+    const int channels = t.row.layout.source, samples = t.form.width * channels, lag = window.columns * channels;
+    const auto sample = [&](int i, int row) {
+        return t.first.get(i - window.anchorX * channels, row - window.anchorY);
+    };
+    std::vector<float> columns(static_cast<std::size_t>(samples + lag - channels)), means;
+    for (int y = 0; y < t.form.height; ++y) {
+        for (int i = 0; i < static_cast<int>(columns.size()); ++i) {
+            float &sum = columns[static_cast<std::size_t>(i)];
+            for (int row = 0; row < window.rows && y == 0; ++row)
+                sum = rounded(double{sum} + sample(i, row));
+            if (y > 0)
+                sum = rounded(double{sum} + rounded(sample(i, y + window.rows - 1) - sample(i, y - 1)));
+        }
+        std::vector<float> sums(static_cast<std::size_t>(channels));
+        for (int i = 0; i < lag; ++i) {
+            float &sum = sums[static_cast<std::size_t>(i % channels)];
+            sum = rounded(double{sum} + columns[static_cast<std::size_t>(i)]);
+        }
+        for (std::size_t i = 0; i < static_cast<std::size_t>(samples); ++i) {
+            float &sum = sums[i % sums.size()];
+            means.push_back(rounded(double{sum} * rounded(1.0 / window.size())));
+            if (const std::size_t next = i + static_cast<std::size_t>(lag); next < columns.size())
+                sum = rounded(double{sum} + rounded(double{columns[next]} - columns[i]));
+        }
+    }
+    return means;
+}
+
+// The mean of integers from their exact sum. Bytes have a reciprocal in fixed point, or floats where that has no room.
+double blurred(const Trial &t, int x, int y)
+{
+    static std::vector<float> means; // of the trial, whose first sample is asked for first
+    if (t.row.source.isFloat()) {
+        if (x == 0 && y == 0)
+            means = runningMeans(t);
+        return means[static_cast<std::size_t>(y * t.form.width * t.row.layout.source + x)];
+    }
+    const int size = t.form.window.size();
+    const float inverse = rounded(1.0 / size);
+    double sum = 0;
+    overSamples(t, x, y, [&](double sample, int, int) { sum += sample - t.row.source.lowest; });
+    if (t.row.source.bytes == 2)
+        return std::floor(rounded(double{rounded(double{rounded(sum)} * inverse)} + 9.0e-6f)) - 32768;
+    if (size > 8100)
+        return std::floor(rounded(sum * inverse));
+    if (size == 1)
+        return sum;
+    std::uint64_t value = static_cast<std::uint64_t>(double{inverse} * 4294967295.0);
+    int shift = 12;
+    for (; value < 0x80000000u; value *= 2)
+        ++shift;
+    return std::floor(std::ldexp(static_cast<double>((value >> 20) + 1) * sum, -shift));
+}
+
+// Coefficients of the fixed filters, of 3 x 3 and of 5 x 5.
+using Coefficients = std::vector<int>;
+
+Wide weightedSum(const Trial &t, int x, int y, const Coefficients &coefficients)
+{
+    Wide sum = 0;
+    overSamples(t, x, y, [&](double sample, int column, int row) {
+        sum += coefficients[static_cast<std::size_t>(row * t.form.window.columns + column)] * static_cast<Wide>(sample);
+    });
+    return sum;
+}
+
+Formula fixedFilter(Coefficients three, int shift, Coefficients five = {})
+{
+    return [=](const Trial &t, int x, int y) -> double {
+        if (t.form.window.columns == 3)
+            return clamped(static_cast<double>(nearestMultiple(weightedSum(t, x, y, three), Wide{1} << shift)),
+                           t.row.destination);
+        const Wide sum = weightedSum(t, x, y, five);
+        if (shift == 0)
+            return clamped(static_cast<double>(sum), t.row.destination);
+        // A quotient by 571: of words by a reciprocal that is a little too large.
+        if (t.row.source.bytes == 1)
+            return std::floor((static_cast<double>(sum) + 285) / 571);
+        return static_cast<double>(((sum + 286 + 571 * 32768) * 7521834 >> 32) - 32768);
+    };
+}
+
 // Not-a-numbers are neither below nor above any number. Of zeros it is the first.
 double extreme(const Trial &t, int channel, int largest)
 {
@@ -176,6 +313,24 @@ const Entry entries[] = {
     {{"Mirror"}, mirrored},
     {{"Convolve", "ConvolveRow", "ConvolveCol"}, convolved},
     {{"MinMax"}, extreme},
+    {{"MinFilter", "Erode"}, ofRank(0)},
+    {{"Median"}, ofRank(0.5)},
+    {{"MaxFilter", "Dilate"}, ofRank(1)},
+    {{"ColorMedian"}, colorMedian},
+    {{"Blur"}, blurred},
+    {{"PrewittV"}, fixedFilter({1, 0, -1, 1, 0, -1, 1, 0, -1}, 0)},
+    {{"PrewittH"}, fixedFilter({-1, -1, -1, 0, 0, 0, 1, 1, 1}, 0)},
+    {{"SobelV"}, fixedFilter({1, 0, -1, 2, 0, -2, 1, 0, -1}, 0)},
+    {{"SobelH"}, fixedFilter({-1, -2, -1, 0, 0, 0, 1, 2, 1}, 0)},
+    {{"Laplace"},
+     fixedFilter({-1, -1, -1, -1, 8, -1, -1, -1, -1}, 0,
+                 {-1, -3, -4, -3, -1, -3, 0, 6, 0, -3, -4, 6, 20, 6, -4, -3, 0, 6, 0, -3, -1, -3, -4, -3, -1})},
+    {{"Gauss"}, fixedFilter({1, 2, 1, 2, 4, 2, 1, 2, 1}, 4, {2,  7,  12, 7,  2,  7,  31, 52, 31, 7,  12, 52, 127,
+                                                             52, 12, 7,  31, 52, 31, 7,  2,  7,  12, 7,  2})},
+    {{"Hipass"},
+     fixedFilter({-1, -1, -1, -1, 8, -1, -1, -1, -1}, 0,
+                 {-1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, 24, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1})},
+    {{"Sharpen"}, fixedFilter({-1, -1, -1, -1, 16, -1, -1, -1, -1}, 3)},
     {{"Abs"}, pointwise([](const Trial &t, double a, double) {
          return t.row.source.isFloat() ? std::fabs(a) : clamped(std::fabs(a), t.row.source);
      })},
@@ -197,6 +352,10 @@ const Entry entries[] = {
 
 Formula formulaOf(const Row &row)
 {
+    // The order of the sums of floats is the kernels' own. They are held against build 0, and against coefficients by
+    // the operation's tests.
+    if (row.takes(FIXED | CODE) && row.source.isFloat())
+        return Formula();
     for (const Entry &entry : entries)
         for (const char *operation : entry.operations)
             if (row.is(operation))

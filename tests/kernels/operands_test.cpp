@@ -85,7 +85,8 @@ TEST(Operands, AllWithAll)
 {
     int rows = 0;
     for (const Row &row : allRows()) {
-        const bool moves = row.is("Copy") || row.is("Fill") || row.is("Jaehne") || row.takes(FLIP | WINDOW | EXTREMES);
+        const bool moves =
+            row.is("Copy") || row.is("Fill") || row.is("Jaehne") || row.windowed() || row.takes(FLIP | EXTREMES);
         if (row.run == nullptr || row.plain || row.layout.source + row.layout.destination != 2 || moves ||
             row.takes(IN_PLACE | MASK))
             continue;

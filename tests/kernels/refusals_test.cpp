@@ -40,6 +40,8 @@ const Fault faults[] = {
     {"anchor above", KRN_BAD_ANCHOR, WINDOW, [](Arguments &c) { c.window.anchorY = -1; }},
     {"anchor below", KRN_BAD_ANCHOR, WINDOW, [](Arguments &c) { c.window.anchorY = c.window.size(); }},
     {"no divisor", KRN_ZERO_DIVISOR, DIVISOR, [](Arguments &c) { c.divisor = 0; }},
+    {"no code", KRN_BAD_MASK_SIZE, CODE, [](Arguments &c) { c.mode = 0; }},
+    {"code of a row", KRN_BAD_MASK_SIZE, CODE, [](Arguments &c) { c.mode = 0x1F; }},
     {"axis -1", KRN_BAD_AXIS, FLIP, [](Arguments &c) { c.mode = -1; }},
     {"axis 3", KRN_BAD_AXIS, FLIP, [](Arguments &c) { c.mode = 3; }},
     {"axis beyond all", KRN_BAD_AXIS, FLIP, [](Arguments &c) { c.mode = INT_MAX; }}};
@@ -58,12 +60,25 @@ bool concerns(const Fault &fault, const Row &row)
 
 void testRefusals(const Row &row)
 {
-    alignas(16) std::uint8_t source[512] = {}, destination[256] = {};
+    alignas(32) std::uint8_t source[512] = {}, destination[512] = {}, scratch[4096], sums[256];
+    ASSERT_LE(row.scratchBytes(4, {3, 3, 0, 0}), std::int64_t{sizeof scratch});
     const int columns = row.takes(WINDOW) && !row.is("ConvolveCol") ? 3 : 1;
     const int rows = row.takes(WINDOW) && !row.is("ConvolveRow") ? 3 : 1;
     std::uint8_t *const start = source + 192;
-    const Arguments good = {
-        {start, 64}, {start, 64}, {destination, 64}, {start, 64}, 4, 2, 1, 0, 0, source, {columns, rows, 0, 0}, 1};
+    const Arguments good = {{start, 64},
+                            {start, 64},
+                            {destination + 128, 64},
+                            {start, 64},
+                            4,
+                            2,
+                            row.takes(CODE) ? KRN_WINDOW_3X3 : 1,
+                            0,
+                            0,
+                            source,
+                            {columns, rows, 0, 0},
+                            1,
+                            scratch,
+                            sums};
     EXPECT_EQ(row.run(row.kernel, good), KRN_OK);
 
     std::memset(destination, 0x99, sizeof destination);
@@ -80,8 +95,9 @@ void testRefusals(const Row &row)
             if (later && concerns(other, row) && (other.status != fault.status || &other == &fault))
                 other.spoil(all);
         }
-        // The pattern looks at its step before its size.
-        const bool stepFirst = row.is("Jaehne") && fault.status == KRN_BAD_SIZE;
+        // The pattern and morphology look at their step before their size.
+        const bool stepFirst =
+            (row.is("Jaehne") || row.is("Dilate") || row.is("Erode")) && fault.status == KRN_BAD_SIZE;
         EXPECT_EQ(row.run(row.kernel, all), stepFirst ? KRN_BAD_STEP : fault.status) << fault.what << " and more";
         EXPECT_EQ(std::memcmp(destination, untouched.data(), untouched.size()), 0) << fault.what;
     }
@@ -95,6 +111,28 @@ TEST(KernelRefusals, PointersThenSizesThenStepsThenTestsOfTheirOwn)
                 SCOPED_TRACE(std::string(row.name) + " of build " + std::to_string(krnDispatchIndex));
                 testRefusals(row);
             }
+    krnDispatchIndex = 0;
+}
+
+TEST(KernelRefusals, MorphologyNeedsRoomAroundItsRows)
+{
+    std::uint8_t image[256] = {}, scratch[64];
+    for (krnDispatchIndex = 0; krnDispatchIndex < carriedBuilds(); ++krnDispatchIndex)
+        for (const auto &[step, status] : {std::pair{17, KRN_SHORT_STEP}, {18, KRN_OK}}) {
+            EXPECT_EQ(krnDilate8uC3(image + 64, step, 4, 2, scratch), status);
+            EXPECT_EQ(krnErode8uC3(image + 64, step, 4, 2, scratch), status);
+        }
+    krnDispatchIndex = 0;
+}
+
+TEST(KernelRefusals, EvenMediansAreRefused)
+{
+    std::uint8_t source[256] = {}, out = 7, scratch[256];
+    for (krnDispatchIndex = 0; krnDispatchIndex < carriedBuilds(); ++krnDispatchIndex) {
+        EXPECT_EQ(krnMedian8uC1(source, 16, &out, 1, 1, 1, 2, 3, 0, 0, scratch), KRN_BAD_MASK_SIZE);
+        EXPECT_EQ(krnMedian8uC1(source, 16, &out, 1, 1, 1, 3, 4, 0, 0, scratch), KRN_BAD_MASK_SIZE);
+        EXPECT_EQ(out, 7);
+    }
     krnDispatchIndex = 0;
 }
 

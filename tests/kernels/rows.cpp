@@ -87,10 +87,33 @@ ORV_CALL(ConvolveLineKernel, FIRST | VALUES | OUT | WINDOW | DIVISOR, ORV_FIRST,
 ORV_CALL(SumLineKernel, FIRST | VALUES | OUT | WINDOW, ORV_FIRST, ORV_OUT, ORV_SIZE, c.values, c.window.size(),
          c.window.anchor())
 ORV_CALL(FloatPairRowKernel, FIRST | SECOND | OUT | ONE_ROW, c.first.data, c.second.data, c.out.data, c.width)
+ORV_CALL(WindowKernel, FIRST | OUT | WINDOW, ORV_FIRST, ORV_OUT, ORV_SIZE, c.window.columns, c.window.rows,
+         c.window.anchorX, c.window.anchorY, c.scratch)
+ORV_CALL(FixedKernel, FIRST | OUT | FIXED, ORV_FIRST, ORV_OUT, ORV_SIZE)
+ORV_CALL(CodedKernel, FIRST | OUT | CODE, ORV_FIRST, ORV_OUT, ORV_SIZE, c.mode)
+ORV_CALL(MorphologyKernel, OUT | IN_PLACE | FIXED, ORV_OUT, ORV_SIZE, c.scratch)
 ORV_CALL(MirrorKernel, FIRST | OUT | FLIP, ORV_FIRST, ORV_OUT, ORV_SIZE, c.mode)
 ORV_CALL(MirrorInPlaceKernel, OUT | IN_PLACE | FLIP, ORV_OUT, ORV_SIZE, c.mode)
 ORV_CALL(MinMaxKernel, FIRST | OUT | EXTREMES, ORV_FIRST, ORV_SIZE, static_cast<float *>(c.out.data),
          c.out.data == nullptr ? nullptr : static_cast<float *>(c.out.data) + c.out.step / 4)
+
+template <> struct Call<BoxKernel> {
+    static constexpr unsigned uses = FIRST | OUT | WINDOW | CONTINUED;
+    static KrnStatus run(const void *kernel, const Arguments &c)
+    {
+        const auto rows = [&](int first, int count) {
+            const auto at = [=](const Argument &of) { return static_cast<std::uint8_t *>(of.data) + first * of.step; };
+            return (*static_cast<const Kernel<BoxKernel> *>(kernel))(
+                first == 0 ? c.first.data : at(c.first), c.first.step, first == 0 ? c.out.data : at(c.out), c.out.step,
+                c.width, count, c.window.columns, c.window.rows, c.window.anchorX, c.window.anchorY, c.sums, first,
+                c.scratch);
+        };
+        if (c.mode < 1 || c.mode >= c.height)
+            return rows(0, c.height);
+        const KrnStatus status = rows(0, c.mode);
+        return status != KRN_OK ? status : rows(c.mode, c.height - c.mode);
+    }
+};
 
 template <class Signature>
 Row rowOf(const Kernel<Signature> &kernel, bool plain, const char *name, const char *operation, const char *source,
@@ -114,6 +137,22 @@ Row rowOf(const Kernel<Signature> &kernel, bool plain, const char *name, const c
 }
 
 } // namespace
+
+std::int64_t Row::scratchBytes(int width, const Window &window) const
+{
+    if (is("MaxFilter") || is("MinFilter"))
+        return extremesScratchBytes(shape(width, window));
+    if (is("Median"))
+        return medianScratchBytes(shape(width, window));
+    if (is("Blur"))
+        return boxScratchBytes(shape(width, window));
+    return is("Dilate") || is("Erode") ? morphologyScratchBytes(width, layout.source) : 0;
+}
+
+std::int64_t Row::sumsBytes(int width, const Window &window) const
+{
+    return takes(CONTINUED) ? boxSumsBytes(shape(width, window)) : 0;
+}
 
 const SampleType &sampleType(const char *name)
 {

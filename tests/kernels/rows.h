@@ -38,7 +38,10 @@ enum Use : unsigned {
     ROUNDING = 2048,
     WINDOW = 4096,
     DIVISOR = 8192,
-    EXTREMES = 16384, // the destination is two pixels
+    EXTREMES = 16384,   // the destination is two pixels
+    CODE = 32768,       // of a window of a fixed size, as the mode
+    FIXED = 65536,      // a window of 3 x 3, unless a code says otherwise
+    CONTINUED = 131072, // column sums, which a second call continues after as many rows as the mode says
 };
 
 struct Window {
@@ -63,6 +66,7 @@ struct Arguments {
     const void *values;
     Window window;
     int divisor;
+    void *scratch, *sums;
 };
 
 struct Row {
@@ -77,6 +81,15 @@ struct Row {
 
     bool is(const std::string &what) const { return operation == what; }
     bool takes(unsigned what) const { return (uses & what) != 0; }
+    bool windowed() const { return takes(WINDOW | FIXED | CODE); }
+    // Convolutions turn their window: it starts as many pixels from the anchor as it ends elsewhere.
+    bool turns() const { return takes(WINDOW) && takes(VALUES); }
+    orv::WindowShape shape(int width, const Window &window) const
+    {
+        return {width, layout.source, source.bytes, window.columns, window.rows};
+    }
+    std::int64_t scratchBytes(int width, const Window &window) const;
+    std::int64_t sumsBytes(int width, const Window &window) const;
     bool shifts() const { return is("LShiftC") || is("RShiftC"); }
 };
 

@@ -75,8 +75,8 @@ Raster drawRaster(Guarded &memory, const SampleType &type, int channels, int cha
 
     Raster raster = {&type, width * channels, height, 0, 0, nullptr, step, nullptr, 0};
     if (margins) {
-        raster.left = (form.window.columns - 1 - form.window.anchorX) * channels;
-        raster.above = form.window.rows - 1 - form.window.anchorY;
+        raster.left = form.window.anchorX * channels;
+        raster.above = form.window.anchorY;
     }
     raster.start = begin + std::ptrdiff_t{raster.above} * step + (raster.left + channel) * type.bytes;
     // The last pixel has its other channels behind the raster's last sample.
@@ -166,13 +166,18 @@ Trial::Trial(const Row &itsRow, const Form &itsForm, Random &random) : row(itsRo
 {
     static Guarded memory[4];
     const PixelLayout &layout = row.layout;
+    Form placed = form;
+    if (row.turns()) {
+        placed.window.anchorX = form.window.columns - 1 - form.window.anchorX;
+        placed.window.anchorY = form.window.rows - 1 - form.window.anchorY;
+    }
     const auto channelOf = [&](int channels) {
         return channels > layout.written && layout.written == 1
                    ? static_cast<int>(random() % static_cast<unsigned>(channels))
                    : 0;
     };
     const auto some = [&](int which, const SampleType &type, int channels, int channel) {
-        return drawRaster(memory[which], type, channels, channel, form.width, form.height, form, which == 0, random);
+        return drawRaster(memory[which], type, channels, channel, form.width, form.height, placed, which == 0, random);
     };
     first = some(0, row.source, layout.source, channelOf(layout.source));
     second = some(1, row.source, layout.source, 0);
@@ -189,6 +194,8 @@ Trial::Trial(const Row &itsRow, const Form &itsForm, Random &random) : row(itsRo
         out = first;
     if (form.place == Place::OverSecond)
         out = second;
+    if (row.takes(IN_PLACE) && row.windowed())
+        out = first;
     if (row.takes(IN_PLACE))
         first = out;
     if (row.takes(ONTO))
@@ -215,6 +222,13 @@ testing::AssertionResult hold(const Trial &trial, const Formula &formula)
         });
 
     const Bytes values = valuesOf(trial);
+    static Guarded scratch[2];
+    const auto block = [&](int which, std::int64_t bytes) -> void * {
+        const std::size_t rounded = (static_cast<std::size_t>(bytes) + 31) / 32 * 32;
+        scratch[which].grow(rounded);
+        std::memset(scratch[which].end() - rounded, 0xA5, rounded);
+        return scratch[which].end() - rounded;
+    };
     Arguments arguments = {{trial.first.start, trial.first.step},
                            {trial.second.start, trial.second.step},
                            {out.start, out.step},
@@ -226,7 +240,9 @@ testing::AssertionResult hold(const Trial &trial, const Formula &formula)
                            static_cast<float>(trial.constants[0]),
                            values.data(),
                            trial.form.window,
-                           trial.divisor};
+                           trial.divisor,
+                           block(0, row.scratchBytes(trial.form.width, trial.form.window)),
+                           block(1, row.sumsBytes(trial.form.width, trial.form.window))};
     if (row.takes(CONSTANT) && !row.source.isFloat())
         arguments.value = static_cast<int>(static_cast<std::int64_t>(trial.constants[0])) ^ trial.valueBits;
 
