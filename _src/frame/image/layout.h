@@ -15,6 +15,11 @@ constexpr std::int32_t samplesPerPixel(Layout layout)
     return layout == Layout::C1 ? 1 : layout == Layout::C3 ? 3 : 4;
 }
 
+constexpr std::int32_t samplesWritten(Layout layout)
+{
+    return layout == Layout::AC4 ? 3 : samplesPerPixel(layout);
+}
+
 // The layout that writes all samples of the same pixels.
 constexpr Layout withAllSamples(Layout layout)
 {

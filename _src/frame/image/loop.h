@@ -49,10 +49,12 @@ struct Work {
     Size size = {};             // in pixels
     Margins margins = {};       // around the sources, which can be read there; none but for windows
     const ConstRaster *sources = nullptr;
-    Raster destination = {}; // null where the loop only reads
-    ConstRaster mask = {};   // null, unless the loop takes masks and the call has one
-    Raster copy = {};        // sources[0], if the call asked for a copy that the loop may change
+    Raster destination = {};                   // null where the loop only reads
+    ConstRaster mask = {};                     // null, unless the loop takes masks and the call has one
+    Raster copy = {};                          // sources[0], if the call asked for a copy that the loop may change
+    std::int32_t rowsAbove = 0, rowsBelow = 0; // of the rectangle, outside this strip
     std::uint8_t *scratch = nullptr;
+    std::uint8_t *carried = nullptr; // what the strips of a plane share
 };
 
 // A loop. It returns KRN_OK, or the status of the first kernel that refused: the frame then delivers nothing more.
@@ -60,6 +62,8 @@ struct Loop {
     Callable<KrnStatus(const Work &)> run;
     // Bytes of scratch that a run needs, or null for none. Rasters are not yet set; more rows never need less.
     Callable<std::int64_t(const Work &)> scratchBytes = {};
+    // For windows: bytes that the strips of a plane carry from one to the next, in their order, or null for none.
+    Callable<std::int64_t(const Work &)> carriedBytes = {};
     // For pointwise frames: the loop writes under `mask` where there is one, and need not go through scratch for it.
     bool takesMask = false;
     // For pointwise frames and planes: the loop walks rows in whole samples. The frame rounds the step of each image

@@ -28,9 +28,9 @@ inline Margins larger(const Margins &a, const Margins &b)
 
 // How rows reach a loop.
 enum class Padding {
-    Strips,      // strip by strip; windows that lie in the image are read there
-    WholePlanes, // all rows at once, for results that would depend on the height of a strip
-    OwnCopy,     // all rows at once in a copy, Work::copy, that the loop may change
+    Strips,       // strip by strip; windows that lie in the image are read there
+    OwnCopy,      // strip by strip in a copy, Work::copy, that the loop may change
+    OwnWholeCopy, // all rows at once in such a copy
 };
 
 struct WindowCall {
@@ -43,10 +43,14 @@ struct WindowCall {
     // Whose alpha channel is left alone in interleaved pixels: the source's or the destination's.
     const OrvImage *alphaOf;
     Padding padding = Padding::Strips;
+    // The loop computes all samples of a pixel together: planes are interleaved for it, and its results scattered to
+    // planes.
+    bool wholePixels = false;
 };
 
-// 0, or ORV_STATUS_NO_MEMORY before anything is written. Headers have been validated and agree in depth, data order and
-// channels to process. The images may overlap in any way: where they do, a plane is read before any of it is written.
+// 0, or ORV_STATUS_NO_MEMORY before anything is written. Headers have been validated and agree in depth. Images that
+// differ in data order or in channels are processed channel by channel, as many as both have. The images may overlap in
+// any way: where they do, a plane is read before any of it is written.
 //
 // The loop's source starts at the first pixel that is computed, and can be read as far around it as the margins say.
 OrvStatus runWindow(const WindowCall &call, const Loop &loop);
