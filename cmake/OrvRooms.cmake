@@ -70,6 +70,8 @@ set(ORV_FRAME_WINDOW_SOURCES
 # One unit a family, and what the units of related families share.
 set(ORV_FRONT_SOURCES
   _src/filter/coefficients.cpp
+  _src/morph/morphology.cpp
+  _src/orvBlur.cpp
   _src/orvCSep2.cpp
   _src/orvClone.cpp
   _src/orvGetPx.cpp
@@ -83,13 +85,20 @@ set(ORV_FRONT_SOURCES
   _src/orvand.cpp
   _src/orvborde.cpp
   _src/orvcnv2d.cpp
+  _src/orvclose.cpp
   _src/orvcnv2d_records.cpp
+  _src/orvdilat.cpp
+  _src/orverode.cpp
   _src/orvgenim.cpp
   _src/orvlshs.cpp
   _src/orvmirr.cpp
   _src/orvmnmxf.cpp
   _src/orvmul.cpp
   _src/orvmuls.cpp
+  _src/orvnlf.cpp
+  _src/orvnlf_color.cpp
+  _src/orvnlf_fixed.cpp
+  _src/orvopen.cpp
   _src/orvor.cpp
   _src/orvrshs.cpp
   _src/orvsce.cpp

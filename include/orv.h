@@ -899,6 +899,208 @@ ORV_API OrvStatus orvConvolveSep2DFP(const OrvImage *srcImage, OrvImage *dstImag
                                      const OrvConvKernelFP *yKernel);
 /** @} */
 
+/** @defgroup filters Filters with a window
+ *  Each pixel is computed from a window around it, channel by channel unless stated otherwise. The window of the pixel
+ *  (x, y) has the columns x - anchorX to x - anchorX + nCols - 1 and the rows y - anchorY to
+ *  y - anchorY + nRows - 1.
+ *
+ *  All functions serve pixel and plane order, 1, 3 and 4 channels, rectangles and masks. Borders and channels of
+ *  interest follow @ref neighbourhood "Neighbourhoods and borders". Of four channels, an alpha channel is neither
+ *  computed nor written; the `alphaChannel` of the destination decides, unless stated otherwise.
+ *
+ *  An image whose only channel is its alpha channel, and which has no `coi`, is left alone: the functions return 0 and
+ *  report nothing (but see orvColorMedianFilter()).
+ *
+ *  A window so large that its padded source exceeds 2147483647 bytes is refused with #ORV_STATUS_NO_MEMORY.
+ *  @{ */
+
+/**
+ * The largest sample of each window. Depths 8U and 16S. Source and destination must be two headers, which may share a
+ * raster. The cost of a pixel hardly depends on the window (Gil and Werman, "Computing 2-D min, median, and max
+ * filters", 1993).
+ *
+ * Statuses, in this order:
+ * - the header status;
+ * - #ORV_STATUS_BAD_ARGUMENT for a negative side, a negative anchor, or an anchor outside the window;
+ * - #ORV_STATUS_BAD_ARGUMENT if depths, numbers of channels or alpha channels differ, or if an alpha channel is not the
+ *   last one;
+ * - #ORV_STATUS_BAD_ARGUMENT for one header for both images, depth 32F, or different data orders;
+ * - #ORV_STATUS_BAD_CHANNELS if the numbers of channels to process differ;
+ * - #ORV_STATUS_NOT_IMPLEMENTED for a tiled image or any other depth;
+ * - #ORV_STATUS_NO_MEMORY.
+ *
+ * A window of 1 x 1 makes the call one of orvCopy(), after the comparisons and before the test for tiles.
+ * @param srcImage  source
+ * @param dstImage  destination, another header
+ * @param nCols     columns of the window
+ * @param nRows     rows of the window
+ * @param anchorX   column of the anchor, 0 to `nCols` - 1
+ * @param anchorY   row of the anchor, 0 to `nRows` - 1
+ * @return          0 or the reported status
+ */
+ORV_API OrvStatus orvMaxFilter(const OrvImage *srcImage, OrvImage *dstImage, int32_t nCols, int32_t nRows,
+                               int32_t anchorX, int32_t anchorY);
+/** The smallest sample of each window, otherwise like orvMaxFilter().
+ *  @param srcImage source @param dstImage destination, another header @param nCols columns @param nRows rows
+ *  @param anchorX column of the anchor @param anchorY row of the anchor @return 0 or the reported status */
+ORV_API OrvStatus orvMinFilter(const OrvImage *srcImage, OrvImage *dstImage, int32_t nCols, int32_t nRows,
+                               int32_t anchorX, int32_t anchorY);
+/** The middle sample of each window, of `nCols` * `nRows` in order. Depths, checks and statuses are those of
+ *  orvMaxFilter(). If a side of the window is even, nothing is written, and the result is 0.
+ *  @param srcImage source @param dstImage destination, another header @param nCols columns, odd @param nRows rows, odd
+ *  @param anchorX column of the anchor @param anchorY row of the anchor @return 0 or the reported status */
+ORV_API OrvStatus orvMedianFilter(const OrvImage *srcImage, OrvImage *dstImage, int32_t nCols, int32_t nRows,
+                                  int32_t anchorX, int32_t anchorY);
+
+/**
+ * The vector median: the pixel of the window that is nearest to all others. A pixel has three channels and may have an
+ * alpha channel. With the pixels numbered row by row from the top left,
+ *
+ *     D(i) = sum over j of |R(i) - R(j)| + |G(i) - G(j)| + |B(i) - B(j)|
+ *
+ * and the result is the first i with the smallest D(i) (Astola, Haavisto and Neuvo, "Vector median filters", 1990).
+ * Depths 8U and 16S. An alpha channel is neither computed nor written. The images may differ in data order. Source and
+ * destination must be two headers, which may share a raster.
+ *
+ * Statuses, in this order:
+ * - the header status;
+ * - #ORV_STATUS_BAD_ARGUMENT for an anchor outside the window, its column first;
+ * - #ORV_STATUS_BAD_ARGUMENT for one header for both images, different depths, depth 1U or 32S, different numbers of
+ *   channels, less than three or more than four of them;
+ * - #ORV_STATUS_BAD_ARGUMENT for a source of three channels with an alpha channel, or of four without one;
+ * - #ORV_STATUS_BAD_ARGUMENT for a channel of interest, that of the source first;
+ * - #ORV_STATUS_BAD_ARGUMENT for sides other than 3 and 5, or of different lengths;
+ * - #ORV_STATUS_NOT_IMPLEMENTED for an anchor that is not the centre, a tiled image or any other depth;
+ * - #ORV_STATUS_NO_MEMORY.
+ * @param srcImage  source
+ * @param dstImage  destination, another header
+ * @param nCols     columns of the window, 3 or 5
+ * @param nRows     rows of the window, the same number
+ * @param anchorX   column of the anchor, `nCols` / 2
+ * @param anchorY   row of the anchor, `nRows` / 2
+ * @return          0 or the reported status
+ */
+ORV_API OrvStatus orvColorMedianFilter(const OrvImage *srcImage, OrvImage *dstImage, int32_t nCols, int32_t nRows,
+                                       int32_t anchorX, int32_t anchorY);
+
+/**
+ * The mean of each window. Depths 8U, 16S and 32F. In place or not. The cost of a pixel does not depend on the window.
+ *
+ * With N = `nCols` * `nRows`, S the sum of the window, and f = 1 / N as a float:
+ * - 8U, N <= 8100: (m * S) >> s, where m / 2^s is 1 / N to 12 bits, rounded up. With v = f * 4294967295 as an integer
+ *   and n the number of zero bits above its highest one, m = (v >> (20 - n)) + 1 and s = n + 12.
+ * - 8U, N > 8100: S * f in floats, truncated.
+ * - 16S: the samples plus 32768 are summed up. The result is S * f + 0.000009 in floats, truncated, minus 32768. So
+ *   means are rounded down. S has 32 bits: windows of more than 32768 pixels may wrap around.
+ * - 32F: S * f. Sums run down each column and along each row, from the first row and the first pixel of the rectangle:
+ *   the difference of the sample that enters and the sample that leaves is added. In long rows and columns rounding
+ *   errors add up.
+ *
+ * The images may differ in data order, and in the number of channels: as many are computed as both have.
+ *
+ * Statuses, in this order:
+ * - the header status;
+ * - #ORV_STATUS_BAD_ARGUMENT if depths differ, for a negative side, a negative anchor, or an anchor outside the window;
+ * - #ORV_STATUS_NOT_IMPLEMENTED for a tiled image or any other depth;
+ * - #ORV_STATUS_NO_MEMORY.
+ *
+ * A window of 1 x 1 makes the call one of orvCopy(), before the test for tiles.
+ * @param srcImage  source
+ * @param dstImage  destination
+ * @param nCols     columns of the window
+ * @param nRows     rows of the window
+ * @param anchorX   column of the anchor, 0 to `nCols` - 1
+ * @param anchorY   row of the anchor, 0 to `nRows` - 1
+ * @return          0 or the reported status
+ */
+ORV_API OrvStatus orvBlur(const OrvImage *srcImage, OrvImage *dstImage, int32_t nCols, int32_t nRows, int32_t anchorX,
+                          int32_t anchorY);
+
+/** The filters of orvFixedFilter(), with the rows of their coefficients. The first coefficient is applied to the pixel
+ *  above and to the left. */
+enum {
+    ORV_FILTER_PREWITT_V = 0, /**< 1 0 -1 three times: edges that become darker to the right. */
+    ORV_FILTER_PREWITT_H = 1, /**< -1 -1 -1, 0 0 0, 1 1 1: edges that become brighter downwards. */
+    ORV_FILTER_SOBEL_V = 2,   /**< 1 0 -1, 2 0 -2, 1 0 -1. */
+    ORV_FILTER_SOBEL_H = 3,   /**< -1 -2 -1, 0 0 0, 1 2 1. */
+    ORV_FILTER_LAPLACE_3 = 4, /**< 8 in the centre, -1 elsewhere. */
+    ORV_FILTER_LAPLACE_5 = 5, /**< -1 -3 -4 -3 -1, -3 0 6 0 -3, -4 6 20 6 -4, and the first two rows reversed. */
+    ORV_FILTER_GAUSS_3 = 6,   /**< 1 2 1, 2 4 2, 1 2 1, divided by 16. */
+    ORV_FILTER_GAUSS_5 = 7,   /**< 2 7 12 7 2, 7 31 52 31 7, 12 52 127 52 12, and the first two rows reversed,
+                                   divided by 571. */
+    ORV_FILTER_HIPASS_3 = 8,  /**< The same as #ORV_FILTER_LAPLACE_3. */
+    ORV_FILTER_HIPASS_5 = 9,  /**< 24 in the centre of 5 x 5, -1 elsewhere. */
+    ORV_FILTER_SHARPEN_3 = 10 /**< 16 in the centre of 3 x 3, -1 elsewhere, divided by 8. */
+};
+
+/**
+ * One of eleven filters with fixed coefficients. Depths 8U, 16S and 32F. Unlike in a convolution, the coefficients are
+ * not turned. Source and destination must be two headers, which may share a raster.
+ *
+ * 8U and 16S: sums are exact. Quotients by 8 and 16 are rounded to nearest, ties to even, and quotients by 571 to
+ * nearest; at 16S a quotient by 571 may be larger by 1. Results saturate. 32F: sums and weights are floats; the last
+ * bits depend on the order of the sums, which is the same on all processors.
+ *
+ * The result of a refused call is #ORV_STATUS_BAD_ARGUMENT, whatever was reported, but for the two cases below.
+ * Reported are, in this order:
+ * - the header status;
+ * - #ORV_STATUS_BAD_ARGUMENT for one header for both images, or if depths, numbers of channels, alpha channels or data
+ *   orders differ;
+ * - #ORV_STATUS_BAD_CHANNELS, which is returned too, if the numbers of channels to process differ;
+ * - #ORV_STATUS_NOT_IMPLEMENTED for a tiled image or any other depth.
+ *
+ * #ORV_STATUS_NO_MEMORY is returned and not reported. A number that names no filter is no failure: the result is 0, and
+ * nothing is written.
+ * @param srcImage  source
+ * @param dstImage  destination, another header
+ * @param filter    an `ORV_FILTER_...` value
+ * @return          0 or a status
+ */
+ORV_API OrvStatus orvFixedFilter(const OrvImage *srcImage, OrvImage *dstImage, int32_t filter);
+/** @} */
+
+/** @defgroup morphology Morphology
+ *  Dilation and erosion by a square of 3 x 3, any number of times. Depth 8U, each channel by itself. In place or not.
+ *
+ *  All functions serve pixel and plane order, 1, 3 and 4 channels, rectangles and masks. Borders and channels of
+ *  interest follow @ref neighbourhood "Neighbourhoods and borders". Of four channels, the destination's alpha channel
+ *  is not written.
+ *
+ *  One iteration gives each pixel the largest or smallest sample of the pixel and its eight neighbours, as they were
+ *  before. All iterations of a call see the same surroundings: outside the rectangle the image and its border stay as
+ *  they were at the start. So two iterations of one call may differ from two calls.
+ *
+ *  Statuses of all functions, in this order:
+ *  - the header status;
+ *  - #ORV_STATUS_BAD_ARGUMENT for `nIterations` below 1, for depths other than 1U, 8U and 16U, and if depths, data
+ *    orders or origins differ;
+ *  - #ORV_STATUS_BAD_CHANNELS if the numbers of channels to process differ;
+ *  - #ORV_STATUS_BAD_ARGUMENT if alpha channels differ, or if one is not the last channel;
+ *  - #ORV_STATUS_NOT_IMPLEMENTED for a tiled image, or depth 1U or 16U;
+ *  - #ORV_STATUS_NO_MEMORY.
+ *
+ *  The time of a call grows with the number of iterations up to the longer side of the rectangle. Further ones change
+ *  nothing and take no time.
+ *  @{ */
+
+/** Dilation: the largest samples.
+ *  @param srcImage source @param dstImage destination @param nIterations number of iterations
+ *  @return 0 or the reported status */
+ORV_API OrvStatus orvDilate(const OrvImage *srcImage, OrvImage *dstImage, int32_t nIterations);
+/** Erosion: the smallest samples.
+ *  @param srcImage source @param dstImage destination @param nIterations number of iterations
+ *  @return 0 or the reported status */
+ORV_API OrvStatus orvErode(const OrvImage *srcImage, OrvImage *dstImage, int32_t nIterations);
+/** Opening: `nIterations` erosions, then as many dilations.
+ *  @param srcImage source @param dstImage destination @param nIterations number of iterations of each kind
+ *  @return 0 or the reported status */
+ORV_API OrvStatus orvOpen(const OrvImage *srcImage, OrvImage *dstImage, int32_t nIterations);
+/** Closing: `nIterations` dilations, then as many erosions.
+ *  @param srcImage source @param dstImage destination @param nIterations number of iterations of each kind
+ *  @return 0 or the reported status */
+ORV_API OrvStatus orvClose(const OrvImage *srcImage, OrvImage *dstImage, int32_t nIterations);
+/** @} */
+
 /** @defgroup geometry Geometry
  *  @{ */
 

@@ -20,6 +20,8 @@ struct Call {
     OrvStatus run() const;
     bool masked() const;
     bool inPlanes() const;
+    // Pixels of the same samples, whose channels are all computed before any is written.
+    bool wholePixels() const;
     // No image has a number of channels that pixel order does not serve.
     bool served() const;
     // Straight from image to image: neither a mask, nor a single channel of interleaved pixels.

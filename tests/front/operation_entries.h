@@ -15,6 +15,7 @@ std::vector<Operation> imageArithmetic();
 std::vector<Operation> scalarArithmetic();
 std::vector<Operation> logicAndShifts();
 std::vector<Operation> convolutions();
+std::vector<Operation> filters();
 
 // The arguments of an operation pixel by pixel, beside its images.
 struct Constant {

@@ -80,7 +80,8 @@ const std::vector<Operation> &operations()
 {
     static const std::vector<Operation> all = [] {
         std::vector<Operation> list;
-        for (const auto &part : {copies(), imageArithmetic(), scalarArithmetic(), logicAndShifts(), convolutions()})
+        for (const auto &part :
+             {copies(), imageArithmetic(), scalarArithmetic(), logicAndShifts(), convolutions(), filters()})
             list.insert(list.end(), part.begin(), part.end());
         return list;
     }();
@@ -113,12 +114,21 @@ bool agree(const Operation &operation, const Channels &source, const Channels &d
         return sameCount && sameWithoutAlpha;
     case Agreement::SameAlpha:
         return sameCount && source.alpha == destination.alpha;
+    case Agreement::SameImages:
+        return sameCount && source.count == destination.count && source.alpha == destination.alpha;
+    case Agreement::Colors:
+        return source.coi == 0 && destination.coi == 0 && source.count == destination.count &&
+               ((source.count == 3 && source.alpha == 0) || (source.count == 4 && source.alpha == 4));
+    case Agreement::Any:
+        return true;
     }
     return false;
 }
 
 std::vector<Report> reportsOf(const Operation &operation, OrvStatus status, const char *context, bool byWorker)
 {
+    if (context == nullptr)
+        return {};
     const Reporter &reporter = byWorker ? operation.worker : operation.reporter;
     std::vector<Report> reports = {{status, reporter.function, context, reporter.unit}};
     if (byWorker && operation.traces)

@@ -29,6 +29,8 @@ enum class Fault {
     Channels,   // three of them, where the rest have four
     Alpha,      // the last channel an alpha channel, where the rest have none
     MaskAlpha,  // all images of depth 1U, one of them with an alpha channel
+    Coi,        // a rectangle with the first channel as that of interest
+    Layout,     // `value` is 10 times the number of channels, plus the alpha channel
     Tiled,
     OneHeader,       // of the source, for the destination too
     MaskOnOneHeader, // likewise, and a mask
@@ -52,11 +54,14 @@ enum class Agreement {
     All,          // as many in all
     WithoutAlpha, // as many without the alpha channel of four
     Both,         // in all, and without it too
-    SameAlpha     // in all, and the same alpha channel
+    SameAlpha,    // in all, and the same alpha channel
+    SameImages,   // the same with and without a channel of interest
+    Colors,       // three, or four of which the source's last is its alpha channel, and no channel of interest
+    Any           // as many are computed as both have
 };
 
 // Where data orders may differ.
-enum class Orders { Agree, FreeOfSingles, FreeBesideSingles };
+enum class Orders { Agree, FreeOfSingles, FreeBesideSingles, Free };
 
 // What becomes of a call that has one header as source and destination.
 enum class OnItself { Computed, ComputedUnmasked, ChannelCount, Refused };
@@ -127,9 +132,10 @@ struct Operation {
     std::string variant = {};           // behind the function's name, where that has several entries
 
     OrvStatus (*callWith)(Images images, std::uint32_t faults) = nullptr; // faults of the arguments, by bits
-    Reporter worker = reporter; // the function that does the work, and reports exhausted memory
-    bool traces = false;        // a failure of the worker is traced by the operation
-    const char *withoutMemory = "Not enough memory";
+    Reporter worker = reporter;                      // the function that does the work, and reports exhausted memory
+    bool traces = false;                             // a failure of the worker is traced by the operation
+    const char *withoutMemory = "Not enough memory"; // null where it is returned and not reported
+    bool oneResultOfRefusals = false;                // -5, whatever is reported; but for numbers of channels
     bool originsAgree = false;
     Orders orders = Orders::Agree;
     bool orderFreeAtDepth1U = false;
@@ -142,7 +148,8 @@ struct Operation {
     bool movesPixels = false;
     // Reads around each pixel: the first channel for a channel of interest, and all of a plane before it writes any.
     bool window = false;
-    bool alphaOfSource = false; // which alone says, in pixel order, whether a fourth channel is left alone
+    bool leavesAlphaAlone = false; // does nothing, in silence, where the only channel of an image is its alpha channel
+    bool alphaOfSource = false;    // which alone says, in pixel order, whether a fourth channel is left alone
 
     bool walksWholeSamples(std::int32_t depth) const
     {

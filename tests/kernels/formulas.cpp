@@ -5,27 +5,18 @@
 #include <limits>
 #include <vector>
 
+#include "filter_models.h"
 #include "trial.h"
 
 namespace {
+
+using models::nearestMultiple;
 
 using Wide = std::int64_t; // holds the product of any two samples
 
 double clamped(double value, const SampleType &type)
 {
     return std::clamp(value, type.lowest, type.highest);
-}
-
-// The number of units nearest to the value, the even one of two.
-Wide nearestMultiple(Wide value, Wide unit)
-{
-    Wide below = value / unit, rest = value % unit;
-    if (rest < 0) {
-        --below;
-        rest += unit;
-    }
-    const Wide toNext = unit - rest;
-    return below + (rest > toNext || (rest == toNext && below % 2 != 0));
 }
 
 // The value divided by 2 to the power of the scale, within the range.
@@ -163,120 +154,49 @@ Formula ofRank(double rank)
     };
 }
 
-// The first pixel of the window whose summed distance to all others is smallest.
 double colorMedian(const Trial &t, int x, int y)
 {
-    const int pixel = x / t.row.layout.source * t.row.layout.source;
+    const int channels = t.row.layout.source;
     std::vector<double> samples[3];
     for (int channel = 0; channel < 3; ++channel)
-        overSamples(t, pixel + channel, y, [&](double sample, int, int) { samples[channel].push_back(sample); });
-    std::size_t nearest = 0;
-    double smallest = std::numeric_limits<double>::infinity();
-    for (std::size_t i = 0; i < samples[0].size(); ++i) {
-        double sum = 0;
-        for (const auto &channel : samples)
-            for (const double other : channel)
-                sum += std::fabs(channel[i] - other);
-        if (sum < smallest) {
-            smallest = sum;
-            nearest = i;
-        }
-    }
-    return samples[x % t.row.layout.source][nearest];
+        overSamples(t, x - x % channels + channel, y,
+                    [&](double sample, int, int) { samples[channel].push_back(sample); });
+    return samples[x % channels][models::colorMedian(samples)];
 }
 
-// One rounding to a float for each operation.
-float rounded(double value)
-{
-    const volatile float single = static_cast<float>(value);
-    return single;
-}
-
-// Means of floats from running sums: down each column from the first row, and along each row of those from its first
-// pixel.
-std::vector<float> runningMeans(const Trial &t)
-{
-    const Window &window = t.form.window;
-    const int channels = t.row.layout.source, samples = t.form.width * channels, lag = window.columns * channels;
-    const auto sample = [&](int i, int row) {
-        return t.first.get(i - window.anchorX * channels, row - window.anchorY);
-    };
-    std::vector<float> columns(static_cast<std::size_t>(samples + lag - channels)), means;
-    for (int y = 0; y < t.form.height; ++y) {
-        for (int i = 0; i < static_cast<int>(columns.size()); ++i) {
-            float &sum = columns[static_cast<std::size_t>(i)];
-            for (int row = 0; row < window.rows && y == 0; ++row)
-                sum = rounded(double{sum} + sample(i, row));
-            if (y > 0)
-                sum = rounded(double{sum} + rounded(sample(i, y + window.rows - 1) - sample(i, y - 1)));
-        }
-        std::vector<float> sums(static_cast<std::size_t>(channels));
-        for (int i = 0; i < lag; ++i) {
-            float &sum = sums[static_cast<std::size_t>(i % channels)];
-            sum = rounded(double{sum} + columns[static_cast<std::size_t>(i)]);
-        }
-        for (std::size_t i = 0; i < static_cast<std::size_t>(samples); ++i) {
-            float &sum = sums[i % sums.size()];
-            means.push_back(rounded(double{sum} * rounded(1.0 / window.size())));
-            if (const std::size_t next = i + static_cast<std::size_t>(lag); next < columns.size())
-                sum = rounded(double{sum} + rounded(double{columns[next]} - columns[i]));
-        }
-    }
-    return means;
-}
-
-// The mean of integers from their exact sum. Bytes have a reciprocal in fixed point, or floats where that has no room.
+// Integers have their exact sum.
 double blurred(const Trial &t, int x, int y)
 {
-    static std::vector<float> means; // of the trial, whose first sample is asked for first
-    if (t.row.source.isFloat()) {
-        if (x == 0 && y == 0)
-            means = runningMeans(t);
-        return means[static_cast<std::size_t>(y * t.form.width * t.row.layout.source + x)];
-    }
-    const int size = t.form.window.size();
-    const float inverse = rounded(1.0 / size);
+    const Window &window = t.form.window;
+    const int channels = t.row.layout.source, size = window.size();
+    static std::vector<float> means[4]; // of the trial, whose first sample is asked for first
+    for (int channel = 0; t.row.source.isFloat() && channel < channels && x == 0 && y == 0; ++channel)
+        means[channel] =
+            models::runningMeans(t.form.width, t.form.height, window.columns, window.rows, [&](int column, int row) {
+                return t.first.get((column - window.anchorX) * channels + channel, row - window.anchorY);
+            });
+    if (t.row.source.isFloat())
+        return means[x % channels][static_cast<std::size_t>(y * t.form.width + x / channels)];
     double sum = 0;
     overSamples(t, x, y, [&](double sample, int, int) { sum += sample - t.row.source.lowest; });
-    if (t.row.source.bytes == 2)
-        return std::floor(rounded(double{rounded(double{rounded(sum)} * inverse)} + 9.0e-6f)) - 32768;
-    if (size > 8100)
-        return std::floor(rounded(sum * inverse));
-    if (size == 1)
-        return sum;
-    std::uint64_t value = static_cast<std::uint64_t>(double{inverse} * 4294967295.0);
-    int shift = 12;
-    for (; value < 0x80000000u; value *= 2)
-        ++shift;
-    return std::floor(std::ldexp(static_cast<double>((value >> 20) + 1) * sum, -shift));
+    return t.row.source.bytes == 1 ? models::meanOfBytes(sum, size) : models::meanOfWords(sum, size);
 }
 
-// Coefficients of the fixed filters, of 3 x 3 and of 5 x 5.
-using Coefficients = std::vector<int>;
-
-Wide weightedSum(const Trial &t, int x, int y, const Coefficients &coefficients)
+// One of two sizes.
+double fixedFilter(const Trial &t, int x, int y)
 {
-    Wide sum = 0;
-    overSamples(t, x, y, [&](double sample, int column, int row) {
-        sum += coefficients[static_cast<std::size_t>(row * t.form.window.columns + column)] * static_cast<Wide>(sample);
-    });
-    return sum;
-}
-
-Formula fixedFilter(Coefficients three, int shift, Coefficients five = {})
-{
-    return [=](const Trial &t, int x, int y) -> double {
-        if (t.form.window.columns == 3)
-            return clamped(static_cast<double>(nearestMultiple(weightedSum(t, x, y, three), Wide{1} << shift)),
-                           t.row.destination);
-        const Wide sum = weightedSum(t, x, y, five);
-        if (shift == 0)
-            return clamped(static_cast<double>(sum), t.row.destination);
-        // A quotient by 571: of words by a reciprocal that is a little too large.
-        if (t.row.source.bytes == 1)
-            return std::floor((static_cast<double>(sum) + 285) / 571);
-        return static_cast<double>(((sum + 286 + 571 * 32768) * 7521834 >> 32) - 32768);
-    };
+    const Window &window = t.form.window;
+    for (const models::FixedFilter &filter : models::fixedFilters) {
+        if (!t.row.is(filter.kernel) || filter.side != window.columns)
+            continue;
+        Wide sum = 0;
+        overSamples(t, x, y, [&](double sample, int column, int row) {
+            sum += filter.coefficients[static_cast<std::size_t>(row * window.columns + column)] *
+                   static_cast<Wide>(sample);
+        });
+        return clamped(models::fixedQuotient(filter, sum, t.row.source.bytes == 2), t.row.destination);
+    }
+    return std::numeric_limits<double>::quiet_NaN();
 }
 
 // Not-a-numbers are neither below nor above any number. Of zeros it is the first.
@@ -318,19 +238,7 @@ const Entry entries[] = {
     {{"MaxFilter", "Dilate"}, ofRank(1)},
     {{"ColorMedian"}, colorMedian},
     {{"Blur"}, blurred},
-    {{"PrewittV"}, fixedFilter({1, 0, -1, 1, 0, -1, 1, 0, -1}, 0)},
-    {{"PrewittH"}, fixedFilter({-1, -1, -1, 0, 0, 0, 1, 1, 1}, 0)},
-    {{"SobelV"}, fixedFilter({1, 0, -1, 2, 0, -2, 1, 0, -1}, 0)},
-    {{"SobelH"}, fixedFilter({-1, -2, -1, 0, 0, 0, 1, 2, 1}, 0)},
-    {{"Laplace"},
-     fixedFilter({-1, -1, -1, -1, 8, -1, -1, -1, -1}, 0,
-                 {-1, -3, -4, -3, -1, -3, 0, 6, 0, -3, -4, 6, 20, 6, -4, -3, 0, 6, 0, -3, -1, -3, -4, -3, -1})},
-    {{"Gauss"}, fixedFilter({1, 2, 1, 2, 4, 2, 1, 2, 1}, 4, {2,  7,  12, 7,  2,  7,  31, 52, 31, 7,  12, 52, 127,
-                                                             52, 12, 7,  31, 52, 31, 7,  2,  7,  12, 7,  2})},
-    {{"Hipass"},
-     fixedFilter({-1, -1, -1, -1, 8, -1, -1, -1, -1}, 0,
-                 {-1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, 24, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1, -1})},
-    {{"Sharpen"}, fixedFilter({-1, -1, -1, -1, 16, -1, -1, -1, -1}, 3)},
+    {{"PrewittV", "PrewittH", "SobelV", "SobelH", "Laplace", "Gauss", "Hipass", "Sharpen"}, fixedFilter},
     {{"Abs"}, pointwise([](const Trial &t, double a, double) {
          return t.row.source.isFloat() ? std::fabs(a) : clamped(std::fabs(a), t.row.source);
      })},

@@ -1,0 +1,50 @@
+// What the filters with a window share: silent cases, the call of the frame, the shape that kernels ask for.
+#pragma once
+
+#include <cstdint>
+
+#include "area.h"
+#include "kernels.h"
+#include "layout.h"
+#include "loop.h"
+#include "window.h"
+
+namespace orv {
+
+// An image whose only channel is its alpha channel. Filters leave it alone in silence.
+inline bool onlyAlpha(const OrvImage &image)
+{
+    return image.nChannels == 1 && image.alphaChannel != 0 && !hasCoi(image);
+}
+
+// A filter whose window is honoured in full. The destination says which channel is its alpha channel.
+inline WindowCall callOf(const Window &window, const OrvImage *source, const OrvImage *destination)
+{
+    return {.source = source,
+            .destination = destination,
+            .margins = window.margins(),
+            .startLeft = window.anchorX,
+            .startAbove = window.anchorY,
+            .alphaOf = destination};
+}
+
+// The depths of filters that compute, and the kernels of each.
+inline bool isFilterDepth(std::int32_t depth)
+{
+    return depth == ORV_DEPTH_8U || depth == ORV_DEPTH_16S || depth == ORV_DEPTH_32F;
+}
+template <class Kernels> struct FilterKernels {
+    Kernels bytes, words, floats;
+
+    const Kernels &operator[](std::int32_t depth) const
+    {
+        return depth == ORV_DEPTH_8U ? bytes : depth == ORV_DEPTH_16S ? words : floats;
+    }
+};
+
+inline WindowShape shapeOf(const Work &work, const Window &window, std::int32_t sampleBytes)
+{
+    return {work.size.width, samplesPerPixel(work.layout), sampleBytes, window.columns, window.rows};
+}
+
+} // namespace orv
