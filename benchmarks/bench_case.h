@@ -30,6 +30,7 @@ std::vector<Case> arithmeticCases();
 std::vector<Case> geometryCases();
 std::vector<Case> measureCases();
 std::vector<Case> neighbourhoodCases();
+std::vector<Case> filterCases();
 std::vector<Case> kernelCases();
 
 } // namespace bench

@@ -1,6 +1,5 @@
 // Operations with a neighbourhood. Coefficients and shifts are typical ones: small integers.
-#include "bench_case.h"
-#include "bench_images.h"
+#include "bench_windows.h"
 
 namespace bench {
 namespace {
@@ -71,23 +70,11 @@ OrvStatus separable(const Image &from, const Image &to, const OrvConvKernelFP *x
     return orvConvolveSep2DFP(from.get(), to.get(), x, y);
 }
 
-template <class Call> Case neighbourhood(const std::string &operation, int depth, int channels, Call call)
-{
-    const std::string name = operation + " " + depthName(depth) + " C" + std::to_string(channels);
-    return {name, [=](int side) {
-                const Image source = image(depth, channels, side), destination = image(depth, channels, side);
-                orvSetBorderMode(source.get(), ORV_BORDER_REPLICATE, ORV_SIDE_ALL, 0);
-                return Job{[=] { call(source, destination); }, sampleBytes(destination),
-                           static_cast<std::size_t>(side) * static_cast<std::size_t>(side), source->imageData,
-                           destination->imageData};
-            }};
-}
-
 // All forms at one depth and layout.
 template <class Record> void addForms(std::vector<Case> &cases, int depth, int channels)
 {
     const Windows<Record> &of = windows<Record>();
-    const auto add = [&](const char *name, auto call) { cases.push_back(neighbourhood(name, depth, channels, call)); };
+    const auto add = [&](const char *name, auto call) { cases.push_back(windowCase(name, depth, channels, call)); };
     add("convolve 3x3", [&](const Image &a, const Image &b) { convolve(a, b, {of.three}, 0); });
     add("convolve 5x5", [&](const Image &a, const Image &b) { convolve(a, b, {of.five}, 0); });
     add("row of 5", [&](const Image &a, const Image &b) { separable(a, b, of.row, nullptr); });
@@ -101,26 +88,11 @@ template <class Record> void addCombinations(std::vector<Case> &cases, int depth
     const Windows<Record> &of = windows<Record>();
     const char *const names[] = {"two 3x3, sum", "two 3x3, squares", "two 3x3, root", "two 3x3, max", "two 3x3, min"};
     cases.push_back(
-        neighbourhood("one 3x3", depth, 1, [&](const Image &a, const Image &b) { convolve(a, b, {of.three}, 0); }));
+        windowCase("one 3x3", depth, 1, [&](const Image &a, const Image &b) { convolve(a, b, {of.three}, 0); }));
     for (int method = 0; method < 5; ++method)
-        cases.push_back(neighbourhood(names[method], depth, 1, [&of, method](const Image &a, const Image &b) {
+        cases.push_back(windowCase(names[method], depth, 1, [&of, method](const Image &a, const Image &b) {
             convolve(a, b, std::vector<Record *>{of.three, of.edge}, method);
         }));
-}
-
-// A small rectangle of an image of 4096 x 4096. The cost must depend on the rectangle and not on the image. Both sizes
-// of the table are 64 x 64 here: the first inside the image, the second at its corner.
-Case smallRectangle()
-{
-    return {
-        "3x3, 64x64 of 4096x4096 8U C1", [](int side) {
-            const Image source = withChannel(image(ORV_DEPTH_8U, 1, 4096), 0);
-            const Image destination = withChannel(image(ORV_DEPTH_8U, 1, 4096), 0);
-            const int offset = side == 256 ? 2000 : 0;
-            for (const Image &each : {source, destination})
-                orvSetROI(each->roi, 0, offset, offset, 64, 64);
-            return Job{[=] { convolve(source, destination, {windows<OrvConvKernel>().three}, 0); }, 64 * 64, 64 * 64};
-        }};
 }
 
 } // namespace
@@ -135,7 +107,8 @@ std::vector<Case> neighbourhoodCases()
     }
     addCombinations<OrvConvKernel>(cases, ORV_DEPTH_16U);
     addCombinations<OrvConvKernelFP>(cases, ORV_DEPTH_32F);
-    cases.push_back(smallRectangle());
+    cases.push_back(smallRectangleCase(
+        "3x3", [](const Image &a, const Image &b) { convolve(a, b, {windows<OrvConvKernel>().three}, 0); }));
     return cases;
 }
 

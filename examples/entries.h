@@ -14,6 +14,7 @@ Family logicFamily();
 Family geometryFamily();
 Family measureFamily();
 Family neighbourhoodFamily();
+Family filterFamily();
 Family patternFamily();
 
 } // namespace sheet
