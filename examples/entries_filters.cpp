@@ -58,34 +58,21 @@ Picture colorMedian(const Photograph &photograph)
                        }));
 }
 
-Picture largeMedian(const Photograph &photograph)
-{
-    return filtered(*photograph.colour,
-                    [](const OrvImage *from, OrvImage *to) { return orvMedianFilter(from, to, 15, 15, 7, 7); });
-}
+using WindowFunction = OrvStatus (*)(const OrvImage *, OrvImage *, std::int32_t, std::int32_t, std::int32_t,
+                                     std::int32_t);
 
-Picture blur(const Photograph &photograph)
+// A square window around each pixel.
+template <WindowFunction Function, std::int32_t Side> Picture around(const Photograph &photograph)
 {
-    return filtered(*photograph.colour,
-                    [](const OrvImage *from, OrvImage *to) { return orvBlur(from, to, 31, 31, 15, 15); });
+    return filtered(*photograph.colour, [](const OrvImage *from, OrvImage *to) {
+        return Function(from, to, Side, Side, Side / 2, Side / 2);
+    });
 }
 
 Picture motionBlur(const Photograph &photograph)
 {
     return filtered(*photograph.colour,
                     [](const OrvImage *from, OrvImage *to) { return orvBlur(from, to, 41, 1, 0, 0); });
-}
-
-Picture minimum(const Photograph &photograph)
-{
-    return filtered(*photograph.colour,
-                    [](const OrvImage *from, OrvImage *to) { return orvMinFilter(from, to, 7, 7, 3, 3); });
-}
-
-Picture maximum(const Photograph &photograph)
-{
-    return filtered(*photograph.colour,
-                    [](const OrvImage *from, OrvImage *to) { return orvMaxFilter(from, to, 7, 7, 3, 3); });
 }
 
 template <std::int32_t Filter> Picture fixedFilter(const Photograph &photograph)
@@ -119,12 +106,12 @@ constexpr Entry table[] = {
      "Noise in a tenth of the pixels. The vector median takes pixels as they are, and makes no new colours.", true, 2,
      colorMedian},
     {"median-15", "orvMedianFilter", "A median of 15 × 15: small things vanish, and edges stay.", false, 1,
-     largeMedian},
-    {"blur", "orvBlur", "The mean of 31 × 31 pixels.", true, 1, blur},
+     around<orvMedianFilter, 15>},
+    {"blur", "orvBlur", "The mean of 31 × 31 pixels.", true, 1, around<orvBlur, 31>},
     {"motion-blur", "orvBlur", "The mean of 41 pixels to the right, from an anchor at the left end.", false, 0,
      motionBlur},
-    {"minimum", "orvMinFilter", "The smallest samples of 7 × 7.", false, 2, minimum},
-    {"maximum", "orvMaxFilter", "The largest samples of 7 × 7.", true, 2, maximum},
+    {"minimum", "orvMinFilter", "The smallest samples of 7 × 7.", false, 2, around<orvMinFilter, 7>},
+    {"maximum", "orvMaxFilter", "The largest samples of 7 × 7.", true, 2, around<orvMaxFilter, 7>},
     {"sobel", "orvFixedFilter", "Sobel: edges that become brighter downwards.", true, 0,
      fixedFilter<ORV_FILTER_SOBEL_H>},
     {"laplace-5", "orvFixedFilter", "The Laplace filter of 5 × 5: lines and corners.", false, 1,
