@@ -141,7 +141,8 @@ bool StripCall::planBuffers()
     return paddedHeight(workOn(1)) <= most && paddedStep_ <= most / paddedHeight(workOn(inStrips() ? 1 : size_.height));
 }
 
-// As many rows as the cache holds, but at least as many as consecutive strips share.
+// As many rows as the cache holds, but at least as many as consecutive strips share. Scratch that a loop needs for a
+// single row does not count: strips of fewer rows would not save it.
 std::int32_t StripCall::chooseStripRows() const
 {
     if (!inStrips())
@@ -149,7 +150,7 @@ std::int32_t StripCall::chooseStripRows() const
     const std::int64_t least = std::max<std::int64_t>(8, std::int64_t{call_.margins.top} + call_.margins.bottom);
     const std::int64_t most = std::max(least, windowStripBytes / paddedStep_ + 1);
     std::int64_t strips = (size_.height + most - 1) / most, rows = (size_.height + strips - 1) / strips;
-    while (rows > least && scratchBytes(static_cast<std::int32_t>(rows)) > windowStripBytes) {
+    while (rows > least && scratchBytes(static_cast<std::int32_t>(rows)) - loopBytes(1) > windowStripBytes) {
         ++strips;
         rows = (size_.height + strips - 1) / strips;
     }
