@@ -1,4 +1,5 @@
-// Largest and smallest samples of windows.
+// Largest and smallest samples of windows: the extremes of the windows' rows, then those of their columns, a few rows
+// of results and a block of columns at a time.
 #include "external.h"
 #include "signatures.h"
 
@@ -13,46 +14,129 @@ namespace {
 
 #include "windows.h"
 
-struct Largest {
-    template <class Sample> Sample operator()(Sample a, Sample b) const { return a > b ? a : b; }
-};
-struct Smallest {
-    template <class Sample> Sample operator()(Sample a, Sample b) const { return a < b ? a : b; }
+#include "extremes.h"
+
+#include "column_extremes.h"
+
+// The extremes along a row widen in steps: three times as wide with each, and with the last one as wide as the window,
+// from places that overlap. Runs step(places, offsets, margin), where the margin is what a row still has on its right.
+template <class Step> inline void overWidths(std::int32_t columns, std::size_t pixelBytes, Step step)
+{
+    const std::size_t wanted = static_cast<std::size_t>(columns) * pixelBytes;
+    std::size_t offsets[mostPlaces] = {}, margin = wanted - pixelBytes, wide = pixelBytes;
+    for (; mostPlaces * wide < wanted; wide *= 3) {
+        offsets[1] = wide;
+        offsets[2] = 2 * wide;
+        margin -= 2 * wide;
+        step(3, offsets, margin);
+    }
+    std::size_t places = 1;
+    for (; places * wide < wanted; ++places)
+        offsets[places] = places * wide < margin ? places * wide : margin;
+    step(places, offsets, 0);
+}
+
+struct Rasters {
+    ConstRaster source; // the first pixel's window
+    Raster destination;
+    std::int32_t width, height;
+    std::size_t layout;
 };
 
-template <class Sample, class Better>
-[[gnu::noinline]] KrnStatus extremes(std::size_t layout, ConstRaster source, Raster destination, std::int32_t width,
-                                     std::int32_t height, const Window &window, void *)
-{
-    if (const KrnStatus status = checkWindow(source, destination, width, height, window); status != KRN_OK)
-        return status;
-    const std::size_t channels = samplesOf(layout);
-    const Better better;
-    const auto row = [&](std::size_t samples, const unsigned char *in, unsigned char *out) {
-        for (std::size_t i = 0; i < samples; ++i) {
-            Sample found = load<Sample>(in, i);
-            for (std::int32_t y = 0; y < window.rows; ++y)
-                for (std::int32_t x = 0; x < window.columns; ++x)
-                    found = better(found, load<Sample>(in + std::ptrdiff_t{y} * source.step,
-                                                       i + static_cast<std::size_t>(x) * channels));
-            store(out, i, found);
+// A block of columns. The scratch starts with a group of rows and their margins.
+template <class Sample, class Better> struct Block {
+    Rasters rasters;
+    Window window;
+    Raster scratch;
+
+    std::size_t pixelBytes() const { return samplesOf(rasters.layout) * sizeof(Sample); }
+    std::size_t rowBytes() const { return static_cast<std::size_t>(rasters.width) * pixelBytes(); }
+
+    // Within scratch all rows are one. What comes between them does not matter.
+    std::size_t wholeBytes(std::int32_t count, std::size_t bytes) const
+    {
+        const std::int64_t before = std::int64_t{count - 1} * scratch.step;
+        return (static_cast<std::size_t>(before) + bytes + 31) & ~std::size_t{31};
+    }
+
+    // The extremes along `count` rows, which may be those in scratch.
+    void computeRows(std::int32_t count, ConstRaster in, Raster out) const
+    {
+        overWidths(window.columns, pixelBytes(),
+                   [&](std::size_t places, const std::size_t(&offsets)[mostPlaces], std::size_t margin) {
+                       const Raster to = margin == 0 ? out : scratch;
+                       const std::size_t bytes = rowBytes() + margin;
+                       const unsigned char *from[mostPlaces];
+                       for (std::size_t i = 0; i < places; ++i)
+                           from[i] = in.data + offsets[i];
+                       if (in.data == to.data)
+                           bestOf<Sample, Better>(places, from, 0, to, wholeBytes(count, bytes), 1);
+                       else
+                           bestOf<Sample, Better>(places, from, in.step, to, bytes, count);
+                       in = to;
+                   });
+    }
+
+    void compute() const
+    {
+        const std::size_t bytes = rowBytes() + static_cast<std::size_t>(window.columns - 1) * pixelBytes();
+        const Raster more = scratch.fromRow(groupRows).fromByte(64);
+        ColumnExtremes<Sample, Better> columns(rasters.source, bytes, window.rows, rasters.height, more);
+        const std::int32_t count = rasters.height < groupRows ? rasters.height : groupRows;
+        for (std::int32_t next = 0; next < rasters.height; next += groupRows) {
+            const bool last = rasters.height - next <= groupRows;
+            const std::int32_t y = last ? rasters.height - count : next;
+            const Raster results = rasters.destination.fromRow(y), out = rasters.layout == AC4 ? scratch : results;
+            ConstRaster in = rasters.source.fromRow(y);
+            if (window.rows > 1) {
+                const Raster found = window.columns > 1 ? scratch : out;
+                columns.compute(y, count, last, found);
+                in = found;
+            }
+            if (window.rows == 1 || window.columns > 1)
+                computeRows(count, in, out);
+            for (std::int32_t row = 0; row < count && rasters.layout == AC4; ++row)
+                moveThreeOfFour<Sample>(static_cast<std::size_t>(rasters.width), scratch.fromRow(row).data,
+                                        results.fromRow(row).data);
         }
-    };
-    return overWindows<Sample, Sample>(layout, source, destination, width, height, window, row);
+    }
+};
+
+// Not inlined: the layouts share it.
+template <class Sample, class Better>
+[[gnu::noinline]] KrnStatus extremes(const Rasters &given, const Window &window, void *scratch)
+{
+    const KrnStatus status = checkWindow(given.source, given.destination, given.width, given.height, window);
+    if (status != KRN_OK)
+        return status;
+    const std::int32_t channels = static_cast<std::int32_t>(samplesOf(given.layout)),
+                       pixelBytes = channels * static_cast<std::int32_t>(sizeof(Sample));
+    const WindowShape shape = {given.width, channels, sizeof(Sample), window.columns, window.rows};
+    const std::int64_t most = extremesBlockBytes(shape) / pixelBytes;
+    const ConstRaster first = firstOf(given.source, window, static_cast<std::size_t>(pixelBytes));
+    for (std::int64_t x = 0; x < given.width; x += most) {
+        const std::int64_t pixels = given.width - x < most ? given.width - x : most;
+        const Rasters part = {first.fromByte(x * pixelBytes), given.destination.fromByte(x * pixelBytes),
+                              static_cast<std::int32_t>(pixels), given.height, given.layout};
+        Block<Sample, Better>{
+            part, window, {static_cast<unsigned char *>(scratch), static_cast<std::int32_t>(extremesStep(shape))}}
+            .compute();
+    }
+    return KRN_OK;
 }
 
 } // namespace
 
-#define ORV_EXTREMES(layout, samples, Sample)                                                                     \
-    KRN_KERNEL(WindowKernel, krnMaxFilter##samples##layout)                                                       \
-    {                                                                                                             \
-        return extremes<Sample, Largest>(layout, from(source, sourceStep), to(destination, step), width, height,  \
-                                         {columns, rows, anchorX, anchorY}, scratch);                             \
-    }                                                                                                             \
-    KRN_KERNEL(WindowKernel, krnMinFilter##samples##layout)                                                       \
-    {                                                                                                             \
-        return extremes<Sample, Smallest>(layout, from(source, sourceStep), to(destination, step), width, height, \
-                                          {columns, rows, anchorX, anchorY}, scratch);                            \
+#define ORV_EXTREMES(layout, samples, Sample)                                                                       \
+    KRN_KERNEL(WindowKernel, krnMaxFilter##samples##layout)                                                         \
+    {                                                                                                               \
+        return extremes<Sample, Largest>({from(source, sourceStep), to(destination, step), width, height, layout},  \
+                                         {columns, rows, anchorX, anchorY}, scratch);                               \
+    }                                                                                                               \
+    KRN_KERNEL(WindowKernel, krnMinFilter##samples##layout)                                                         \
+    {                                                                                                               \
+        return extremes<Sample, Smallest>({from(source, sourceStep), to(destination, step), width, height, layout}, \
+                                          {columns, rows, anchorX, anchorY}, scratch);                              \
     }
 
 ORV_LAYOUTS(ORV_EXTREMES, 8u, std::uint8_t)

@@ -46,10 +46,34 @@ struct WindowShape {
         void *scratch
 KRN_SIGNATURE(WindowKernel)
 
-// Bytes of scratch, without a product that wraps: windows are bounded by the padded source, which has been allocated.
-constexpr std::int64_t extremesScratchBytes(const WindowShape &)
+// Extremes are computed from blocks of columns with the pixels around them. Their bytes keep some rows in the nearest
+// cache, and what is computed around a block small beside it.
+constexpr std::int64_t extremesBlockBytes(const WindowShape &shape)
 {
-    return 0;
+    const std::int64_t pixelBytes = std::int64_t{shape.channels} * shape.sampleBytes;
+    const std::int64_t around = 4 * (shape.columns - 1) * pixelBytes, row = shape.width * pixelBytes;
+    const std::int64_t block = around > 2048 ? around : 2048;
+    return row < block ? row : block;
+}
+// From row to row of such a block.
+constexpr std::int64_t extremesStep(const WindowShape &shape)
+{
+    const std::int64_t pixelBytes = std::int64_t{shape.channels} * shape.sampleBytes;
+    const std::int64_t bytes = extremesBlockBytes(shape) + (shape.columns - 1) * pixelBytes;
+    return bytes < 32 ? bytes : (bytes + 31) & ~std::int64_t{31};
+}
+// Rows of results that are computed at once, and how many times as many rows the windows of all of them share, where
+// those come from the extremes of so many rows.
+constexpr std::int32_t groupRows = 8;
+constexpr std::int32_t blocksOfCore(std::int32_t rows)
+{
+    return rows < 3 * groupRows ? 0 : (rows - groupRows) / groupRows;
+}
+
+// Bytes of scratch, without a product that wraps: windows are bounded by the padded source, which has been allocated.
+constexpr std::int64_t extremesScratchBytes(const WindowShape &shape)
+{
+    return extremesStep(shape) * (groupRows + 2 + std::int64_t{blocksOfCore(shape.rows)}) + 64;
 }
 constexpr std::int64_t medianScratchBytes(const WindowShape &shape)
 {
