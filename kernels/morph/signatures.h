@@ -13,7 +13,7 @@ KRN_SIGNATURE(MorphologyKernel)
 
 constexpr std::int64_t morphologyScratchBytes(std::int32_t width, std::int32_t channels)
 {
-    return 2 * ((std::int64_t{width} * channels + 31) & ~std::int64_t{31});
+    return 2 * (((std::int64_t{width} + 2) * channels + 31) & ~std::int64_t{31});
 }
 
 } // namespace orv

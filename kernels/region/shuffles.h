@@ -70,6 +70,20 @@ template <class Sample> inline Vector<Sample> keepingFourth(Vector<Sample> resul
     return chosen<Sample>(bits, result, before);
 }
 
+// The bytes that lie `by` places further in a row, of which these are two neighbouring vectors.
+template <std::size_t by> inline U8s furtherBytes(U8s vector, U8s next)
+{
+    static_assert(by > 0 && by < 16);
+#if ORV_VECTOR_BYTES == 32
+    const Bits between = _mm256_permute2x128_si256(bitsOf(vector), bitsOf(next), 0x21);
+    return as<std::uint8_t>(_mm256_alignr_epi8(between, bitsOf(vector), by));
+#elif ORV_SHUFFLES
+    return as<std::uint8_t>(_mm_alignr_epi8(bitsOf(next), bitsOf(vector), by));
+#else
+    return as<std::uint8_t>(_mm_srli_si128(bitsOf(vector), by) | _mm_slli_si128(bitsOf(next), 16 - by));
+#endif
+}
+
 // packed() of neighbouring vectors gives their samples lane by lane: the lower lanes of both first. These put them in
 // order, after one step of packing and after two.
 template <class Vector> inline Vector inOrderOfPairs(Vector vector)
