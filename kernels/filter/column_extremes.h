@@ -1,8 +1,9 @@
 // Extremes of the rows of windows: each column for itself. To be included after region/extremes.h.
 //
-// Windows of neighbouring rows of results have most of their rows in common. The results of a group share those, their
-// core, and have one more row at a time above it and below it (van Herk 1992, Gil and Werman 1993). The cores of high
-// windows move on by as many rows as a group has: they are windows again, of the extremes of so many rows.
+// Windows of neighbouring rows of results have most of their rows in common. The results of a group share those, which
+// are its core. Each result adds some rows above the core and some below it, one more or less than its neighbour (van
+// Herk 1992, Gil and Werman 1993). From group to group the core of a high window moves on by one block of as many rows,
+// so the extremes of blocks are kept in a queue.
 
 constexpr std::int32_t smallGroupRows = 4;
 
@@ -33,7 +34,8 @@ template <class Sample, class Better, std::int32_t group, bool makesBlock>
 
 // The extremes of `count` rows, and of as many from each later row on.
 template <class Sample, class Better>
-void bestOfRows(ConstRaster in, std::int64_t count, Raster out, std::size_t bytes, std::int32_t height = 1)
+[[gnu::noinline]] void bestOfRows(ConstRaster in, std::int64_t count, Raster out, std::size_t bytes,
+                                  std::int32_t height = 1)
 {
     if (count <= static_cast<std::int64_t>(mostPlaces)) {
         const unsigned char *places[mostPlaces] = {};
@@ -55,8 +57,8 @@ void bestOfRows(ConstRaster in, std::int64_t count, Raster out, std::size_t byte
     }
 }
 
-// The extremes of the latest blocks of rows, as many as lie within a core, as a queue: blocks from `next` on have been
-// replaced by the extremes of themselves and all behind them, those before it are younger and count through `younger`.
+// A queue of the extremes of blocks of rows, as many as lie within a core. Blocks from `next` on hold the extremes of
+// themselves and of all behind them. The blocks before it are younger: `younger` has the extremes of all of those.
 template <class Sample, class Better> struct BlockQueue {
     Raster blocks;
     std::int32_t count, next;

@@ -1,5 +1,5 @@
-// Largest and smallest samples of windows: the extremes of the windows' rows, then those of their columns, a few rows
-// of results and a block of columns at a time.
+// Largest and smallest samples of windows: the extremes of each column of a window, then those along its row. A few
+// rows of results and a block of columns are computed at a time.
 #include "external.h"
 #include "signatures.h"
 
@@ -17,24 +17,7 @@ namespace {
 #include "extremes.h"
 
 #include "column_extremes.h"
-
-// The extremes along a row widen in steps: three times as wide with each, and with the last one as wide as the window,
-// from places that overlap. Runs step(places, offsets, margin), where the margin is what a row still has on its right.
-template <class Step> inline void overWidths(std::int32_t columns, std::size_t pixelBytes, Step step)
-{
-    const std::size_t wanted = static_cast<std::size_t>(columns) * pixelBytes;
-    std::size_t offsets[mostPlaces] = {}, margin = wanted - pixelBytes, wide = pixelBytes;
-    for (; mostPlaces * wide < wanted; wide *= 3) {
-        offsets[1] = wide;
-        offsets[2] = 2 * wide;
-        margin -= 2 * wide;
-        step(3, offsets, margin);
-    }
-    std::size_t places = 1;
-    for (; places * wide < wanted; ++places)
-        offsets[places] = places * wide < margin ? places * wide : margin;
-    step(places, offsets, 0);
-}
+#include "row_extremes.h"
 
 struct Rasters {
     ConstRaster source; // the first pixel's window
@@ -52,27 +35,28 @@ template <class Sample, class Better> struct Block {
     std::size_t pixelBytes() const { return samplesOf(rasters.layout) * sizeof(Sample); }
     std::size_t rowBytes() const { return static_cast<std::size_t>(rasters.width) * pixelBytes(); }
 
-    // Within scratch all rows are one. What comes between them does not matter.
-    std::size_t wholeBytes(std::int32_t count, std::size_t bytes) const
-    {
-        const std::int64_t before = std::int64_t{count - 1} * scratch.step;
-        return (static_cast<std::size_t>(before) + bytes + 31) & ~std::size_t{31};
-    }
-
-    // The extremes along `count` rows, which may be those in scratch.
+    // The extremes along `count` rows, which may be those in scratch. Nine pixels are found in registers where shifts
+    // of a vector reach the ninth.
     void computeRows(std::int32_t count, ConstRaster in, Raster out) const
     {
-        overWidths(window.columns, pixelBytes(),
+        const bool inRegisters =
+            ORV_SHUFFLES && rasters.layout == C1 && in.data == scratch.data && rowBytes() >= ORV_VECTOR_BYTES;
+        overWidths(window.columns, pixelBytes(), inRegisters,
                    [&](std::size_t places, const std::size_t(&offsets)[mostPlaces], std::size_t margin) {
                        const Raster to = margin == 0 ? out : scratch;
                        const std::size_t bytes = rowBytes() + margin;
-                       const unsigned char *from[mostPlaces];
-                       for (std::size_t i = 0; i < places; ++i)
-                           from[i] = in.data + offsets[i];
-                       if (in.data == to.data)
-                           bestOf<Sample, Better>(places, from, 0, to, wholeBytes(count, bytes), 1);
-                       else
-                           bestOf<Sample, Better>(places, from, in.step, to, bytes, count);
+                       // Within scratch there is room for whole vectors.
+                       const std::size_t whole = in.data == to.data ? (bytes + 31) & ~std::size_t{31} : bytes;
+                       if (places == nine) {
+#if ORV_SHUFFLES
+                           bestOfNine<Sample, Better>(in, to, whole, count);
+#endif
+                       } else {
+                           const unsigned char *from[mostPlaces];
+                           for (std::size_t i = 0; i < places; ++i)
+                               from[i] = in.data + offsets[i];
+                           bestOf<Sample, Better>(places, from, in.step, to, whole, count);
+                       }
                        in = to;
                    });
     }

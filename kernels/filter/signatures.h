@@ -46,8 +46,8 @@ struct WindowShape {
         void *scratch
 KRN_SIGNATURE(WindowKernel)
 
-// Extremes are computed from blocks of columns with the pixels around them. Their bytes keep some rows in the nearest
-// cache, and what is computed around a block small beside it.
+// Extremes are computed in blocks of columns, so that some rows stay in the nearest cache. A block is several times as
+// wide as the margins that are computed with it.
 constexpr std::int64_t extremesBlockBytes(const WindowShape &shape)
 {
     const std::int64_t pixelBytes = std::int64_t{shape.channels} * shape.sampleBytes;
@@ -59,11 +59,10 @@ constexpr std::int64_t extremesBlockBytes(const WindowShape &shape)
 constexpr std::int64_t extremesStep(const WindowShape &shape)
 {
     const std::int64_t pixelBytes = std::int64_t{shape.channels} * shape.sampleBytes;
-    const std::int64_t bytes = extremesBlockBytes(shape) + (shape.columns - 1) * pixelBytes;
-    return bytes < 32 ? bytes : (bytes + 31) & ~std::int64_t{31};
+    return (extremesBlockBytes(shape) + (shape.columns - 1) * pixelBytes + 31) & ~std::int64_t{31};
 }
-// Rows of results that are computed at once, and how many times as many rows the windows of all of them share, where
-// those come from the extremes of so many rows.
+// So many rows of results are computed at once. The rows that their windows share are taken in blocks of as many,
+// where the window is high.
 constexpr std::int32_t groupRows = 8;
 constexpr std::int32_t blocksOfCore(std::int32_t rows)
 {

@@ -28,14 +28,16 @@ struct Smallest {
 #endif
 };
 
-// Runs body<Value>(at) over the bytes of a row, by vectors where the row has one. The last vector overlaps what is
-// before it: it computes that again.
-template <class Sample, class Body> inline void overBytes(std::size_t bytes, Body body)
+// Runs body<Value>(at) over the bytes of a row, by vectors where the row has one, `atOnce` of them in a turn. The last
+// vector overlaps what is before it: it computes that again.
+template <class Sample, std::size_t atOnce = 1, class Body> inline void overBytes(std::size_t bytes, Body body)
 {
 #if ORV_VECTOR_BYTES > 0
     if (bytes >= ORV_VECTOR_BYTES) {
         std::size_t at = 0;
-        ORV_UNROLLED
+        for (; atOnce > 1 && at + atOnce * ORV_VECTOR_BYTES <= bytes; at += atOnce * ORV_VECTOR_BYTES)
+            for (std::size_t i = 0; i < atOnce; ++i)
+                body.template operator()<Vector<Sample>>(at + i * ORV_VECTOR_BYTES);
         for (; at + ORV_VECTOR_BYTES <= bytes; at += ORV_VECTOR_BYTES)
             body.template operator()<Vector<Sample>>(at);
         if (at < bytes)
@@ -57,9 +59,8 @@ template <class Sample, class Body> inline void overBytes(std::size_t bytes, Bod
 
 constexpr std::size_t mostPlaces = 5; // that bestOf() takes at once
 
-// Of several places the best: `places` are those of the first sample of the first of `height` rows, all of which lie
-// `inStep` bytes apart. The result may lie over the first place if its rows are multiples of 32 bytes, or if the other
-// places are other rows.
+// The best of several places, for a row from each place on. All move on by `inStep` bytes from row to row. The result
+// may lie over the first place if it is whole vectors, or if the other places are other rows.
 template <class Sample, class Better, std::size_t count>
 [[gnu::noinline]] void bestOf(const unsigned char *const *places, std::int32_t inStep, Raster out, std::size_t bytes,
                               std::int32_t height)
@@ -69,7 +70,7 @@ template <class Sample, class Better, std::size_t count>
         in[i] = places[i];
     const Better better;
     for (std::int32_t row = 0; row < height; ++row, out = out.fromRow(1)) {
-        overBytes<Sample>(bytes, [&]<class Value>(std::size_t at) {
+        overBytes<Sample, 4>(bytes, [&]<class Value>(std::size_t at) {
             Value found = load<Value>(in[0] + at, 0);
             for (std::size_t i = 1; i < count; ++i)
                 found = better(found, load<Value>(in[i] + at, 0));
