@@ -74,9 +74,37 @@ constexpr std::int64_t extremesScratchBytes(const WindowShape &shape)
 {
     return extremesStep(shape) * (groupRows + 2 + std::int64_t{blocksOfCore(shape.rows)}) + 64;
 }
+// Medians of small windows sort pieces of rows: so many bytes at a time, and what windows reach beyond them.
+constexpr std::int64_t medianBlockBytes = 256, medianMarginBytes = 96, medianMostLists = 56;
+
+// Medians of large windows count the samples of columns of a piece, and for samples of two bytes split a copy of it.
+// Wider windows than the widest do so without.
+constexpr std::int32_t medianMostColumns = 4095;
+constexpr std::int64_t medianColumnBytes = 4 * (16 + 16 * 16), medianLowerBytes = 256 * (medianColumnBytes + 8);
+constexpr std::int32_t medianPieceWidth(std::int32_t columns)
+{
+    return columns < 256 ? 256 : columns < 1024 ? columns : 1024;
+}
+constexpr std::int32_t medianPieceHeight(std::int32_t rows)
+{
+    return rows < 128 ? 128 : rows < 1024 ? rows : 1024;
+}
+
 constexpr std::int64_t medianScratchBytes(const WindowShape &shape)
 {
-    return std::int64_t{shape.columns} * shape.rows * shape.sampleBytes;
+    if (shape.columns == 3 && shape.rows == 3)
+        return 6 * (medianBlockBytes + medianMarginBytes);
+    const std::int64_t lists = medianMostLists * (medianBlockBytes + medianMarginBytes);
+    const std::int64_t sliding = shape.sampleBytes == 1 ? 4 * (16 + 256) : 4 * (16 + 256 + 4096 + 65536);
+    if (shape.columns > medianMostColumns)
+        return sliding;
+    const std::int32_t most = medianPieceWidth(shape.columns), width = shape.width < most ? shape.width : most;
+    const std::int64_t columns = std::int64_t{width} + shape.columns - 1;
+    const std::int64_t rows = std::int64_t{medianPieceHeight(shape.rows)} + shape.rows - 1;
+    const std::int64_t counters = columns * medianColumnBytes;
+    const std::int64_t all = shape.sampleBytes == 1 ? counters : counters + medianLowerBytes + 2 * columns * rows;
+    const std::int64_t larger = all > sliding ? all : sliding;
+    return larger > lists ? larger : lists;
 }
 
 // Means of windows. `sums` are column sums of 4 bytes, boxSumsBytes() in all, which a call leaves as they were for its
