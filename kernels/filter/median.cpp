@@ -111,7 +111,7 @@ void medianOfPiece(const MedianSize &size, ConstRaster source, Raster destinatio
 {
     const Bytes bytes = {source.data, static_cast<std::ptrdiff_t>(pixelBytes), source.step};
     medianBytes(size, bytes, static_cast<Histogram<Counter> *>(scratch),
-                [&](std::size_t x, std::size_t y, std::size_t byte, std::size_t) {
+                [&](std::size_t x, std::size_t y, std::size_t byte, std::int32_t) {
                     destination.fromRow(static_cast<std::int64_t>(y)).data[x * pixelBytes] =
                         static_cast<unsigned char>(byte);
                 });
@@ -128,9 +128,9 @@ void medianOfPiece(const MedianSize &size, ConstRaster source, Raster destinatio
                             size.height + size.rows - 1};
     columns.lower = columns.upper + size.sourceColumns() * columns.length;
     columns.split(source, pixelBytes, size.sourceColumns());
-    LowerByteFinder<Counter> finder = {size, columns, lower};
+    LowerByteFinder<Counter> finder = {size, columns, histograms, lower};
     const Bytes bytes = {columns.upper, static_cast<std::ptrdiff_t>(columns.length), 1};
-    medianBytes(size, bytes, histograms, [&](std::size_t x, std::size_t y, std::size_t byte, std::size_t rank) {
+    medianBytes(size, bytes, histograms, [&](std::size_t x, std::size_t y, std::size_t byte, std::int32_t rank) {
         if (x == 0)
             finder.startRow();
         const std::size_t sample = byte << 8 | finder.find(x, y, byte, rank);

@@ -47,13 +47,20 @@ template <class Counter> struct Bins {
             counters[i] -= loadVector<Counter>(less, i * perVector<Counter>);
     }
 
-    // The last bin whose counter is not above the rank; the first one's is 0.
-    std::size_t binOf(Counter rank) const
+    Counter at(std::size_t bin) const
     {
+        Counter kept[bins];
+        keep(kept);
+        return kept[bin];
+    }
+
+    // The last bin whose counter is not above the rank; the first one's is 0.
+    std::size_t binOf(std::int32_t rank) const
+    {
+        const Vector<Counter> ranks = everywhere(static_cast<Counter>(rank));
         std::uint64_t above = 0;
         for (std::size_t i = 0; i < vectors; ++i)
-            above |= std::uint64_t{bitsOfMask(as<std::uint8_t>(counters[i] > everywhere<Counter>(rank)))}
-                     << i * ORV_VECTOR_BYTES;
+            above |= std::uint64_t{bitsOfMask(as<std::uint8_t>(counters[i] > ranks))} << i * ORV_VECTOR_BYTES;
         if constexpr (sizeof(Counter) == 2)
             above |= std::uint64_t{1} << 2 * bins;
         else if (above == 0)
@@ -80,7 +87,8 @@ template <class Counter> struct Bins {
         for (std::size_t i = 0; i < bins; ++i)
             counters[i] = static_cast<Counter>(counters[i] - less[i]);
     }
-    std::size_t binOf(Counter rank) const
+    Counter at(std::size_t bin) const { return counters[bin]; }
+    std::size_t binOf(std::int32_t rank) const
     {
         std::size_t bin = 0;
         for (std::size_t half = bins / 2; half > 0; half /= 2)
@@ -91,6 +99,14 @@ template <class Counter> struct Bins {
 
 #endif
 
+// A byte as a number. The compiler would spill one byte and load eight, which waits until the byte is in the cache.
+inline std::size_t numberOf(unsigned char byte)
+{
+    std::size_t number = byte;
+    __asm__("" : "+r"(number));
+    return number;
+}
+
 // Bytes in columns and rows, at any distances.
 struct Bytes {
     const unsigned char *data;
@@ -98,7 +114,7 @@ struct Bytes {
 
     std::size_t at(std::size_t x, std::size_t y) const
     {
-        return data[static_cast<std::ptrdiff_t>(x) * right + static_cast<std::ptrdiff_t>(y) * down];
+        return numberOf(data[static_cast<std::ptrdiff_t>(x) * right + static_cast<std::ptrdiff_t>(y) * down]);
     }
 };
 
@@ -128,8 +144,6 @@ template <class Counter> inline void count(Histogram<Counter> &histogram, std::s
 
 template <class Counter> inline void exchangeCounted(Histogram<Counter> &histogram, std::size_t before, std::size_t now)
 {
-    if (before == now)
-        return;
     Bins<Counter> counters(histogram.upper);
     counters.subtract(steps<Counter>.counters[before / bins]);
     counters.add(steps<Counter>.counters[now / bins]);
@@ -143,34 +157,50 @@ template <class Counter> inline void exchangeCounted(Histogram<Counter> &histogr
     more.keep(to);
 }
 
-// Lower counters of the window, which are brought up to date when a median is in their group.
+// The window's lower counters of the group that has the median. Those of other groups stay behind until a median is in
+// their group again.
 template <class Counter> struct LowerCounters {
-    static constexpr std::size_t never = ~std::size_t{0};
-    Counter counters[bins][bins];
+    static constexpr std::size_t never = ~std::size_t{0} / 2;
+    const Histogram<Counter> *histograms;
+    std::size_t columns;
+    std::size_t group = 0;
+    Bins<Counter> window;
+    Counter behind[bins][bins];
     std::size_t place[bins]; // of the window that they are of
 
-    void forget()
+    LowerCounters(const Histogram<Counter> *all, std::size_t count) : histograms(all), columns(count)
     {
         for (std::size_t &each : place)
             each = never;
+        sum(0);
     }
 
-    Bins<Counter> at(std::size_t group, std::size_t x, const Histogram<Counter> *histograms, std::size_t columns)
+    void sum(std::size_t x)
     {
-        Bins<Counter> window;
-        if (place[group] == never || 2 * (x - place[group]) > columns) {
-            for (std::size_t i = x; i < x + columns; ++i)
-                window.add(histograms[i].lower[group]);
-        } else {
-            window = Bins<Counter>(counters[group]);
-            for (std::size_t i = place[group]; i < x; ++i) {
-                window.add(histograms[i + columns].lower[group]);
-                window.subtract(histograms[i].lower[group]);
-            }
-        }
-        window.keep(counters[group]);
-        place[group] = x;
-        return window;
+        window = Bins<Counter>();
+        for (std::size_t i = x; i < x + columns; ++i)
+            window.add(histograms[i].lower[group]);
+    }
+    void step(std::size_t x)
+    {
+        window.add(histograms[x + columns - 1].lower[group]);
+        window.subtract(histograms[x - 1].lower[group]);
+    }
+
+    // To the place right of the last one.
+    void move(std::size_t x, std::size_t wanted)
+    {
+        if (wanted == group)
+            return step(x);
+        window.keep(behind[group]);
+        place[group] = x - 1;
+        group = wanted;
+        const std::size_t last = place[wanted];
+        if (last == never || 2 * (x - last) > columns)
+            return sum(x);
+        window = Bins<Counter>(behind[wanted]);
+        for (std::size_t i = last + 1; i <= x; ++i)
+            step(i);
     }
 };
 
@@ -182,17 +212,19 @@ inline void slideAlongRow(const MedianSize &size, const Histogram<Counter> *hist
     Bins<Counter> upper;
     for (std::size_t i = 0; i < size.columns; ++i)
         upper.add(histograms[i].upper);
-    LowerCounters<Counter> lower;
-    lower.forget();
+    LowerCounters<Counter> lower(histograms, size.columns);
     for (std::size_t x = 0;; ++x) {
-        Counter kept[bins];
-        Counter rank = static_cast<Counter>(size.half());
-        const std::size_t group = upper.binOf(rank);
-        upper.keep(kept);
-        rank = static_cast<Counter>(rank - kept[group]);
-        const Bins<Counter> within = lower.at(group, x, histograms, size.columns);
-        const std::size_t bin = within.binOf(rank);
-        found(x, group * bins + bin, static_cast<std::size_t>(rank - lower.counters[group][bin]));
+        const std::int32_t half = static_cast<std::int32_t>(size.half());
+        const std::size_t group = upper.binOf(half);
+        const std::int32_t rank = half - upper.at(group);
+        if (x > 0)
+            lower.move(x, group);
+        else if (group > 0) {
+            lower.group = group;
+            lower.sum(0);
+        }
+        const std::size_t bin = lower.window.binOf(rank);
+        found(x, group * bins + bin, rank - lower.window.at(bin));
         if (x + 1 == size.width)
             return;
         upper.add(histograms[x + size.columns].upper);
@@ -211,7 +243,7 @@ inline void medianBytes(const MedianSize &size, Bytes bytes, Histogram<Counter> 
             count(histograms[x], bytes.at(x, y));
     for (std::size_t y = 0;; ++y) {
         slideAlongRow(size, histograms,
-                      [&](std::size_t x, std::size_t byte, std::size_t rank) { found(x, y, byte, rank); });
+                      [&](std::size_t x, std::size_t byte, std::int32_t rank) { found(x, y, byte, rank); });
         if (y + 1 == size.height)
             return;
         for (std::size_t x = 0; x < columns; ++x)

@@ -102,7 +102,7 @@ constexpr std::int64_t medianScratchBytes(const WindowShape &shape)
     const std::int64_t columns = std::int64_t{width} + shape.columns - 1;
     const std::int64_t rows = std::int64_t{medianPieceHeight(shape.rows)} + shape.rows - 1;
     const std::int64_t counters = columns * medianColumnBytes;
-    const std::int64_t all = shape.sampleBytes == 1 ? counters : counters + medianLowerBytes + 2 * columns * rows;
+    const std::int64_t all = shape.sampleBytes == 1 ? counters : counters + medianLowerBytes + 2 * columns * rows + 32;
     const std::int64_t larger = all > sliding ? all : sliding;
     return larger > lists ? larger : lists;
 }
