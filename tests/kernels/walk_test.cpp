@@ -5,6 +5,7 @@
 #include <cmath>
 #include <cstring>
 #include <set>
+#include <tuple>
 
 #include "trial.h"
 
@@ -244,6 +245,23 @@ TEST(KernelRows, LongRowsAreLikeShortOnes)
             EXPECT_TRUE(hold(trial, Formula()));
         }
     }
+}
+
+// Windows with more samples than 16-bit counters hold, windows wider than columns are counted, and images that are
+// computed in several pieces.
+TEST(KernelRows, LargeMediansAreLikeSmallOnes)
+{
+    Random random(6);
+    for (const Row &row : allRows())
+        if (row.is("Median"))
+            for (const auto &[width, height, window] : {std::tuple{3, 3, Window{183, 181, 9, 180}},
+                                                        {2, 2, Window{4097, 5, 4096, 0}},
+                                                        {3, 131, Window{5, 9, 2, 4}},
+                                                        {262, 2, Window{7, 5, 0, 1}}}) {
+                const Trial trial(row, {width, height, Place::Disjoint, window}, random);
+                fill(trial.first, random);
+                EXPECT_TRUE(hold(trial, formulaOf(row)));
+            }
 }
 
 // A row whose builds were one function by mistake would pass the walk.
