@@ -81,11 +81,13 @@ constexpr std::int64_t medianBlockBytes = 256, medianMarginBytes = 96, medianMos
 // Wider windows than the widest do so without.
 constexpr std::int32_t medianMostColumns = 4095;
 constexpr std::int64_t medianColumnBytes = 4 * (16 + 16 * 16), medianLowerBytes = 256 * (medianColumnBytes + 8);
-constexpr std::int32_t medianPieceWidth(std::int32_t columns)
+// Always inlined: kernels call them in a build's region, where they may leave no symbol that several builds would
+// share.
+[[gnu::always_inline]] constexpr std::int32_t medianPieceWidth(std::int32_t columns)
 {
     return columns < 256 ? 256 : columns < 1024 ? columns : 1024;
 }
-constexpr std::int32_t medianPieceHeight(std::int32_t rows)
+[[gnu::always_inline]] constexpr std::int32_t medianPieceHeight(std::int32_t rows)
 {
     return rows < 128 ? 128 : rows < 1024 ? rows : 1024;
 }

@@ -56,9 +56,14 @@ template <std::size_t count, class Take> ORV_INLINED inline void overNumbers(Tak
 // Runs compute(index) for batches that cover a row. The last one overlaps its neighbour, so the row has at least one.
 template <class Sample, class Compute> inline void overBatches(std::size_t samples, Compute compute)
 {
-    ORV_INDEPENDENT
+#if ORV_VECTOR_BYTES > 0
     for (std::size_t i = 0; i < samples; i += perBatch<Sample>)
-        compute(perBatch<Sample> == 1 || i + perBatch<Sample> <= samples ? i : samples - perBatch<Sample>);
+        compute(i + perBatch<Sample> <= samples ? i : samples - perBatch<Sample>);
+#else
+    ORV_INDEPENDENT
+    for (std::size_t i = 0; i < samples; ++i)
+        compute(i);
+#endif
 }
 
 // Places whose items are put in order.
