@@ -13,94 +13,10 @@ namespace {
 
 #include "windows.h"
 
-// Sums of floats depend on their order: a column sum takes the difference of the row that enters and the row that
-// leaves, and a sum of columns likewise.
-inline std::int32_t moved(std::int32_t sum, std::int32_t entering, std::int32_t leaving)
-{
-    return sum + (entering - leaving);
-}
-inline float moved(float sum, float entering, float leaving)
-{
-    return singleFloat(sum + singleFloat(entering - leaving));
-}
-
-inline std::int32_t added(std::int32_t a, std::int32_t b)
-{
-    return a + b;
-}
-inline float added(float a, float b)
-{
-    return singleFloat(a + b);
-}
-
-inline float reciprocal(const Window &window)
-{
-    return singleFloat(1.0f / static_cast<float>(window.columns * window.rows));
-}
-
-// A quotient as a product with 12 bits of the reciprocal, rounded up.
-struct ByteMean {
-    using Sample = std::uint8_t;
-    using Sum = std::int32_t;
-    std::uint32_t multiplier, shift;
-
-    explicit ByteMean(const Window &window)
-    {
-        const float inverse = reciprocal(window);
-        double wide = inverse * 4294967295.0;
-        __asm__("" : "+m"(wide));
-        std::uint32_t value = static_cast<std::uint32_t>(static_cast<std::int64_t>(wide)), shifts = 0;
-        for (; shifts < 24 && value < 0x80000000; value <<= 1)
-            ++shifts;
-        multiplier = inverse == 1 ? 256 : (value >> 20) + 1;
-        shift = inverse == 1 ? 8 : shifts + 12;
-    }
-    static Sum of(Sample sample) { return sample; }
-    Sample operator()(Sum sum) const
-    {
-        return static_cast<Sample>(multiplier * static_cast<std::uint32_t>(sum) >> shift);
-    }
-};
-
-// Beyond what such a product holds.
-struct LargeByteMean {
-    using Sample = std::uint8_t;
-    using Sum = float;
-    float inverse;
-
-    explicit LargeByteMean(const Window &window) : inverse(reciprocal(window)) {}
-    static Sum of(Sample sample) { return sample; }
-    Sample operator()(Sum sum) const
-    {
-        return static_cast<Sample>(static_cast<std::int32_t>(singleFloat(sum * inverse)));
-    }
-};
-
-// Samples count from the lowest, so that truncation rounds down.
-struct WordMean {
-    using Sample = std::int16_t;
-    using Sum = std::int32_t;
-    float inverse;
-
-    explicit WordMean(const Window &window) : inverse(reciprocal(window)) {}
-    static Sum of(Sample sample) { return sample + 32768; }
-    Sample operator()(Sum sum) const
-    {
-        constexpr float above = 9.0e-6f; // what the product of a whole mean may lack
-        const float mean = singleFloat(singleFloat(static_cast<float>(sum)) * inverse);
-        return static_cast<Sample>(static_cast<std::int32_t>(singleFloat(mean + above)) ^ 0x8000);
-    }
-};
-
-struct FloatMean {
-    using Sample = float;
-    using Sum = float;
-    float inverse;
-
-    explicit FloatMean(const Window &window) : inverse(reciprocal(window)) {}
-    static Sum of(Sample sample) { return sample; }
-    Sample operator()(Sum sum) const { return sum * inverse; }
-};
+#include "box_means.h"
+#if ORV_VECTOR_BYTES > 0
+#include "box_vectors.h"
+#endif
 
 struct Box {
     std::size_t layout;
@@ -110,78 +26,205 @@ struct Box {
     Window window;
     void *sums;
     bool continued;
+    void *scratch;
 };
 
-template <class Mean> [[gnu::noinline]] KrnStatus blurBy(const Box &box)
+// Column sums that fit a word are moved in 32 bits all the same.
+template <class Column> using Wide = std::conditional_t<std::is_same_v<Column, float>, float, std::int32_t>;
+
+// The column sums of a row from those of the row above. Not inlined: the ways to sum up rows share it.
+template <class Column, class Sample>
+[[gnu::noinline]] void moveColumns(std::size_t samples, const unsigned char *above, const unsigned char *entering,
+                                   const unsigned char *leaving, unsigned char *below)
 {
+    using Sum = Wide<Column>;
+    std::size_t i = 0;
+#if ORV_VECTOR_BYTES > 0
+    if constexpr (std::is_same_v<Sample, float>)
+        for (; i + perVector<float> <= samples; i += perVector<float>)
+            storeVector<float>(below, i,
+                               loadVector<float>(above, i) +
+                                   (loadVector<float>(entering, i) - loadVector<float>(leaving, i)));
+#endif
+    ORV_INDEPENDENT
+    for (; i < samples; ++i) {
+        const auto by = difference(load<Sample>(entering, i), load<Sample>(leaving, i));
+        store(below, i, static_cast<Column>(added(Sum{load<Column>(above, i)}, static_cast<Sum>(by))));
+    }
+}
+
+// The column sums of the first row.
+template <class Mean, class Column>
+[[gnu::noinline]] void addColumns(std::size_t samples, ConstRaster source, std::int32_t rows, unsigned char *sums)
+{
+    using Sum = Wide<Column>;
     using Sample = typename Mean::Sample;
-    using Sum = typename Mean::Sum;
-    const Mean mean(box.window);
-    const std::size_t channels = samplesOf(box.layout), written = box.layout == AC4 ? 3 : channels;
-    const std::size_t columns = static_cast<std::size_t>(box.window.columns) * channels;
-    const std::size_t samples = static_cast<std::size_t>(box.width) * channels, all = samples + columns - channels;
-    const ConstRaster first = firstOf(box.source, box.window, channels * sizeof(Sample));
-    for (std::int32_t y = 0; y < box.height; ++y) {
-        if (y == 0 && !box.continued) {
-            for (std::size_t i = 0; i < all; ++i) {
-                Sum sum = Sum();
-                for (std::int32_t row = 0; row < box.window.rows; ++row)
-                    sum = added(sum, Mean::of(load<Sample>(first.fromRow(row).data, i)));
-                store(box.sums, i, sum);
-            }
-        } else {
-            const unsigned char *entering = first.fromRow(y + box.window.rows - 1).data,
-                                *leaving = first.fromRow(y - 1).data;
-            for (std::size_t i = 0; i < all; ++i)
-                store(box.sums, i,
-                      moved(load<Sum>(box.sums, i), Mean::of(load<Sample>(entering, i)),
-                            Mean::of(load<Sample>(leaving, i))));
-        }
-        for (std::size_t channel = 0; channel < written; ++channel) {
-            Sum sum = Sum();
-            for (std::size_t i = channel; i < columns; i += channels)
-                sum = added(sum, load<Sum>(box.sums, i));
-            for (std::size_t i = channel;; i += channels) {
-                store(box.destination.fromRow(y).data, i, mean(sum));
-                if (i + channels >= samples)
-                    break;
-                sum = moved(sum, load<Sum>(box.sums, i + columns), load<Sum>(box.sums, i));
-            }
+    __builtin_memset(sums, 0, samples * sizeof(Column));
+    for (std::int32_t row = 0; row < rows; ++row) {
+        const unsigned char *in = source.fromRow(row).data;
+        ORV_INDEPENDENT
+        for (std::size_t i = 0; i < samples; ++i)
+            store(sums, i, static_cast<Column>(added(Sum{load<Column>(sums, i)}, Mean::of(load<Sample>(in, i)))));
+    }
+}
+
+// A rectangle in groups of rows, and these in parts whose column sums stay in the nearest cache.
+template <class Rows> struct Groups {
+    using Sample = typename Rows::Sample;
+    using Column = typename Rows::Column;
+    static constexpr std::size_t part = 384, resultStep = part * sizeof(Sample) + 64; // of pixels of 3 samples and 4
+
+    const Box &box;
+    const Rows rows;
+    const Lag lag;
+    const std::size_t samples, all; // of a row of results, of a row of columns
+    const ConstRaster first;
+    ColumnRows columns;
+    Raster results;
+
+    explicit Groups(const Box &of)
+        : box(of), rows(of.window), lag{static_cast<std::size_t>(of.window.columns) * samplesOf(of.layout),
+                                        samplesOf(of.layout)},
+          samples(static_cast<std::size_t>(of.width) * lag.channels), all(samples + lag.samples - lag.channels),
+          first(firstOf(of.source, of.window, lag.channels * sizeof(Sample)))
+    {
+        constexpr std::size_t line = 64, beyond = Rows::block + 4; // read behind a row, and without effect
+        // An odd number of lines avoids rows that compete for one place in the cache.
+        columns.step = ((all + beyond) * sizeof(Column) + line - 1) / line * line | line;
+        columns.data = static_cast<unsigned char *>(of.scratch);
+        results = {columns.row(Rows::rows + 1), resultStep};
+        for (std::size_t row = 0; row <= Rows::rows; ++row)
+            __builtin_memset(columns.row(row) + all * sizeof(Column), 0, columns.step - all * sizeof(Column));
+    }
+
+    // Columns `begin` to `end` of the rows of a group. Rows beyond the last one are as this.
+    void sumColumns(std::int32_t y, std::size_t count, std::size_t begin, std::size_t end) const
+    {
+        const ConstRaster from = first.fromByte(static_cast<std::int64_t>(begin * sizeof(Sample)));
+        for (std::size_t row = 0; row < Rows::rows; ++row) {
+            const unsigned char *above = columns.row(row) + begin * sizeof(Column);
+            unsigned char *below = columns.row(row + 1) + begin * sizeof(Column);
+            const std::int64_t line = static_cast<std::int64_t>(row) + y;
+            if (row >= count)
+                __builtin_memcpy(below, above, (end - begin) * sizeof(Column));
+            else if (line == 0 && !box.continued)
+                addColumns<Rows, Column>(end - begin, from, box.window.rows, below);
+            else
+                moveColumns<Column, Sample>(end - begin, above, from.fromRow(line + box.window.rows - 1).data,
+                                            from.fromRow(line - 1).data, below);
         }
     }
+
+    void deliver(std::size_t count, std::size_t some, Raster out) const
+    {
+        for (std::size_t row = 0; row < count; ++row) {
+            const std::int64_t number = static_cast<std::int64_t>(row);
+            const unsigned char *in = results.fromRow(number).data;
+            if (box.layout == AC4)
+                moveThreeOfFour<Sample>(some / 4, in, out.fromRow(number).data);
+            else
+                __builtin_memcpy(out.fromRow(number).data, in, some * sizeof(Sample));
+        }
+    }
+
+    void group(std::int32_t y, std::size_t count) const
+    {
+        typename Rows::Sums sums;
+        std::size_t summed = 0;
+        for (std::size_t begin = 0; begin < samples; begin += part) {
+            const std::size_t some = samples - begin < part ? samples - begin : part;
+            const std::size_t last = begin + some < samples ? begin + some + lag.samples : all;
+            sumColumns(y, count, summed, last < all ? last : all);
+            summed = last < all ? last : all;
+            if (begin == 0)
+                rows.start(columns, lag, sums);
+            const Raster out = box.destination.fromRow(y).fromByte(static_cast<std::int64_t>(begin * sizeof(Sample)));
+            const bool direct = box.layout != AC4 && count == Rows::rows && some % Rows::block == 0;
+            rows.run(columns, begin, begin + some, lag, sums, direct ? out : results);
+            if (!direct)
+                deliver(count, some, out);
+        }
+    }
+
+    void run() const
+    {
+        const std::size_t bytes = all * sizeof(Column), height = static_cast<std::size_t>(box.height);
+        if (box.continued)
+            __builtin_memcpy(columns.row(0), box.sums, bytes);
+        for (std::size_t y = 0; y < height; y += Rows::rows) {
+            group(static_cast<std::int32_t>(y), height - y < Rows::rows ? height - y : Rows::rows);
+            __builtin_memcpy(columns.row(0), columns.row(Rows::rows), bytes);
+        }
+        __builtin_memcpy(box.sums, columns.row(0), bytes);
+    }
+};
+
+template <class Rows> [[gnu::noinline]] KrnStatus blurBy(const Box &box)
+{
+    Groups<Rows>(box).run();
     return KRN_OK;
 }
 
-template <class Mean> inline KrnStatus blur(const Box &box)
+KrnStatus blurSamples(const Box &box, std::uint8_t)
+{
+    constexpr std::int64_t mostPixels = 8100; // of bytes, of which 12 bits of the reciprocal make less than 32
+    const bool large = std::int64_t{box.window.columns} * box.window.rows > mostPixels;
+#if ORV_VECTOR_BYTES > 0
+    if (large)
+        return blurBy<VectorRows<LargeByteVectors>>(box);
+    if (ByteVectors::fit(box.window))
+        return blurBy<VectorRows<ByteVectors>>(box);
+    if (LargerByteVectors::fit(box.window))
+        return blurBy<VectorRows<LargerByteVectors>>(box);
+#else
+    if (large)
+        return blurBy<PlainRows<LargeByteMean>>(box);
+#endif
+    return blurBy<PlainRows<ByteMean>>(box);
+}
+
+KrnStatus blurSamples(const Box &box, std::int16_t)
+{
+#if ORV_VECTOR_BYTES > 0
+    return blurBy<VectorRows<WordVectors>>(box);
+#else
+    return blurBy<PlainRows<WordMean>>(box);
+#endif
+}
+
+KrnStatus blurSamples(const Box &box, float)
+{
+#if ORV_VECTOR_BYTES > 0
+    return blurBy<VectorRows<FloatVectors>>(box);
+#else
+    return blurBy<PlainRows<FloatMean>>(box);
+#endif
+}
+
+template <class Sample> inline KrnStatus blur(const Box &box)
 {
     const KrnStatus status = checkWindow(box.source, box.destination, box.width, box.height, box.window);
-    if (status != KRN_OK)
-        return status;
-    constexpr std::int64_t mostPixels = 8100; // of bytes, of which 12 bits of the reciprocal make less than 32
-    if constexpr (sizeof(typename Mean::Sample) == 1)
-        if (std::int64_t{box.window.columns} * box.window.rows > mostPixels)
-            return blurBy<LargeByteMean>(box);
-    return blurBy<Mean>(box);
+    return status != KRN_OK ? status : blurSamples(box, Sample());
 }
 
 } // namespace
 
-#define ORV_BLUR(layout, samples, Mean)                       \
-    KRN_KERNEL(BoxKernel, krnBlur##samples##layout)           \
-    {                                                         \
-        static_cast<void>(scratch);                           \
-        return blur<Mean>({layout,                            \
-                           from(source, sourceStep),          \
-                           to(destination, step),             \
-                           width,                             \
-                           height,                            \
-                           {columns, rows, anchorX, anchorY}, \
-                           sums,                              \
-                           continued != 0});                  \
+#define ORV_BLUR(layout, samples, Sample)                       \
+    KRN_KERNEL(BoxKernel, krnBlur##samples##layout)             \
+    {                                                           \
+        return blur<Sample>({layout,                            \
+                             from(source, sourceStep),          \
+                             to(destination, step),             \
+                             width,                             \
+                             height,                            \
+                             {columns, rows, anchorX, anchorY}, \
+                             sums,                              \
+                             continued != 0,                    \
+                             scratch});                         \
     }
 
-ORV_LAYOUTS(ORV_BLUR, 8u, ByteMean)
-ORV_LAYOUTS(ORV_BLUR, 16s, WordMean)
-ORV_LAYOUTS(ORV_BLUR, 32f, FloatMean)
+ORV_LAYOUTS(ORV_BLUR, 8u, std::uint8_t)
+ORV_LAYOUTS(ORV_BLUR, 16s, std::int16_t)
+ORV_LAYOUTS(ORV_BLUR, 32f, float)
 
 #include "end.h"

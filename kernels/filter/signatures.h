@@ -122,9 +122,11 @@ constexpr std::int64_t boxSumsBytes(const WindowShape &shape)
 {
     return 4 * (std::int64_t{shape.width} + shape.columns - 1) * shape.channels;
 }
-constexpr std::int64_t boxScratchBytes(const WindowShape &)
+// Column sums of several rows, and results of a part of those rows.
+constexpr std::int64_t boxScratchBytes(const WindowShape &shape)
 {
-    return 0;
+    constexpr std::int64_t mostRows = 9, results = 16384; // rows of sums of 4 bytes, or twice as many of 2 bytes
+    return mostRows * boxSumsBytes(shape) + results;
 }
 
 // A window of a fixed size around each pixel: 3 x 3, or as the code says.

@@ -82,6 +82,26 @@ inline void finishStreaming()
     _mm_sfence();
 }
 
+// A lane from each of two addresses; the second is for vectors of two lanes.
+template <class Sample> inline Vector<Sample> loadLanes(const void *lower, [[maybe_unused]] const void *upper)
+{
+#if ORV_VECTOR_BYTES == 32
+    const __m256i bits = _mm256_castsi128_si256(_mm_loadu_si128(static_cast<const __m128i *>(lower)));
+    return as<Sample>(_mm256_inserti128_si256(bits, _mm_loadu_si128(static_cast<const __m128i *>(upper)), 1));
+#else
+    return loadVector<Sample>(lower);
+#endif
+}
+template <std::size_t number> inline Lane laneOf(auto vector)
+{
+#if ORV_VECTOR_BYTES == 32
+    return reinterpret_cast<Lane>(_mm256_extracti128_si256(bitsOf(vector), number));
+#else
+    static_assert(number == 0);
+    return reinterpret_cast<Lane>(vector);
+#endif
+}
+
 // The lower half of a vector.
 template <class Sample> inline void storeHalf(void *row, std::size_t index, Vector<Sample> vector)
 {
@@ -221,8 +241,10 @@ template <class Sample> inline Vector<Sample> interleaveLow(Vector<Sample> a, Ve
         return as<Sample>(ORV_VECTOR(unpacklo_epi8)(bitsOf(a), bitsOf(b)));
     else if constexpr (sizeof(Sample) == 2)
         return as<Sample>(ORV_VECTOR(unpacklo_epi16)(bitsOf(a), bitsOf(b)));
-    else
+    else if constexpr (sizeof(Sample) == 4)
         return as<Sample>(ORV_VECTOR(unpacklo_epi32)(bitsOf(a), bitsOf(b)));
+    else
+        return as<Sample>(ORV_VECTOR(unpacklo_epi64)(bitsOf(a), bitsOf(b)));
 }
 template <class Sample> inline Vector<Sample> interleaveHigh(Vector<Sample> a, Vector<Sample> b)
 {
@@ -230,8 +252,34 @@ template <class Sample> inline Vector<Sample> interleaveHigh(Vector<Sample> a, V
         return as<Sample>(ORV_VECTOR(unpackhi_epi8)(bitsOf(a), bitsOf(b)));
     else if constexpr (sizeof(Sample) == 2)
         return as<Sample>(ORV_VECTOR(unpackhi_epi16)(bitsOf(a), bitsOf(b)));
-    else
+    else if constexpr (sizeof(Sample) == 4)
         return as<Sample>(ORV_VECTOR(unpackhi_epi32)(bitsOf(a), bitsOf(b)));
+    else
+        return as<Sample>(ORV_VECTOR(unpackhi_epi64)(bitsOf(a), bitsOf(b)));
+}
+
+// Vectors of items of so many bytes become those that have the items of each place one after the other, place by place.
+// As many vectors as a lane has items are transposed in each lane.
+template <std::size_t bytes, std::size_t count> inline void transpose(U8s (&vectors)[count])
+{
+    if constexpr (count > 1) {
+        using Item =
+            std::conditional_t<bytes == 1, std::uint8_t,
+                               std::conditional_t<bytes == 2, std::uint16_t,
+                                                  std::conditional_t<bytes == 4, std::uint32_t, std::uint64_t>>>;
+        U8s low[count / 2], high[count / 2];
+        for (std::size_t i = 0; i < count / 2; ++i) {
+            const Vector<Item> first = as<Item>(vectors[2 * i]), second = as<Item>(vectors[2 * i + 1]);
+            low[i] = as<std::uint8_t>(interleaveLow<Item>(first, second));
+            high[i] = as<std::uint8_t>(interleaveHigh<Item>(first, second));
+        }
+        transpose<2 * bytes>(low);
+        transpose<2 * bytes>(high);
+        for (std::size_t i = 0; i < count / 2; ++i) {
+            vectors[i] = low[i];
+            vectors[count / 2 + i] = high[i];
+        }
+    }
 }
 
 // The counterpart of the two: narrows with saturation, the samples of `low` to the lower halves of lanes.

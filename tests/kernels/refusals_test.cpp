@@ -60,7 +60,7 @@ bool concerns(const Fault &fault, const Row &row)
 
 void testRefusals(const Row &row)
 {
-    alignas(32) std::uint8_t source[512] = {}, destination[512] = {}, scratch[4096], sums[256];
+    alignas(32) std::uint8_t source[512] = {}, destination[512] = {}, scratch[32768], sums[256];
     ASSERT_LE(row.scratchBytes(4, {3, 3, 0, 0}), std::int64_t{sizeof scratch});
     const int columns = row.takes(WINDOW) && !row.is("ConvolveCol") ? 3 : 1;
     const int rows = row.takes(WINDOW) && !row.is("ConvolveRow") ? 3 : 1;

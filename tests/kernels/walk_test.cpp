@@ -102,8 +102,8 @@ Window drawWindow(const Row &row, Random &random)
         return random() % 2 == 0 ? Window{3, 3, 1, 1} : Window{5, 5, 2, 2};
     if (row.takes(WINDOW) && !row.turns()) {
         window = {drawSide(row, random), drawSide(row, random)};
-        if (row.is("Blur") && random() % 16 == 0) // on both sides of the bound of integers
-            window = {90 + below(random, 2), 90};
+        if (row.is("Blur") && random() % 16 == 0) // on both sides of the bounds of integers and of words
+            window = random() % 2 == 0 ? Window{90 + below(random, 2), 90} : Window{3, 128 + below(random, 2)};
         return {window.columns, window.rows, below(random, window.columns), below(random, window.rows)};
     }
     if (row.takes(WINDOW) && !row.is("ConvolveCol"))
@@ -221,6 +221,8 @@ TEST(KernelRows, EveryBuildComputesTheFormula)
             outcome = tryOnce(row, {3, 70}, random);
         if (row.is("MaxFilter") || row.is("MinFilter"))
             outcome = outcome ? tryExtremes(row, random) : outcome;
+        for (int i = row.takes(CONTINUED) ? 4 : 0; i > 0 && outcome; --i) // groups of rows, whole ones too
+            outcome = tryOnce(row, {i == 1 ? 408 / row.layout.source : 16 * i, 18 + below(random, 20)}, random);
         EXPECT_TRUE(outcome);
     }
     EXPECT_GT(walked, 600);
