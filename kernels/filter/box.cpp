@@ -40,11 +40,18 @@ template <class Column, class Sample>
     using Sum = Wide<Column>;
     std::size_t i = 0;
 #if ORV_VECTOR_BYTES > 0
-    if constexpr (std::is_same_v<Sample, float>)
-        for (; i + perVector<float> <= samples; i += perVector<float>)
-            storeVector<float>(below, i,
-                               loadVector<float>(above, i) +
-                                   (loadVector<float>(entering, i) - loadVector<float>(leaving, i)));
+    if constexpr (requires { VectorMove<Column, Sample>::run; }) {
+        const auto move = [=](std::size_t at) {
+            VectorMove<Column, Sample>::run(above + at * sizeof(Column), loadVector<Sample>(entering, at),
+                                            loadVector<Sample>(leaving, at), below + at * sizeof(Column));
+        };
+        constexpr std::size_t some = perVector<Sample>;
+        ORV_UNROLLED
+        for (; i + some <= samples; i += some)
+            move(i);
+        if (samples >= some) // the last vector overlaps its neighbour
+            return i < samples ? move(samples - some) : void();
+    }
 #endif
     ORV_INDEPENDENT
     for (; i < samples; ++i) {

@@ -103,39 +103,42 @@ struct Lag {
     std::size_t samples, channels;
 };
 
-// The sums of several rows at once: a sum waits for its predecessor, but not for the sums of other rows.
+// Row by row.
 template <class Mean> struct PlainRows : Mean {
     using Sum = typename Mean::Sum;
     using Sample = typename Mean::Sample;
     using Column = Sum;
     static constexpr std::size_t rows = 4, block = 1;
     struct Sums {
-        Sum of[4][rows];
+        Sum of[rows][4];
     };
 
     using Mean::Mean;
 
-    static void start(const ColumnRows &columns, const Lag &lag, Sums &sums)
+    // The first sums of all channels.
+    static void start(ColumnRows columns, const Lag &lag, Sums &sums)
     {
         sums = {};
-        for (std::size_t i = 0; i < lag.samples; i += lag.channels)
-            for (std::size_t channel = 0; channel < lag.channels; ++channel)
-                for (std::size_t row = 0; row < rows; ++row)
-                    sums.of[channel][row] = added(sums.of[channel][row], load<Sum>(columns.row(row + 1), i + channel));
+        for (std::size_t row = 0; row < rows; ++row)
+            for (std::size_t channel = 0; channel < lag.channels; ++channel) {
+                Sum &sum = sums.of[row][channel];
+                for (std::size_t i = channel; i < lag.samples; i += lag.channels)
+                    sum = added(sum, load<Sum>(columns.row(row + 1), i));
+            }
     }
 
-    void run(const ColumnRows &columns, std::size_t begin, std::size_t end, const Lag &lag, Sums &all, Raster out) const
+    // The results of samples `begin` to `end`, of which the first one goes to `out`.
+    void run(ColumnRows columns, std::size_t begin, std::size_t end, const Lag &lag, Sums &sums, Raster out) const
     {
-        for (std::size_t channel = 0; channel < lag.channels; ++channel) {
-            Sum sums[rows];
-            __builtin_memcpy(sums, all.of[channel], sizeof sums);
-            for (std::size_t i = begin + channel; i < end; i += lag.channels)
-                for (std::size_t row = 0; row < rows; ++row) {
-                    const unsigned char *of = columns.row(row + 1);
-                    store(out.fromRow(static_cast<std::int64_t>(row)).data, i - begin, (*this)(sums[row]));
-                    sums[row] = added(sums[row], difference(load<Sum>(of, i + lag.samples), load<Sum>(of, i)));
+        for (std::size_t row = 0; row < rows; ++row, out = out.fromRow(1))
+            for (std::size_t channel = 0; channel < lag.channels; ++channel) {
+                const unsigned char *leaving = columns.row(row + 1), *entering = leaving + lag.samples * sizeof(Sum);
+                Sum sum = sums.of[row][channel];
+                for (std::size_t i = begin + channel; i < end; i += lag.channels) {
+                    store(out.data, i - begin, (*this)(sum));
+                    sum = added(sum, difference(load<Sum>(entering, i), load<Sum>(leaving, i)));
                 }
-            __builtin_memcpy(all.of[channel], sums, sizeof sums);
-        }
+                sums.of[row][channel] = sum;
+            }
     }
 };

@@ -24,8 +24,9 @@ struct ByteVectors : ByteMean {
     U16s means(Running sums) const { return shiftedRight(highProducts(sums, factor), count); }
 };
 
-// Sums of bytes in two words. The lower one counts from -32768, so that comparison as signed words tells a carry.
-// Differences of column sums fit a signed word.
+// Products of sums of bytes with 12 bits of the reciprocal, in two words: the products of differences are added. The
+// lower word counts from -32768, so that comparison as signed words tells a carry. Differences of column sums fit a
+// signed word.
 struct LargerByteVectors : ByteMean {
     using Column = std::uint16_t;
     struct Running {
@@ -33,27 +34,23 @@ struct LargerByteVectors : ByteMean {
         U16s high;
     };
     ShiftCount count;
-    U16s factor;
+    S16s factor;
 
     static bool fit(const Window &window)
     {
         return std::int64_t{window.columns} * window.rows > 65535 / 255 && window.rows <= 32767 / 255;
     }
     explicit LargerByteVectors(const Window &window)
-        : ByteMean(window), count(shift - 16), factor(everywhere(static_cast<std::uint16_t>(multiplier)))
+        : ByteMean(window), count(shift - 16), factor(everywhere(static_cast<std::int16_t>(multiplier)))
     {
     }
     static Running none() { return {everywhere<std::int16_t>(-32768), U16s{}}; }
-    static Running moved(Running sums, U16s by)
+    Running moved(Running products, U16s by) const
     {
-        const S16s low = sums.low + as<std::int16_t>(by), carry = low < sums.low, sign = as<std::int16_t>(by) >> 15;
-        return {low, sums.high + as<std::uint16_t>(sign - carry)};
+        const S16s more = as<std::int16_t>(by), low = products.low + more * factor, carry = low < products.low;
+        return {low, products.high + as<std::uint16_t>(highProducts(more, factor) - carry)};
     }
-    U16s means(Running sums) const
-    {
-        const U16s low = as<std::uint16_t>(sums.low) ^ std::uint16_t{0x8000};
-        return shiftedRight(highProducts(low, factor) + sums.high * factor, count);
-    }
+    U16s means(Running products) const { return shiftedRight(products.high, count); }
 };
 
 struct LargeByteVectors : LargeByteMean {
@@ -85,6 +82,45 @@ struct FloatVectors : FloatMean {
     static Running moved(Running sums, Floats by) { return sums + by; }
     Floats means(Running sums) const { return sums * inverse; }
 };
+
+// A vector of samples that enter columns, less one of those that leave, added to the sums of the columns.
+template <class Column, class Sample> struct VectorMove {
+};
+template <> struct VectorMove<float, float> {
+    static void run(const unsigned char *above, Floats entering, Floats leaving, unsigned char *below)
+    {
+        storeVector<float>(below, 0, loadVector<float>(above) + (entering - leaving));
+    }
+};
+
+// Interleaved samples become differences and wider at once. Halves are exchanged first, so that sums come in order.
+template <class Sum, class Sample, class Signs>
+inline void movePairs(const unsigned char *above, Vector<Sample> entering, Vector<Sample> leaving, unsigned char *below,
+                      Signs signs)
+{
+    entering = inOrderOfPairs(entering);
+    leaving = inOrderOfPairs(leaving);
+    storeVector<Sum>(below, 0, loadVector<Sum>(above) + pairSums(interleaveLow<Sample>(entering, leaving), signs));
+    storeVector<Sum>(below, perVector<Sum>,
+                     loadVector<Sum>(above, perVector<Sum>) +
+                         pairSums(interleaveHigh<Sample>(entering, leaving), signs));
+}
+template <> struct VectorMove<std::int32_t, std::int16_t> {
+    static void run(const unsigned char *above, S16s entering, S16s leaving, unsigned char *below)
+    {
+        constexpr std::int32_t signs = 1 - (1 << 16);
+        movePairs<std::int32_t, std::int16_t>(above, entering, leaving, below, as<std::int16_t>(everywhere(signs)));
+    }
+};
+#if ORV_SHUFFLES
+template <> struct VectorMove<std::uint16_t, std::uint8_t> {
+    static void run(const unsigned char *above, U8s entering, U8s leaving, unsigned char *below)
+    {
+        constexpr std::int16_t signs = 1 - (1 << 8);
+        movePairs<std::int16_t, std::uint8_t>(above, entering, leaving, below, as<std::int8_t>(everywhere(signs)));
+    }
+};
+#endif
 
 // Samples of neighbouring places, which are in vectors of their own, side by side in each row's place.
 template <class Sample, std::size_t count, class Wide> inline void narrow(const Wide (&means)[count], auto &narrowed)
@@ -132,65 +168,116 @@ template <class Means> struct VectorRows : Means {
         Running of[4];
     };
     using Block = U8s[block];
+    using Results = decltype(std::declval<Means>().means(Running()))[block];
 
     using Means::Means;
 
-    static Vector<Column> rowsOf(const ColumnRows &columns, std::size_t row, std::size_t i)
+    // A block of each row from an address in the first one, transposed; less that from another address, which is on
+    // the boundary of a lane.
+    template <bool less>
+    static void loadBlock(const unsigned char *entering, const unsigned char *leaving, std::size_t step, Block &places)
     {
-        return loadLanes<Column>(columns.row(1 + row) + i * sizeof(Column),
-                                 columns.row(1 + block % rows + row) + i * sizeof(Column));
+        constexpr std::size_t upper = rows - block; // lanes beyond the first have other rows
+        for (std::size_t row = 0; row < block; ++row) {
+            Vector<Column> sums = loadLanes<Column>(entering + row * step, entering + (upper + row) * step);
+            if constexpr (less) {
+                const void *lower = __builtin_assume_aligned(leaving + row * step, sizeof(Lane));
+                sums -= loadLanes<Column>(lower, leaving + (upper + row) * step);
+            }
+            places[row] = as<std::uint8_t>(sums);
+        }
+        transpose<sizeof(Column)>(places);
     }
 
+    // The sums of all channels, in the order in which they are next. They are copied one by one, without a loop that
+    // would go through memory.
+    template <std::size_t channels> struct Queue {
+        Running next[channels];
+
+        template <std::size_t... channel>
+        [[gnu::always_inline]] static void copy([[maybe_unused]] const Running *from, [[maybe_unused]] Running *to,
+                                                std::index_sequence<channel...>)
+        {
+            ((to[channel] = from[channel]), ...);
+        }
+        [[gnu::always_inline]] explicit Queue(const Sums &sums)
+        {
+            copy(sums.of, next, std::make_index_sequence<channels>());
+        }
+        [[gnu::always_inline]] void save(Sums &sums) const
+        {
+            copy(next, sums.of, std::make_index_sequence<channels>());
+        }
+        [[gnu::always_inline]] void advance(const Means &means, U8s by)
+        {
+            const Running sum = means.moved(next[0], as<Column>(by));
+            copy(next + 1, next, std::make_index_sequence<channels - 1>());
+            next[channels - 1] = sum;
+        }
+        template <std::size_t... place>
+        [[gnu::always_inline]] void advanceAll(const Means &means, const Block &places, std::index_sequence<place...>)
+        {
+            (advance(means, places[place]), ...);
+        }
+        template <std::size_t... place>
+        [[gnu::always_inline]] void advanceAll(const Means &means, const Block &places, Results &results,
+                                               std::index_sequence<place...>)
+        {
+            ((results[place] = means.means(next[0]), advance(means, places[place])), ...);
+        }
+    };
+
     // The first sums of all channels.
-    static void start(const ColumnRows &columns, const Lag &lag, Sums &sums)
+    template <std::size_t channels>
+    [[gnu::noinline]] void startChannels(ColumnRows columns, std::size_t lag, Sums &sums) const
     {
         for (Running &sum : sums.of)
             sum = Means::none();
-        std::size_t channel = 0;
-        for (std::size_t i = 0; i < lag.samples; i += block) {
-            Block places;
-            for (std::size_t row = 0; row < block; ++row)
-                places[row] = as<std::uint8_t>(rowsOf(columns, row, i));
-            transpose<sizeof(Column)>(places);
-            for (std::size_t place = 0; place < block && i + place < lag.samples; ++place) {
-                sums.of[channel] = Means::moved(sums.of[channel], as<Column>(places[place]));
-                channel = channel + 1 == lag.channels ? 0 : channel + 1;
-            }
+        Queue<channels> queue(sums);
+        const unsigned char *entering = columns.row(1);
+        Block places;
+        for (; lag >= block; lag -= block, entering += sizeof(Lane)) {
+            loadBlock<false>(entering, nullptr, columns.step, places);
+            queue.advanceAll(*this, places, std::make_index_sequence<block>());
         }
+        if (lag > 0)
+            loadBlock<false>(entering, nullptr, columns.step, places);
+        for (std::size_t place = 0; place < lag; ++place)
+            queue.advance(*this, places[place]);
+        queue.save(sums);
     }
 
     template <std::size_t channels>
-    [[gnu::noinline]] void runChannels(const ColumnRows &columns, std::size_t begin, std::size_t end, std::size_t lag,
+    [[gnu::noinline]] void runChannels(ColumnRows columns, std::size_t begin, std::size_t end, std::size_t lag,
                                        Sums &sums, Raster out) const
     {
-        Running next[channels];
-        for (std::size_t channel = 0; channel < channels; ++channel)
-            next[channel] = sums.of[channel];
-        for (std::size_t i = begin; i < end; i += block) {
+        Queue<channels> queue(sums);
+        const unsigned char *leaving = columns.row(1) + begin * sizeof(Column);
+        const unsigned char *entering = leaving + lag * sizeof(Column);
+        for (std::size_t i = begin; i < end; i += block, leaving += sizeof(Lane), entering += sizeof(Lane)) {
             Block places;
-            for (std::size_t row = 0; row < block; ++row)
-                places[row] = as<std::uint8_t>(rowsOf(columns, row, i + lag) - rowsOf(columns, row, i));
-            transpose<sizeof(Column)>(places);
-            decltype(this->means(next[0])) means[block];
-            for (std::size_t place = 0; place < block; ++place) {
-                means[place] = this->means(next[0]);
-                const Running sum = Means::moved(next[0], as<Column>(places[place]));
-                for (std::size_t channel = 1; channel < channels; ++channel)
-                    next[channel - 1] = next[channel];
-                next[channels - 1] = sum;
-            }
+            Results results;
+            loadBlock<true>(entering, leaving, columns.step, places);
+            queue.advanceAll(*this, places, results, std::make_index_sequence<block>());
             U8s narrowed[block * sizeof(Sample) / sizeof(Column)];
-            narrow<Sample>(means, narrowed);
+            narrow<Sample>(results, narrowed);
             transpose<sizeof(Column)>(narrowed);
             storeRows<block * sizeof(Sample)>(narrowed, out);
             out.data += block * sizeof(Sample);
         }
-        for (std::size_t channel = 0; channel < channels; ++channel)
-            sums.of[channel] = next[channel];
+        queue.save(sums);
     }
 
-    void run(const ColumnRows &columns, std::size_t begin, std::size_t end, const Lag &lag, Sums &sums,
-             Raster out) const
+    void start(ColumnRows columns, const Lag &lag, Sums &sums) const
+    {
+        if (lag.channels == 1)
+            startChannels<1>(columns, lag.samples, sums);
+        else if (lag.channels == 3)
+            startChannels<3>(columns, lag.samples, sums);
+        else
+            startChannels<4>(columns, lag.samples, sums);
+    }
+    void run(ColumnRows columns, std::size_t begin, std::size_t end, const Lag &lag, Sums &sums, Raster out) const
     {
         if (lag.channels == 1)
             runChannels<1>(columns, begin, end, lag.samples, sums, out);
