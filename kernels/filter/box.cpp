@@ -79,7 +79,8 @@ template <class Mean, class Column>
 template <class Rows> struct Groups {
     using Sample = typename Rows::Sample;
     using Column = typename Rows::Column;
-    static constexpr std::size_t part = 384, resultStep = part * sizeof(Sample) + 64; // of pixels of 3 samples and 4
+    // A part has whole pixels of 3 samples and of 4.
+    static constexpr std::size_t part = 384, resultStep = part * sizeof(Sample) + 64;
 
     const Box &box;
     const Rows rows;
@@ -104,7 +105,7 @@ template <class Rows> struct Groups {
             __builtin_memset(columns.row(row) + all * sizeof(Column), 0, columns.step - all * sizeof(Column));
     }
 
-    // Columns `begin` to `end` of the rows of a group. Rows beyond the last one are as this.
+    // Columns `begin` to `end` of a group's rows. Rows below the rectangle repeat its last one.
     void sumColumns(std::int32_t y, std::size_t count, std::size_t begin, std::size_t end) const
     {
         const ConstRaster from = first.fromByte(static_cast<std::int64_t>(begin * sizeof(Sample)));
@@ -122,6 +123,7 @@ template <class Rows> struct Groups {
         }
     }
 
+    // From the buffer: rows whose fourth samples stay, and those that do not fill blocks or a group.
     void deliver(std::size_t count, std::size_t some, Raster out) const
     {
         for (std::size_t row = 0; row < count; ++row) {
@@ -140,9 +142,9 @@ template <class Rows> struct Groups {
         std::size_t summed = 0;
         for (std::size_t begin = 0; begin < samples; begin += part) {
             const std::size_t some = samples - begin < part ? samples - begin : part;
-            const std::size_t last = begin + some < samples ? begin + some + lag.samples : all;
-            sumColumns(y, count, summed, last < all ? last : all);
-            summed = last < all ? last : all;
+            const std::size_t end = begin + some + lag.samples, last = end < all ? end : all;
+            sumColumns(y, count, summed, last);
+            summed = last;
             if (begin == 0)
                 rows.start(columns, lag, sums);
             const Raster out = box.destination.fromRow(y).fromByte(static_cast<std::int64_t>(begin * sizeof(Sample)));

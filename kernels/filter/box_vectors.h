@@ -2,7 +2,7 @@
 // row: blocks of column sums are transposed, summed up from place to place, and the means transposed back. To be
 // included after box_means.h, in builds with vectors.
 
-// Sums of bytes that fit a word.
+// Means of vectors of rows. Sums of bytes that fit a word:
 struct ByteVectors : ByteMean {
     using Column = std::uint16_t;
     using Running = U16s;
@@ -145,11 +145,11 @@ template <class Sample, std::size_t count, class Wide> inline void narrow(const 
 // The rows of a block, whose parts of vectors follow each other row by row in each lane.
 template <std::size_t rowBytes, std::size_t count> inline void storeRows(const U8s (&vectors)[count], Raster out)
 {
-    constexpr std::size_t perLane = 16 / rowBytes, lanes = ORV_VECTOR_BYTES / 16;
+    constexpr std::size_t perLane = sizeof(Lane) / rowBytes, lanes = sizeof(U8s) / sizeof(Lane);
     using Part = std::conditional_t<rowBytes == 4, std::uint32_t, std::uint64_t>;
     for (std::size_t lane = 0; lane < lanes; ++lane)
         for (std::size_t i = 0; i < count; ++i) {
-            if constexpr (rowBytes == 16) {
+            if constexpr (rowBytes == sizeof(Lane)) {
                 store(out.data, 0, lane == 0 ? laneOf<0>(vectors[i]) : laneOf<lanes - 1>(vectors[i]));
                 out.data += out.step;
             } else {
@@ -159,11 +159,12 @@ template <std::size_t rowBytes, std::size_t count> inline void storeRows(const U
         }
 }
 
+// As many rows as a vector has places, of which each lane takes some. A block has a lane of each row.
 template <class Means> struct VectorRows : Means {
     using Column = typename Means::Column;
     using Sample = typename Means::Sample;
     using Running = typename Means::Running;
-    static constexpr std::size_t rows = perVector<Column>, block = 16 / sizeof(Column);
+    static constexpr std::size_t rows = perVector<Column>, block = sizeof(Lane) / sizeof(Column);
     struct Sums {
         Running of[4];
     };
@@ -172,8 +173,8 @@ template <class Means> struct VectorRows : Means {
 
     using Means::Means;
 
-    // A block of each row from an address in the first one, transposed; less that from another address, which is on
-    // the boundary of a lane.
+    // A block of each row, transposed: that of the first row starts at `entering`. With `less` another one is
+    // subtracted, which starts on the boundary of a lane.
     template <bool less>
     static void loadBlock(const unsigned char *entering, const unsigned char *leaving, std::size_t step, Block &places)
     {

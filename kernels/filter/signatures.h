@@ -109,9 +109,9 @@ constexpr std::int64_t medianScratchBytes(const WindowShape &shape)
     return larger > lists ? larger : lists;
 }
 
-// Means of windows. `sums` are column sums of 4 bytes, boxSumsBytes() in all, which a call leaves as they were for its
-// last row. A call that continues the rectangle of another takes them on: `continued` is not 0, and the row above its
-// first window can be read.
+// Means of windows. `sums` are column sums, boxSumsBytes() at most, which a call leaves as they were for its last row.
+// Only a call of the same build takes them on: one that continues the rectangle. Then `continued` is not 0, and the row
+// above its first window can be read.
 #define KRN_PARAMETERS_BoxKernel                                                                                  \
     const void *source, std::int32_t sourceStep, void *destination, std::int32_t step, std::int32_t width,        \
         std::int32_t height, std::int32_t columns, std::int32_t rows, std::int32_t anchorX, std::int32_t anchorY, \
