@@ -1,4 +1,5 @@
-// The fixed filters of floats. Each formula says the order of its sums, which is the same in all builds.
+// The fixed filters of floats. Each formula says the order of its sums, which is the same in all builds: first within
+// rows, then from the top row to the bottom one.
 #include "external.h"
 #include "signatures.h"
 
@@ -13,6 +14,23 @@ namespace {
 
 #include "windows.h"
 
+#include "fixed_rows.h"
+
+#if ORV_VECTOR_BYTES > 0
+
+struct FloatRow {
+    using Sample = float;
+    using Sum = Floats;
+    static constexpr std::size_t count = perVector<float>;
+    const unsigned char *sample;
+    std::ptrdiff_t pixelBytes;
+
+    Floats at(std::ptrdiff_t right) const { return loadVector<float>(sample + right * pixelBytes); }
+    static void store(unsigned char *out, Floats sums) { storeVector<float>(out, 0, sums); }
+};
+
+#else
+
 // A float that is rounded to one after each operation, also on the x87 unit.
 struct Single {
     float value;
@@ -22,151 +40,96 @@ struct Single {
     friend Single operator*(float a, Single b) { return {singleFloat(a * b.value)}; }
 };
 
-// Samples around one, or around each of a vector.
-struct OneSample {
+struct FloatRow {
+    using Sample = float;
+    using Sum = Single;
+    static constexpr std::size_t count = 128;
     const unsigned char *sample;
-    std::ptrdiff_t step, pixelBytes;
+    std::ptrdiff_t pixelBytes;
 
-    Single at(std::int32_t right, std::int32_t down) const
-    {
-        return {load<float>(sample + right * pixelBytes + down * step, 0)};
-    }
+    Single at(std::ptrdiff_t right) const { return {load<float>(sample + right * pixelBytes, 0)}; }
+    static float narrowed(Single sum) { return sum.value; }
 };
 
-// What the rows of windows are made of.
-inline auto pair(const auto &of, std::int32_t right, std::int32_t down)
+#endif
+
+// What rows of windows are made of.
+inline auto pair(const auto &row, std::ptrdiff_t right)
 {
-    return of.at(-right, down) + of.at(right, down);
+    return row.at(-right) + row.at(right);
 }
-inline auto difference(const auto &of, std::int32_t down)
+inline auto sumOfThree(const auto &row)
 {
-    return of.at(-1, down) - of.at(1, down);
+    return pair(row, 1) + row.at(0);
 }
-inline auto sumOfThree(const auto &of, std::int32_t down)
+inline auto weightedFive(const auto &row, float outer, float inner, float centre)
 {
-    return pair(of, 1, down) + of.at(0, down);
-}
-inline auto weightedThree(const auto &of, std::int32_t down)
-{
-    return pair(of, 1, down) + 2.0f * of.at(0, down);
-}
-inline auto sumOfNine(const auto &of)
-{
-    return (sumOfThree(of, -1) + sumOfThree(of, 1)) + sumOfThree(of, 0);
-}
-inline auto weightedFive(const auto &of, std::int32_t down, float outer, float inner, float centre)
-{
-    return (outer * pair(of, 2, down) + inner * pair(of, 1, down)) + centre * of.at(0, down);
-}
-// Of a window of 5 x 5 that is symmetric: the outer rows, those beside the centre, the centre.
-inline auto symmetric(const auto &of, const float (&outer)[3], const float (&inner)[3], const float (&centre)[3])
-{
-    const auto row = [&](const float(&weights)[3], std::int32_t down) {
-        return weightedFive(of, down, weights[0], weights[1], weights[2]);
-    };
-    return ((row(outer, -2) + row(outer, 2)) + (row(inner, -1) + row(inner, 1))) + row(centre, 0);
+    return (outer * pair(row, 2) + inner * pair(row, 1)) + centre * row.at(0);
 }
 
-struct PrewittV {
-    auto operator()(const auto &of) const { return (difference(of, -1) + difference(of, 1)) + difference(of, 0); }
-};
-struct PrewittH {
-    auto operator()(const auto &of) const { return sumOfThree(of, 1) - sumOfThree(of, -1); }
-};
-struct SobelV {
-    auto operator()(const auto &of) const
+struct PrewittV : OfThreeRows {
+    static auto take(auto &held, const auto &row)
     {
-        return (difference(of, -1) + difference(of, 1)) + 2.0f * difference(of, 0);
+        const auto difference = row.at(-1) - row.at(1);
+        return aroundOne<1>(held, difference, difference);
     }
 };
-struct SobelH {
-    auto operator()(const auto &of) const { return weightedThree(of, 1) - weightedThree(of, -1); }
+struct PrewittH : OfThreeRows {
+    static auto take(auto &held, const auto &row) { return difference(held, sumOfThree(row)); }
 };
-struct Laplace3 {
-    auto operator()(const auto &of) const { return 9.0f * of.at(0, 0) - sumOfNine(of); }
+struct SobelV : OfThreeRows {
+    static auto take(auto &held, const auto &row) { return binomial(held, row.at(-1) - row.at(1)); }
 };
-struct Laplace5 {
-    auto operator()(const auto &of) const
+struct SobelH : OfThreeRows {
+    static auto take(auto &held, const auto &row) { return difference(held, pair(row, 1) + 2.0f * row.at(0)); }
+};
+struct Laplace3 : OfThreeRows {
+    static auto take(auto &held, const auto &row)
     {
-        const auto outer = [&](std::int32_t down) { return weightedFive(of, down, 1.0f, 3.0f, 4.0f); };
-        const auto inner = [&](std::int32_t down) {
-            return 6.0f * of.at(0, down) - 3.0f * pair(of, 2, down); // no product with 0: infinities have none
-        };
-        return (weightedFive(of, 0, -4.0f, 6.0f, 20.0f) + (inner(-1) + inner(1))) - (outer(-2) + outer(2));
+        const auto three = sumOfThree(row);
+        return aroundOne<-1>(held, three, 9.0f * row.at(0) - three);
     }
 };
-struct Gauss3 {
-    auto operator()(const auto &of) const
+struct Laplace5 : OfFiveRows {
+    static auto take(auto &held, const auto &row)
     {
-        const auto row = [&](std::int32_t down) { return 0.0625f * pair(of, 1, down) + 0.125f * of.at(0, down); };
-        return (row(-1) + row(1)) + 2.0f * row(0);
+        const auto far = weightedFive(row, 1.0f, 3.0f, 4.0f);
+        const auto near = 6.0f * row.at(0) - 3.0f * pair(row, 2); // no product with 0: infinities have none
+        return aroundTwo<-1, 1>(held, far, near, weightedFive(row, -4.0f, 6.0f, 20.0f));
     }
 };
-struct Gauss5 {
-    auto operator()(const auto &of) const
+struct Gauss3 : OfThreeRows {
+    static auto take(auto &held, const auto &row)
+    {
+        return binomial(held, 0.0625f * pair(row, 1) + 0.125f * row.at(0));
+    }
+};
+struct Gauss5 : OfFiveRows {
+    static auto take(auto &held, const auto &row)
     {
         constexpr float w2 = 0.003502627f, w7 = 0.012259195f, w12 = 0.021015761f, w31 = 0.05429072f, w52 = 0.0910683f,
                         w127 = 0.22241682f;
-        return symmetric(of, {w2, w7, w12}, {w7, w31, w52}, {w12, w52, w127});
+        return aroundTwo<1, 1>(held, weightedFive(row, w2, w7, w12), weightedFive(row, w7, w31, w52),
+                               weightedFive(row, w12, w52, w127));
     }
 };
-struct Hipass5 {
-    auto operator()(const auto &of) const
+struct Hipass5 : OfFiveRows {
+    static auto take(auto &held, const auto &row)
     {
-        const auto row = [&](std::int32_t down) { return pair(of, 2, down) + sumOfThree(of, down); };
-        return 25.0f * of.at(0, 0) - (((row(-2) + row(2)) + (row(-1) + row(1))) + row(0));
+        const auto five = pair(row, 2) + sumOfThree(row);
+        return aroundTwo<-1, -1>(held, five, five, 25.0f * row.at(0) - five);
     }
 };
-struct Sharpen {
-    auto operator()(const auto &of) const { return 2.125f * of.at(0, 0) - 0.125f * sumOfNine(of); }
+struct Sharpen : OfThreeRows {
+    static auto take(auto &held, const auto &row)
+    {
+        const auto three = 0.125f * sumOfThree(row);
+        return aroundOne<-1>(held, three, 2.125f * row.at(0) - three);
+    }
 };
-
-template <class Filter>
-[[gnu::noinline]] KrnStatus filter(std::size_t layout, ConstRaster source, Raster destination, std::int32_t width,
-                                   std::int32_t height)
-{
-    const Filter of;
-    const std::ptrdiff_t pixelBytes = static_cast<std::ptrdiff_t>(samplesOf(layout) * sizeof(float));
-    const auto row = [&](std::size_t samples, const unsigned char *in, unsigned char *out) {
-        for (std::size_t i = 0; i < samples; ++i)
-            store(out, i, of(OneSample{in + i * sizeof(float), source.step, pixelBytes}).value);
-    };
-    return overWindows<float, float>(layout, source, destination, width, height, {1, 1, 0, 0}, row);
-}
-
-template <class Three, class Five>
-KrnStatus filterBy(std::int32_t code, std::size_t layout, ConstRaster source, Raster destination, std::int32_t width,
-                   std::int32_t height)
-{
-    if (const KrnStatus status = testRasters(width, height, source, destination); status != KRN_OK)
-        return status;
-    if (code == KRN_WINDOW_3X3)
-        return filter<Three>(layout, source, destination, width, height);
-    if (code == KRN_WINDOW_5X5)
-        return filter<Five>(layout, source, destination, width, height);
-    return KRN_BAD_MASK_SIZE;
-}
 
 } // namespace
 
-#define ORV_FIXED(layout, name)                                                                      \
-    KRN_KERNEL(FixedKernel, krnFixed##name##32f##layout)                                             \
-    {                                                                                                \
-        return filter<name>(layout, from(source, sourceStep), to(destination, step), width, height); \
-    }
-#define ORV_FIXED_BY(layout, name, three, five)                                                                     \
-    KRN_KERNEL(CodedKernel, krnFixed##name##32f##layout)                                                            \
-    {                                                                                                               \
-        return filterBy<three, five>(code, layout, from(source, sourceStep), to(destination, step), width, height); \
-    }
-
-ORV_LAYOUTS(ORV_FIXED, PrewittV)
-ORV_LAYOUTS(ORV_FIXED, PrewittH)
-ORV_LAYOUTS(ORV_FIXED, SobelV)
-ORV_LAYOUTS(ORV_FIXED, SobelH)
-ORV_LAYOUTS(ORV_FIXED_BY, Laplace, Laplace3, Laplace5)
-ORV_LAYOUTS(ORV_FIXED_BY, Gauss, Gauss3, Gauss5)
-ORV_LAYOUTS(ORV_FIXED_BY, Hipass, Laplace3, Hipass5)
-ORV_LAYOUTS(ORV_FIXED, Sharpen)
+ORV_FIXED_FILTERS(32f, FloatRow)
 
 #include "end.h"

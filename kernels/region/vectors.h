@@ -198,6 +198,16 @@ inline U16s highProducts(U16s a, U16s b)
     return as<std::uint16_t>(ORV_VECTOR(mulhi_epu16)(bitsOf(a), bitsOf(b)));
 }
 
+// The high halves of the products of samples of 32 bits, as unsigned.
+inline S32s highProducts(S32s a, S32s b)
+{
+    const Bits even = ORV_VECTOR(mul_epu32)(bitsOf(a), bitsOf(b));
+    const Bits odd =
+        ORV_VECTOR(mul_epu32)(ORV_VECTOR(srli_epi64)(bitsOf(a), 32), ORV_VECTOR(srli_epi64)(bitsOf(b), 32));
+    return as<std::int32_t>(ORV_VECTOR_BITS(or)(ORV_VECTOR(srli_epi64)(even, 32),
+                                                ORV_VECTOR_BITS(and)(odd, ORV_VECTOR(set1_epi64x)(-1LL << 32))));
+}
+
 // The products of words, added up two by two.
 inline S32s pairSums(S16s a, S16s b)
 {
