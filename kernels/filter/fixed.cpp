@@ -38,7 +38,7 @@ struct SobelV : OfThreeRows {
     static auto take(auto &held, const auto &row) { return binomial(held, row.difference()); }
 };
 struct SobelH : OfThreeRows {
-    static auto take(auto &held, const auto &row) { return difference(held, 1 * row.pair(1) + 2 * row.centre()); }
+    static auto take(auto &held, const auto &row) { return difference(held, row.oneTwoOne()); }
 };
 struct Laplace3 : OfThreeRows {
     static auto take(auto &held, const auto &row)
@@ -55,7 +55,7 @@ struct Laplace5 : OfFiveRows {
     }
 };
 struct Gauss3 : OfThreeRows {
-    static auto take(auto &held, const auto &row) { return binomial(held, 1 * row.pair(1) + 2 * row.centre()); }
+    static auto take(auto &held, const auto &row) { return binomial(held, row.oneTwoOne()); }
     template <class Row> static auto finished(const auto &sum) { return halved<4>(sum); }
 };
 struct Gauss5 : OfFiveRows {

@@ -26,7 +26,7 @@ struct FloatRow {
     std::ptrdiff_t pixelBytes;
 
     Floats at(std::ptrdiff_t right) const { return loadVector<float>(sample + right * pixelBytes); }
-    static void store(unsigned char *out, Floats sums) { storeVector<float>(out, 0, sums); }
+    static Floats narrowed(Floats sums) { return sums; }
 };
 
 #else

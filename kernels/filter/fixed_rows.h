@@ -11,7 +11,7 @@
 //   finished()   what becomes of a sum before it is narrowed to a sample
 // and runs on a Row: samples side by side, with their neighbours to the left and right, and
 //   Sample, Sum, count   the sample type, the type of sums, and how many a Row has
-//   store()              narrows sums to samples
+//   narrowed()           the samples that the sums become
 
 // Sums of rows that are alike above and below: of three rows, and of five. A sign below 0 subtracts those rows.
 template <int sign> inline auto joined(const auto &a, const auto &b)
@@ -70,27 +70,32 @@ struct Strip {
     Raster destination;
     std::size_t samples; // of a row
     std::ptrdiff_t rows, pixelBytes;
+    bool keepsFourth; // each fourth sample of the destination stays
 };
 
 #if ORV_VECTOR_BYTES > 0
 
 // More rows read and weight fewer rows twice. Fewer rows need fewer lines of the cache at once.
-constexpr std::ptrdiff_t mostRows = 16;
+constexpr std::ptrdiff_t mostRows = 32;
 
 // One vector of columns. The main loop takes as many rows as sums are held, so that these need not move.
 template <class Filter, class Row> inline void filterColumn(const Strip &strip, std::size_t column)
 {
+    using Sample = typename Row::Sample;
     constexpr std::ptrdiff_t held = 2 * Filter::margin;
     typename Filter::template Sum<Row> sums[2 * Filter::margin] = {};
-    const unsigned char *in = strip.source.fromRow(-Filter::margin).data + column * sizeof(typename Row::Sample);
-    unsigned char *out = strip.destination.data + column * sizeof(typename Row::Sample);
+    const unsigned char *in = strip.source.fromRow(-Filter::margin).data + column * sizeof(Sample);
+    unsigned char *out = strip.destination.data + column * sizeof(Sample);
     const auto next = [&] {
         const auto result = Filter::take(sums, Row{in, strip.pixelBytes});
         in += strip.source.step;
         return result;
     };
-    const auto write = [&](const auto &result) {
-        Row::store(out, Filter::template finished<Row>(result));
+    const auto write = [&](const auto &sum) {
+        Vector<Sample> result = Row::narrowed(Filter::template finished<Row>(sum));
+        if (strip.keepsFourth)
+            result = keepingFourth<Sample>(result, loadVector<Sample>(out));
+        storeVector<Sample>(out, 0, result);
         out += strip.destination.step;
     };
     std::ptrdiff_t y = strip.rows % held;
@@ -105,14 +110,16 @@ template <class Filter, class Row> inline void filterColumn(const Strip &strip, 
 }
 
 // At least one vector of columns.
-template <class Filter, class Row> [[gnu::noinline]] void filterStrip(const Strip &strip)
+template <class Filter, class Row> [[gnu::noinline]] void filterStrip(const Strip &given)
 {
+    const Strip strip = given; // stores to the results cannot change this one
     std::size_t column = 0;
     for (; column < strip.samples; column += Row::count)
         filterColumn<Filter, Row>(strip, column + Row::count <= strip.samples ? column : strip.samples - Row::count);
 }
 
-// Columns that are fewer than a vector has are copied to where a vector can be read and written.
+// Columns that are fewer than a vector has are copied to where a vector can be read and written, and their results from
+// there.
 template <class Row> inline void filterNarrow(void (*filter)(const Strip &), std::ptrdiff_t margin, const Strip &strip)
 {
     using Sample = typename Row::Sample;
@@ -123,7 +130,14 @@ template <class Row> inline void filterNarrow(void (*filter)(const Strip &), std
     for (std::ptrdiff_t y = -margin; y < strip.rows + margin; ++y)
         __builtin_memcpy(in + (y + margin) * step, strip.source.fromRow(y).data - before,
                          rowBytes + 2 * static_cast<std::size_t>(before));
-    filter({{in + margin * step + before, step}, {out, ORV_VECTOR_BYTES}, Row::count, strip.rows, strip.pixelBytes});
+    for (std::ptrdiff_t y = 0; strip.keepsFourth && y < strip.rows; ++y)
+        __builtin_memcpy(out + y * ORV_VECTOR_BYTES, strip.destination.fromRow(y).data, rowBytes);
+    filter({{in + margin * step + before, step},
+            {out, ORV_VECTOR_BYTES},
+            Row::count,
+            strip.rows,
+            strip.pixelBytes,
+            strip.keepsFourth});
     for (std::ptrdiff_t y = 0; y < strip.rows; ++y)
         __builtin_memcpy(strip.destination.fromRow(y).data, out + y * ORV_VECTOR_BYTES, rowBytes);
 }
@@ -140,6 +154,7 @@ template <class Filter, class Row> inline void filterColumns(const Strip &strip,
     constexpr std::ptrdiff_t held = 2 * Filter::margin;
     Sum sums[2 * Filter::margin][Row::count] = {};
     unsigned char aside[Row::count * sizeof(Sample)];
+    const std::ptrdiff_t pixelBytes = strip.pixelBytes; // stores to the results cannot change this one
     for (std::ptrdiff_t y = -held; y < strip.rows; ++y) {
         const unsigned char *in = strip.source.fromRow(y + Filter::margin).data + column * sizeof(Sample);
         unsigned char *out = y < 0 ? aside : strip.destination.fromRow(y).data + column * sizeof(Sample);
@@ -148,7 +163,7 @@ template <class Filter, class Row> inline void filterColumns(const Strip &strip,
             Sum own[2 * Filter::margin];
             for (std::ptrdiff_t k = 0; k < held; ++k)
                 own[k] = sums[k][i];
-            const Sum result = Filter::take(own, Row{in + i * sizeof(Sample), strip.pixelBytes});
+            const Sum result = Filter::take(own, Row{in + i * sizeof(Sample), pixelBytes});
             for (std::ptrdiff_t k = 0; k < held; ++k)
                 sums[k][i] = own[k];
             store(out, i, Row::narrowed(Filter::template finished<Row>(result)));
@@ -164,10 +179,8 @@ template <class Filter, class Row> [[gnu::noinline]] void filterStrip(const Stri
     }
 }
 
-#endif
-
 // Some pixels whose fourth sample stays, of all rows: computed into a buffer, and moved from there.
-template <class Sample> inline void filterThreeOfFour(auto filter, const Strip &strip)
+template <class Sample> inline void filterThreeOfFour(void (*filter)(const Strip &), const Strip &strip)
 {
     constexpr std::size_t most = 32;
     constexpr std::ptrdiff_t step = most * 4 * sizeof(Sample);
@@ -176,11 +189,13 @@ template <class Sample> inline void filterThreeOfFour(auto filter, const Strip &
     for (std::size_t i = 0; i < pixels; i += some) {
         const std::int64_t first =
             static_cast<std::int64_t>((i + some <= pixels ? i : pixels - some) * 4 * sizeof(Sample));
-        filter(Strip{strip.source.fromByte(first), {buffer, step}, some * 4, strip.rows, strip.pixelBytes});
+        filter({strip.source.fromByte(first), {buffer, step}, some * 4, strip.rows, strip.pixelBytes, false});
         for (std::ptrdiff_t y = 0; y < strip.rows; ++y)
             moveThreeOfFour<Sample>(some, buffer + y * step, strip.destination.fromRow(y).fromByte(first).data);
     }
 }
+
+#endif
 
 // Not inlined: all filters of a sample type share it.
 template <class Row>
@@ -192,22 +207,22 @@ template <class Row>
     if (const KrnStatus status = testRasters(width, height, source, destination); status != KRN_OK)
         return status;
     const std::size_t channels = samplesOf(layout), samples = static_cast<std::size_t>(width) * channels;
-    const auto any = [&](const Strip &strip) {
+    for (std::ptrdiff_t y = 0; y < height; y += mostRows) {
+        const Strip strip = {source.fromRow(y),
+                             destination.fromRow(y),
+                             samples,
+                             height - y < mostRows ? height - y : mostRows,
+                             static_cast<std::ptrdiff_t>(channels * sizeof(Sample)),
+                             layout == AC4};
 #if ORV_VECTOR_BYTES > 0
-        if (strip.samples < Row::count)
-            return filterNarrow<Row>(filter, margin, strip);
-#endif
-        filter(strip);
-    };
-    for (std::ptrdiff_t y = 0; y < height;) {
-        const std::ptrdiff_t rows = height - y < mostRows ? height - y : mostRows;
-        const Strip strip = {source.fromRow(y), destination.fromRow(y), samples, rows,
-                             static_cast<std::ptrdiff_t>(channels * sizeof(Sample))};
+        if (samples < Row::count)
+            filterNarrow<Row>(filter, margin, strip);
+#else
         if (layout == AC4)
-            filterThreeOfFour<Sample>(any, strip);
+            filterThreeOfFour<Sample>(filter, strip);
+#endif
         else
-            any(strip);
-        y += rows;
+            filter(strip);
     }
     return KRN_OK;
 }

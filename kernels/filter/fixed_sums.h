@@ -1,7 +1,8 @@
 // Rows of integer samples for the fixed filters, in vectors or one by one. To be included after fixed_rows.h.
 //
 // A row has its samples as centre(), the sums of those so far to the left and right as pair(), and the differences of
-// its neighbours. Sums have twice the bits of the samples. total() makes larger ones, for the filter that needs them.
+// its neighbours. oneTwoOne() weights three. Sums have twice the bits of the samples. total() makes larger ones, for
+// the filter that needs them.
 
 #if ORV_VECTOR_BYTES > 0
 
@@ -49,13 +50,22 @@ template <class Sample> struct Pairs {
     friend auto operator*(std::int32_t factor, const Pairs &pairs) { return pairs.sums(factor, factor); }
 };
 
+// Divided by a power of two: to nearest, ties to even. Where words are rounded to nearest by one instruction, the ties
+// that went up to an odd number go back.
+template <int shift, class Wide> inline Vector<Wide> halved(Vector<Wide> sum)
+{
+    constexpr Wide half = 1 << shift >> 1, one = 1;
+#if ORV_SHUFFLES
+    if constexpr (sizeof(Wide) == 2) {
+        constexpr Wide fraction = 32768 >> shift, low = 4 * half - 1;
+        return roundedProducts(sum, everywhere(fraction)) + ((sum & low) == half);
+    }
+#endif
+    return (sum + static_cast<Wide>(half - one) + ((sum >> shift) & one)) >> shift;
+}
 template <int shift, class Wide> inline Sums<Wide> halved(const Sums<Wide> &sums)
 {
-    const auto half = [](Vector<Wide> sum) {
-        constexpr Wide below = (1 << shift >> 1) - 1, one = 1;
-        return (sum + below + ((sum >> shift) & one)) >> shift;
-    };
-    return {half(sums.low), half(sums.high)};
+    return {halved<shift, Wide>(sums.low), halved<shift, Wide>(sums.high)};
 }
 
 template <class Of> struct RowOf {
@@ -67,20 +77,20 @@ template <class Of> struct RowOf {
     Vector<Sample> at(std::ptrdiff_t right) const { return loadVector<Sample>(sample + right * pixelBytes); }
     Pairs<Sample> pair(std::ptrdiff_t right) const { return {at(-right), at(right)}; }
     auto difference() const { return pair(1).sums(1, -1); }
-    static void store(unsigned char *out, const auto &sums)
-    {
-        storeVector<Sample>(out, 0, packed<Sample>(sums.low, sums.high));
-    }
+    static Vector<Sample> narrowed(const auto &sums) { return packed<Sample>(sums.low, sums.high); }
 };
 
 struct ByteRow : RowOf<std::uint8_t> {
     using Sum = Sums<std::int16_t>;
 
-    Sum centre() const
+    Sum wide(std::ptrdiff_t right) const
     {
-        const Pairs<Sample> wide(at(0), U8s{});
-        return {as<std::int16_t>(wide.low), as<std::int16_t>(wide.high)};
+        const Pairs<Sample> words(at(right), U8s{});
+        return {as<std::int16_t>(words.low), as<std::int16_t>(words.high)};
     }
+    Sum centre() const { return wide(0); }
+    // One pair has both weights, and the third sample needs no product.
+    Sum oneTwoOne() const { return Pairs<Sample>(at(-1), at(0)).sums(1, 2) + wide(1); }
 
     // Sums of more than 16 bits: their lower 16, and a quarter of them, of which each summand may lack up to 3/4.
     struct Total {
@@ -112,6 +122,7 @@ struct WordRow : RowOf<std::int16_t> {
     using Total = Sum;
 
     Pairs<Sample> centre() const { return {at(0), S16s{}}; }
+    Sum oneTwoOne() const { return 1 * pair(1) + 2 * centre(); }
     static Total total(const Sum &sums) { return sums; }
     static Sum by571(const Sum &sums)
     {
@@ -153,6 +164,7 @@ template <class Of, class Wide> struct RowOf {
     Sum centre() const { return at(0); }
     Sum pair(std::ptrdiff_t right) const { return at(-right) + at(right); }
     Sum difference() const { return at(-1) - at(1); }
+    Sum oneTwoOne() const { return pair(1) + 2 * centre(); }
     static Sample narrowed(auto sum) { return saturated<Sample>(sum.value); }
 };
 

@@ -67,7 +67,11 @@ template <std::size_t pixelBytes, std::size_t moved, std::size_t number = 0> inl
 template <class Sample> inline Vector<Sample> keepingFourth(Vector<Sample> result, Vector<Sample> before)
 {
     const Vector<Sample> bits = as<Sample>(movedBits<4 * sizeof(Sample), 3 * sizeof(Sample)>());
+#if ORV_SSE41
+    return as<Sample>(ORV_VECTOR(blendv_epi8)(bitsOf(before), bitsOf(result), bitsOf(bits)));
+#else
     return chosen<Sample>(bits, result, before);
+#endif
 }
 
 // The bytes that lie `by` places further in a row, of which these are two neighbouring vectors.
