@@ -10,14 +10,14 @@
 template <class Wide> struct Sums {
     Vector<Wide> low, high;
 
-    friend Sums operator+(const Sums &a, const Sums &b) { return {a.low + b.low, a.high + b.high}; }
-    friend Sums operator-(const Sums &a, const Sums &b) { return {a.low - b.low, a.high - b.high}; }
-    friend Sums operator*(std::int32_t factor, const Sums &a)
-    {
-        const Vector<Wide> factors = everywhere(static_cast<Wide>(factor));
-        return {factors * a.low, factors * a.high};
-    }
+    Sums operator+(const Sums &b) const { return {low + b.low, high + b.high}; }
+    Sums operator-(const Sums &b) const { return {low - b.low, high - b.high}; }
 };
+template <class Wide> Sums<Wide> operator*(std::int32_t factor, const Sums<Wide> &a)
+{
+    const Vector<Wide> factors = everywhere(static_cast<Wide>(factor));
+    return {factors * a.low, factors * a.high};
+}
 
 // Two samples of a pair side by side, from one vector of the first and one of the second. Products of both are added up
 // by one instruction.

@@ -154,7 +154,9 @@ std::int32_t StripCall::chooseStripRows() const
         ++strips;
         rows = (size_.height + strips - 1) / strips;
     }
-    return static_cast<std::int32_t>(rows);
+    // Kernels compute groups of rows, of which an incomplete one costs as much as a whole one.
+    constexpr std::int64_t group = 16;
+    return static_cast<std::int32_t>(std::min<std::int64_t>((rows + group - 1) / group * group, size_.height));
 }
 
 void StripCall::findRowsInPlace()
