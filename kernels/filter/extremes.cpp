@@ -61,6 +61,20 @@ template <class Sample, class Better> struct Block {
                    });
     }
 
+    // Moves three samples of each pixel to the results.
+    void keepFourths(const unsigned char *in, unsigned char *out) const
+    {
+        const std::size_t bytes = rowBytes();
+        std::size_t at = 0;
+#if ORV_VECTOR_BYTES > 0
+        ORV_UNROLLED
+        for (; at + ORV_VECTOR_BYTES <= bytes; at += ORV_VECTOR_BYTES)
+            storeVector<Sample>(out + at, 0,
+                                keepingFourth<Sample>(loadVector<Sample>(in + at), loadVector<Sample>(out + at)));
+#endif
+        moveThreeOfFour<Sample>((bytes - at) / pixelBytes(), in + at, out + at);
+    }
+
     void compute() const
     {
         const std::size_t bytes = rowBytes() + static_cast<std::size_t>(window.columns - 1) * pixelBytes();
@@ -80,8 +94,7 @@ template <class Sample, class Better> struct Block {
             if (window.rows == 1 || window.columns > 1)
                 computeRows(count, in, out);
             for (std::int32_t row = 0; row < count && rasters.layout == AC4; ++row)
-                moveThreeOfFour<Sample>(static_cast<std::size_t>(rasters.width), scratch.fromRow(row).data,
-                                        results.fromRow(row).data);
+                keepFourths(scratch.fromRow(row).data, results.fromRow(row).data);
         }
     }
 };
