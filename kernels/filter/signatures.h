@@ -47,8 +47,9 @@ struct WindowShape {
 KRN_SIGNATURE(WindowKernel)
 
 // Extremes are computed in blocks of columns, so that some rows stay in the nearest cache. A block is several times as
-// wide as the margins that are computed with it.
-constexpr std::int64_t extremesBlockBytes(const WindowShape &shape)
+// wide as the margins that are computed with it. Kernels call these too: they are always inlined, and leave no symbol
+// that builds would share.
+[[gnu::always_inline]] constexpr std::int64_t extremesBlockBytes(const WindowShape &shape)
 {
     const std::int64_t pixelBytes = std::int64_t{shape.channels} * shape.sampleBytes;
     const std::int64_t around = 4 * (shape.columns - 1) * pixelBytes, row = shape.width * pixelBytes;
@@ -56,7 +57,7 @@ constexpr std::int64_t extremesBlockBytes(const WindowShape &shape)
     return row < block ? row : block;
 }
 // From row to row of such a block.
-constexpr std::int64_t extremesStep(const WindowShape &shape)
+[[gnu::always_inline]] constexpr std::int64_t extremesStep(const WindowShape &shape)
 {
     const std::int64_t pixelBytes = std::int64_t{shape.channels} * shape.sampleBytes;
     return (extremesBlockBytes(shape) + (shape.columns - 1) * pixelBytes + 31) & ~std::int64_t{31};
@@ -64,7 +65,7 @@ constexpr std::int64_t extremesStep(const WindowShape &shape)
 // So many rows of results are computed at once. The rows that their windows share are taken in blocks of as many,
 // where the window is high.
 constexpr std::int32_t groupRows = 8;
-constexpr std::int32_t blocksOfCore(std::int32_t rows)
+[[gnu::always_inline]] constexpr std::int32_t blocksOfCore(std::int32_t rows)
 {
     return rows < 3 * groupRows ? 0 : (rows - groupRows) / groupRows;
 }
