@@ -73,10 +73,20 @@ struct Strip {
     bool keepsFourth; // each fourth sample of the destination stays
 };
 
+// Rows at the edge of a strip are weighted twice, so strips have many rows. Each row takes a line of the cache, and
+// rows compete for the same lines if the step is near a large power of two.
+constexpr std::ptrdiff_t mostRows = 32, mostCompeting = 8;
+inline bool competes(std::int64_t step)
+{
+    constexpr std::int64_t multiple = 2048, line = 64;
+    return (step + line - 1) % multiple < 2 * line - 1;
+}
+
 #if ORV_VECTOR_BYTES > 0
 
-// More rows read and weight fewer rows twice. Fewer rows need fewer lines of the cache at once.
-constexpr std::ptrdiff_t mostRows = 32;
+// The walk goes down the rows, so the processor does not foresee the columns to the right. This many bytes ahead are
+// fetched.
+constexpr std::ptrdiff_t aheadBytes = 256;
 
 // One vector of columns. The main loop takes as many rows as sums are held, so that these need not move.
 template <class Filter, class Row> inline void filterColumn(const Strip &strip, std::size_t column)
@@ -88,6 +98,7 @@ template <class Filter, class Row> inline void filterColumn(const Strip &strip, 
     unsigned char *out = strip.destination.data + column * sizeof(Sample);
     const auto next = [&] {
         const auto result = Filter::take(sums, Row{in, strip.pixelBytes});
+        __builtin_prefetch(in + aheadBytes);
         in += strip.source.step;
         return result;
     };
@@ -96,6 +107,7 @@ template <class Filter, class Row> inline void filterColumn(const Strip &strip, 
         if (strip.keepsFourth)
             result = keepingFourth<Sample>(result, loadVector<Sample>(out));
         storeVector<Sample>(out, 0, result);
+        __builtin_prefetch(out + aheadBytes);
         out += strip.destination.step;
     };
     std::ptrdiff_t y = strip.rows % held;
@@ -143,8 +155,6 @@ template <class Row> inline void filterNarrow(void (*filter)(const Strip &), std
 }
 
 #else
-
-constexpr std::ptrdiff_t mostRows = 32;
 
 // Some columns. The rows above the first result are taken as the others are; their results are written aside.
 template <class Filter, class Row> inline void filterColumns(const Strip &strip, std::size_t column, std::size_t some)
@@ -207,11 +217,12 @@ template <class Row>
     if (const KrnStatus status = testRasters(width, height, source, destination); status != KRN_OK)
         return status;
     const std::size_t channels = samplesOf(layout), samples = static_cast<std::size_t>(width) * channels;
-    for (std::ptrdiff_t y = 0; y < height; y += mostRows) {
+    const std::ptrdiff_t rows = competes(source.step) || competes(destination.step) ? mostCompeting : mostRows;
+    for (std::ptrdiff_t y = 0; y < height; y += rows) {
         const Strip strip = {source.fromRow(y),
                              destination.fromRow(y),
                              samples,
-                             height - y < mostRows ? height - y : mostRows,
+                             height - y < rows ? height - y : rows,
                              static_cast<std::ptrdiff_t>(channels * sizeof(Sample)),
                              layout == AC4};
 #if ORV_VECTOR_BYTES > 0

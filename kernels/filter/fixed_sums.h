@@ -156,7 +156,7 @@ template <class Of, class Wide> struct RowOf {
     using Sample = Of;
     using Sum = Number<Wide>;
     using Total = Number<std::int32_t>;
-    static constexpr std::size_t count = 256 / sizeof(Sample);
+    static constexpr std::size_t count = 384 / sizeof(Sample);
     const unsigned char *sample;
     std::ptrdiff_t pixelBytes;
 

@@ -223,6 +223,8 @@ TEST(KernelRows, EveryBuildComputesTheFormula)
             outcome = outcome ? tryExtremes(row, random) : outcome;
         for (int i = row.takes(CONTINUED) ? 4 : 0; i > 0 && outcome; --i) // groups of rows, whole ones too
             outcome = tryOnce(row, {i == 1 ? 408 / row.layout.source : 16 * i, 18 + below(random, 20)}, random);
+        if (outcome && row.takes(FIXED | CODE)) // several strips of whole vectors
+            outcome = tryOnce(row, {41, 70}, random);
         EXPECT_TRUE(outcome);
     }
     EXPECT_GT(walked, 600);
