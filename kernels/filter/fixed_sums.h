@@ -9,11 +9,16 @@
 // The sums of the lower and the upper halves of lanes.
 template <class Wide> struct Sums {
     Vector<Wide> low, high;
-
-    Sums operator+(const Sums &b) const { return {low + b.low, high + b.high}; }
-    Sums operator-(const Sums &b) const { return {low - b.low, high - b.high}; }
 };
-template <class Wide> Sums<Wide> operator*(std::int32_t factor, const Sums<Wide> &a)
+template <class Wide> inline Sums<Wide> operator+(const Sums<Wide> &a, const Sums<Wide> &b)
+{
+    return {a.low + b.low, a.high + b.high};
+}
+template <class Wide> inline Sums<Wide> operator-(const Sums<Wide> &a, const Sums<Wide> &b)
+{
+    return {a.low - b.low, a.high - b.high};
+}
+template <class Wide> inline Sums<Wide> operator*(std::int32_t factor, const Sums<Wide> &a)
 {
     const Vector<Wide> factors = everywhere(static_cast<Wide>(factor));
     return {factors * a.low, factors * a.high};
