@@ -85,6 +85,15 @@ template <class Of> struct RowOf {
     static Vector<Sample> narrowed(const auto &sums) { return packed<Sample>(sums.low, sums.high); }
 };
 
+// Sums of more than 16 bits: their lower 16, and a quarter of them, of which each summand may lack up to 3/4.
+struct LongSums {
+    Sums<std::int16_t> sums, quarters;
+};
+inline LongSums operator+(const LongSums &a, const LongSums &b)
+{
+    return {a.sums + b.sums, a.quarters + b.quarters};
+}
+
 struct ByteRow : RowOf<std::uint8_t> {
     using Sum = Sums<std::int16_t>;
 
@@ -97,12 +106,7 @@ struct ByteRow : RowOf<std::uint8_t> {
     // One pair has both weights, and the third sample needs no product.
     Sum oneTwoOne() const { return Pairs<Sample>(at(-1), at(0)).sums(1, 2) + wide(1); }
 
-    // Sums of more than 16 bits: their lower 16, and a quarter of them, of which each summand may lack up to 3/4.
-    struct Total {
-        Sum sums, quarters;
-
-        friend Total operator+(const Total &a, const Total &b) { return {a.sums + b.sums, a.quarters + b.quarters}; }
-    };
+    using Total = LongSums;
     static Total total(const Sum &sums)
     {
         const auto quarter = [](S16s sum) { return as<std::int16_t>(as<std::uint16_t>(sum) >> 2); };
