@@ -4,12 +4,13 @@
 #include <algorithm>
 
 #include "area.h"
-#include "channel_kernels.h"
 #include "filter/window_filter.h"
 #include "window.h"
 
 namespace orv {
 namespace {
+
+constexpr Window square = {3, 3, 1, 1};
 
 // All passes work in one padded copy: around the rectangle they see the image and its border as they were at first. A
 // strip has that copy's rows for itself. A pass needs one row more on either side than the pass after it, so a strip
@@ -23,18 +24,25 @@ public:
 
     std::int64_t count() const { return std::int64_t{iterations_} * (second_ != nullptr ? 2 : 1); }
 
+    // The last pass goes straight to the destination.
     KrnStatus run(const Work &work) const
     {
         std::int64_t left = count();
-        KrnStatus status = KRN_OK;
-        for (std::int32_t i = 0; i < iterations_ && status == KRN_OK; ++i)
-            status = pass(first_, work, --left);
-        for (std::int32_t i = 0; i < iterations_ && second_ != nullptr && status == KRN_OK; ++i)
-            status = pass(*second_, work, --left);
-        if (status != KRN_OK)
-            return status;
-        return channelKernels(1).copy[work.layout](work.copy.data, work.copy.step, work.destination.data,
-                                                   work.destination.step, work.size.width, work.size.height);
+        for (const MorphologyPass *kernels : {&first_, second_})
+            for (std::int32_t i = 0; i < iterations_ && kernels != nullptr && left > 1; ++i)
+                if (const KrnStatus status = pass(*kernels, work, --left); status != KRN_OK)
+                    return status;
+        const ConstRaster &in = work.sources[0];
+        const Raster &out = work.destination;
+        const MorphologyPass &last = second_ != nullptr ? *second_ : first_;
+        return last.apart[work.layout](in.data, in.step, out.data, out.step, work.size.width, work.size.height,
+                                       square.columns, square.rows, square.anchorX, square.anchorY, work.scratch);
+    }
+
+    std::int64_t scratchBytes(const Work &work) const
+    {
+        const WindowShape shape = shapeOf(work, square, 1);
+        return std::max(morphologyScratchBytes(shape.width, shape.channels), extremesScratchBytes(shape));
     }
 
 private:
@@ -43,8 +51,8 @@ private:
     {
         const auto above = static_cast<std::int32_t>(std::min<std::int64_t>(work.rowsAbove, left));
         const auto below = static_cast<std::int32_t>(std::min<std::int64_t>(work.rowsBelow, left));
-        return kernels[work.layout](work.copy.fromRow(-above).data, work.copy.step, work.size.width,
-                                    above + work.size.height + below, work.scratch);
+        return kernels.inPlace[work.layout](work.copy.fromRow(-above).data, work.copy.step, work.size.width,
+                                            above + work.size.height + below, work.scratch);
     }
 
     const MorphologyPass &first_, *second_;
@@ -58,19 +66,15 @@ OrvStatus run(const OrvImage *source, const OrvImage *destination, std::int32_t 
     // Further passes change nothing.
     const Size size = commonSize(*source, *destination);
     const Passes passes(first, second, std::clamp(iterations, 1, std::max({size.width, size.height, 1})));
-    WindowCall call = callOf({3, 3, 1, 1}, source, destination);
-    call.padding = Padding::OwnCopy;
+    WindowCall call = callOf(square, source, destination);
     // Strips pay for their margins with time and memory, unless they are much higher.
     constexpr std::int64_t leastStrips = 4;
-    if (passes.count() * leastStrips < size.height)
+    if (passes.count() > 1)
+        call.padding = passes.count() * leastStrips < size.height ? Padding::OwnCopy : Padding::OwnWholeCopy;
+    if (call.padding == Padding::OwnCopy)
         call.margins.top = call.margins.bottom = static_cast<std::int32_t>(passes.count());
-    else
-        call.padding = Padding::OwnWholeCopy;
     return runWindow(call, {.run = [&](const Work &work) { return passes.run(work); },
-                            .scratchBytes =
-                                [](const Work &work) {
-                                    return morphologyScratchBytes(work.size.width, samplesPerPixel(work.layout));
-                                }});
+                            .scratchBytes = [&](const Work &work) { return passes.scratchBytes(work); }});
 }
 
 Refusal checkImages(const OrvImage &source, const OrvImage &destination)

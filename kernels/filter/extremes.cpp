@@ -16,6 +16,8 @@ namespace {
 
 #include "extremes.h"
 
+#include "squares.h"
+
 #include "column_extremes.h"
 #include "row_extremes.h"
 
@@ -99,6 +101,19 @@ template <class Sample, class Better> struct Block {
     }
 };
 
+#if ORV_VECTOR_BYTES > 0
+// Squares of 3 x 3 on rows of at least one vector, from the first pixel's window on.
+template <class Sample, class Better, std::size_t channels>
+[[gnu::noinline]] void ofSquares(const Rasters &given, ConstRaster first)
+{
+    const std::size_t pixelBytes = channels * sizeof(Sample);
+    Squares<Sample, Better, channels, false>{first.fromRow(1), given.destination, first.data,
+                                             (static_cast<std::size_t>(given.width) + 2) * pixelBytes,
+                                             given.layout == AC4}
+        .computeAll(given.height);
+}
+#endif
+
 // Not inlined: the layouts share it.
 template <class Sample, class Better>
 [[gnu::noinline]] KrnStatus extremes(const Rasters &given, const Window &window, void *scratch)
@@ -111,6 +126,14 @@ template <class Sample, class Better>
     const WindowShape shape = {given.width, channels, sizeof(Sample), window.columns, window.rows};
     const std::int64_t most = extremesBlockBytes(shape) / pixelBytes;
     const ConstRaster first = firstOf(given.source, window, static_cast<std::size_t>(pixelBytes));
+#if ORV_VECTOR_BYTES > 0
+    if (window.columns == 3 && window.rows == 3 && std::int64_t{given.width} * pixelBytes >= ORV_VECTOR_BYTES) {
+        (channels == 1   ? ofSquares<Sample, Better, C1>
+         : channels == 3 ? ofSquares<Sample, Better, C3>
+                         : ofSquares<Sample, Better, C4>)(given, first);
+        return KRN_OK;
+    }
+#endif
     for (std::int64_t x = 0; x < given.width; x += most) {
         const std::int64_t pixels = given.width - x < most ? given.width - x : most;
         const Rasters part = {first.fromByte(x * pixelBytes), given.destination.fromByte(x * pixelBytes),

@@ -77,10 +77,13 @@ template <class Sample> inline Vector<Sample> keepingFourth(Vector<Sample> resul
 // The bytes that lie `by` places further in a row, of which these are two neighbouring vectors.
 template <std::size_t by> inline U8s furtherBytes(U8s vector, U8s next)
 {
-    static_assert(by > 0 && by < 16);
+    static_assert(by > 0 && by <= 16);
 #if ORV_VECTOR_BYTES == 32
     const Bits between = _mm256_permute2x128_si256(bitsOf(vector), bitsOf(next), 0x21);
-    return as<std::uint8_t>(_mm256_alignr_epi8(between, bitsOf(vector), by));
+    if constexpr (by == 16)
+        return as<std::uint8_t>(between);
+    else
+        return as<std::uint8_t>(_mm256_alignr_epi8(between, bitsOf(vector), by));
 #elif ORV_SHUFFLES
     return as<std::uint8_t>(_mm_alignr_epi8(bitsOf(next), bitsOf(vector), by));
 #else
