@@ -164,16 +164,26 @@ testing::AssertionResult tryOnce(const Row &row, Form form, Random &random)
     return hold(trial, formulaOf(row));
 }
 
-// High windows over many rows share what some rows have in common. Rows longer than a block of columns are cut.
-testing::AssertionResult tryExtremes(const Row &row, Random &random)
+// Forms of more rows, or of longer ones, than a kernel takes at once.
+std::vector<Form> largerForms(const Row &row, Random &random)
 {
-    testing::AssertionResult outcome = testing::AssertionSuccess();
-    for (int i = 0; i < 4 && outcome; ++i) {
-        const Window window = {1 + below(random, 2), 24 + below(random, 30), 0, below(random, 24)};
-        outcome = tryOnce(row, {1 + below(random, 20), 17 + below(random, 20), Place::Disjoint, window}, random);
+    if (row.takes(ONE_ROW))
+        return {};
+    std::vector<Form> forms = {{3, 70}};
+    if (row.takes(FIXED | CODE)) // strips of whole vectors
+        forms.push_back({41, 70});
+    for (int i = 0; i < 4 && row.takes(CONTINUED); ++i) // groups of rows
+        forms.push_back({i == 0 ? 408 / row.layout.source : 16 * i, 18 + below(random, 20)});
+    if (row.is("MaxFilter") || row.is("MinFilter")) { // rows that high windows share, and blocks of columns
+        for (int i = 0; i < 4; ++i)
+            forms.push_back({1 + below(random, 20),
+                             17 + below(random, 20),
+                             Place::Disjoint,
+                             {1 + below(random, 2), 24 + below(random, 30), 0, below(random, 24)}});
+        const int width = 2049 / (row.layout.source * row.source.bytes) + below(random, 50);
+        forms.push_back({width, 3, Place::Disjoint, {7, 2, 3, 1}});
     }
-    const int width = 2049 / (row.layout.source * row.source.bytes) + below(random, 50);
-    return outcome ? tryOnce(row, {width, 3, Place::Disjoint, {7, 2, 3, 1}}, random) : outcome;
+    return forms;
 }
 
 std::vector<Place> placesOf(const Row &row)
@@ -217,14 +227,9 @@ TEST(KernelRows, EveryBuildComputesTheFormula)
                 const int height = row.takes(ONE_ROW) ? 1 : 1 + below(random, 5);
                 outcome = tryOnce(row, {width, height, places[random() % places.size()]}, random);
             }
-        if (outcome && !row.takes(ONE_ROW))
-            outcome = tryOnce(row, {3, 70}, random);
-        if (row.is("MaxFilter") || row.is("MinFilter"))
-            outcome = outcome ? tryExtremes(row, random) : outcome;
-        for (int i = row.takes(CONTINUED) ? 4 : 0; i > 0 && outcome; --i) // groups of rows, whole ones too
-            outcome = tryOnce(row, {i == 1 ? 408 / row.layout.source : 16 * i, 18 + below(random, 20)}, random);
-        if (outcome && row.takes(FIXED | CODE)) // several strips of whole vectors
-            outcome = tryOnce(row, {41, 70}, random);
+        for (const Form &form : largerForms(row, random))
+            if (outcome)
+                outcome = tryOnce(row, form, random);
         EXPECT_TRUE(outcome);
     }
     EXPECT_GT(walked, 600);
