@@ -1080,7 +1080,8 @@ ORV_API OrvStatus orvFixedFilter(const OrvImage *srcImage, OrvImage *dstImage, i
  *  - #ORV_STATUS_NO_MEMORY.
  *
  *  The time of a call grows with the number of iterations up to the longer side of the rectangle. Further ones change
- *  nothing and take no time.
+ *  nothing and take no time. A call with at least a quarter as many iterations as rows copies the whole rectangle at
+ *  once, others copy it strip by strip.
  *  @{ */
 
 /** Dilation: the largest samples.
