@@ -25,7 +25,7 @@ OrvStatus run(const OrvImage *source, const OrvImage *destination, const Window 
         const Raster &out = work.destination;
         return kernels[work.layout](in.data, in.step, out.data, out.step, work.size.width, work.size.height,
                                     window.columns, window.rows, window.anchorX, window.anchorY, work.carried,
-                                    work.rowsAbove > 0, work.scratch);
+                                    work.rowsAbove, work.scratch);
     };
     WindowCall call = callOf(window, source, destination);
     ++call.margins.top;
