@@ -1,8 +1,8 @@
 // What the sums of a window become, and running sums of several rows in plain code. To be included inside the unnamed
 // namespace of a region, after windows.h.
 
-// Sums of floats depend on their order: a column sum takes the difference of the row that enters and the row that
-// leaves, and a sum of columns likewise.
+// Sums of floats depend on their order. The sum of a column takes the difference of the row that enters and the row
+// that leaves. The sum of a window takes the same difference of columns.
 inline std::int32_t added(std::int32_t a, std::int32_t b)
 {
     return a + b;
