@@ -15,4 +15,5 @@ if(CMAKE_SIZEOF_VOID_P EQUAL 4 AND CMAKE_SYSTEM_PROCESSOR MATCHES "86|AMD64|amd6
 endif()
 
 # Loops over samples are optimised in every build type: without optimisation a debug build would be too slow to use.
-set(ORV_KERNEL_OPTIMISATION -O3)
+set(ORV_KERNEL_OPTIMISATION -O3 CACHE STRING "How loops over samples are optimised")
+mark_as_advanced(ORV_KERNEL_OPTIMISATION)
