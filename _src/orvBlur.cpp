@@ -44,9 +44,7 @@ extern "C" OrvStatus orvBlur(const OrvImage *srcImage, OrvImage *dstImage, std::
     if (call.refuses(checkHeaders(srcImage, dstImage)) ||
         call.refuses(srcImage->depth != dstImage->depth, ORV_STATUS_BAD_ARGUMENT,
                      "(srcImage->depth!=dstImage->depth)") ||
-        call.refuses(nRows < 0 || nCols < 0, ORV_STATUS_BAD_ARGUMENT, "(nRows<0||nCols<0)") ||
-        call.refuses(anchorX < 0 || anchorY < 0, ORV_STATUS_BAD_ARGUMENT, "(anchorX<0||anchorY<0)") ||
-        call.refuses(anchorX >= nCols || anchorY >= nRows, ORV_STATUS_BAD_ARGUMENT, "(anchorX>=nCols||anchorY>=nRows)"))
+        call.refuses(checkWindow({nCols, nRows, anchorX, anchorY})))
         return call.report();
     if (nCols == 1 && nRows == 1)
         return orvCopy(srcImage, dstImage);

@@ -40,15 +40,11 @@ OrvStatus run(const RankKernels &kernels, const OrvImage *source, const OrvImage
     return runWindow(callOf(window, source, destination), {.run = filter, .scratchBytes = scratchBytes});
 }
 
-// The checks after those of headers.
-Refusal checkFilter(const OrvImage &source, const OrvImage &destination, const Window &window)
+// The checks after those of headers and window.
+Refusal checkImages(const OrvImage &source, const OrvImage &destination)
 {
     const Refusal refusal =
-        firstOf({{window.rows < 0 || window.columns < 0, ORV_STATUS_BAD_ARGUMENT, "(nRows<0||nCols<0)"},
-                 {window.anchorX < 0 || window.anchorY < 0, ORV_STATUS_BAD_ARGUMENT, "(anchorX<0||anchorY<0)"},
-                 {window.anchorX >= window.columns || window.anchorY >= window.rows, ORV_STATUS_BAD_ARGUMENT,
-                  "(anchorX>=nCols||anchorY>=nRows)"},
-                 {source.depth != destination.depth, ORV_STATUS_BAD_ARGUMENT, "(srcImage->depth!=dstImage->depth)"},
+        firstOf({{source.depth != destination.depth, ORV_STATUS_BAD_ARGUMENT, "(srcImage->depth!=dstImage->depth)"},
                  {source.nChannels != destination.nChannels, ORV_STATUS_BAD_ARGUMENT,
                   "(srcImage->nChannels!=dstImage->nChannels)"},
                  {source.alphaChannel != destination.alphaChannel, ORV_STATUS_BAD_ARGUMENT,
@@ -67,7 +63,8 @@ Refusal checkFilter(const OrvImage &source, const OrvImage &destination, const W
 OrvStatus filter(Call call, const RankKernels &kernels, const OrvImage *source, OrvImage *destination,
                  const Window &window)
 {
-    if (call.refuses(checkHeaders(source, destination)) || call.refuses(checkFilter(*source, *destination, window)))
+    if (call.refuses(checkHeaders(source, destination)) || call.refuses(checkWindow(window)) ||
+        call.refuses(checkImages(*source, *destination)))
         return call.report();
     if (window.columns == 1 && window.rows == 1)
         return orvCopy(source, destination);

@@ -4,6 +4,7 @@
 #include <cstdint>
 
 #include "area.h"
+#include "comparisons.h"
 #include "kernels.h"
 #include "layout.h"
 #include "loop.h"
@@ -15,6 +16,15 @@ namespace orv {
 inline bool onlyAlpha(const OrvImage &image)
 {
     return image.nChannels == 1 && image.alphaChannel != 0 && !hasCoi(image);
+}
+
+// Sides and anchor as the application gave them.
+inline Refusal checkWindow(const Window &window)
+{
+    return firstOf({{window.rows < 0 || window.columns < 0, ORV_STATUS_BAD_ARGUMENT, "(nRows<0||nCols<0)"},
+                    {window.anchorX < 0 || window.anchorY < 0, ORV_STATUS_BAD_ARGUMENT, "(anchorX<0||anchorY<0)"},
+                    {window.anchorX >= window.columns || window.anchorY >= window.rows, ORV_STATUS_BAD_ARGUMENT,
+                     "(anchorX>=nCols||anchorY>=nRows)"}});
 }
 
 // A filter whose window is honoured in full. The destination says which channel is its alpha channel.
