@@ -39,9 +39,15 @@ set(ORV_KERNEL_SOURCES
   kernels/filter/fixed_floats.cpp
   kernels/filter/median.cpp
   kernels/geometry/mirror.cpp
+  kernels/hist/histogram.cpp
+  kernels/hist/scale.cpp
+  kernels/hist/table.cpp
+  kernels/hist/threshold.cpp
   kernels/logic/logic.cpp
   kernels/logic/shift.cpp
   kernels/measure/minmax.cpp
+  kernels/measure/norm.cpp
+  kernels/measure/norm_floats.cpp
   kernels/morph/morphology.cpp)
 
 # The rooms of the front end's frame. A room sees itself, and those that its target names.

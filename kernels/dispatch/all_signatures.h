@@ -5,6 +5,7 @@
 #include "../copy/signatures.h"
 #include "../filter/signatures.h"
 #include "../geometry/signatures.h"
+#include "../hist/signatures.h"
 #include "../measure/signatures.h"
 #include "../morph/signatures.h"
 #include "../services/signatures.h"

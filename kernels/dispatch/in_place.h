@@ -3,6 +3,7 @@
 #pragma once
 
 #include "../arith/signatures.h"
+#include "../hist/signatures.h"
 
 namespace orv {
 
@@ -20,6 +21,7 @@ KRN_DERIVE(FloatConstantInPlaceKernel, image, step, value, image, step, width, h
 KRN_DERIVE(ConstantsInPlaceKernel, image, step, values, image, step, width, height)
 KRN_DERIVE(ConstantRowInPlaceKernel, row, value, row, length, scale)
 KRN_DERIVE(FloatConstantRowInPlaceKernel, row, value, row, length)
+KRN_DERIVE(ReplaceInPlaceKernel, image, step, image, step, width, height, level, value)
 KRN_DERIVE(FractionInPlaceKernel, image, step, value, image, step, width, height)
 KRN_DERIVE(FractionsInPlaceKernel, image, step, values, image, step, width, height)
 

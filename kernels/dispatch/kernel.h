@@ -31,6 +31,11 @@ enum : KrnStatus {
     KRN_BAD_ANCHOR = -34,    // an anchor outside its window
     KRN_SHORT_STEP = -37,    // a row step with no room for a pixel on either side
     KRN_ZERO_DIVISOR = -51,
+    KRN_BAD_TABLE_LEVELS = -106,     // fewer than two levels of a look-up table
+    KRN_BAD_HISTOGRAM_LEVELS = -107, // or of a histogram
+
+    // A warning: a relative norm is that of the numerator alone, since its denominator vanished.
+    KRN_WARN_ZERO_DENOMINATOR = 6,
 };
 
 // One row of the table: seven builds of one function. Calling the row costs one load and one indirect jump.

@@ -213,6 +213,73 @@ double extreme(const Trial &t, int channel, int largest)
     return found == 0 ? zero : found;
 }
 
+// Calls take(sample) for the samples of one channel, row by row.
+template <class Take> void overChannel(const Trial &t, int channel, Take take)
+{
+    for (int y = 0; y < t.form.height; ++y)
+        for (int x = channel; x < t.form.width * t.row.layout.source; x += t.row.layout.source)
+            take(x, y);
+}
+
+// Each interval by itself, from level to level. Rows beyond a channel's intervals stay.
+double counted(const Trial &t, int channel, int interval)
+{
+    const std::vector<int> &levels = t.levels[channel];
+    const std::size_t i = static_cast<std::size_t>(interval);
+    if (i + 1 >= levels.size())
+        return t.out.get(channel, interval);
+    int found = 0;
+    overChannel(t, channel, [&](int x, int y) {
+        const double sample = t.first.get(x, y);
+        found += sample >= levels[i] && sample < levels[i + 1];
+    });
+    return found;
+}
+
+double lookedUp(const Trial &t, int x, int y)
+{
+    const int channel = x % t.row.layout.destination;
+    const double sample = t.firstAt(x, y);
+    for (std::size_t i = 0; i + 1 < t.levels[channel].size(); ++i)
+        if (sample >= t.levels[channel][i] && sample < t.levels[channel][i + 1])
+            return clamped(t.steps[channel][i], t.row.destination);
+    return sample;
+}
+
+// A constant as the kernel reads it: its low bits, as many as a sample has.
+double cut(int value, const SampleType &type)
+{
+    const double range = std::ldexp(1.0, 8 * type.bytes), low = value - range * std::floor(value / range);
+    return low > type.highest ? low - range : low;
+}
+
+// Doubles hold the sums of the walk's integers, but for those of squares of differences of words, which are added up
+// row by row.
+double norm(const Trial &t, int channel, int)
+{
+    const std::string name = t.row.operation;
+    const bool differs = t.row.takes(SECOND), relative = name.starts_with("NormRel"), squares = name.ends_with("L2");
+    const auto of = [&](auto value) {
+        double total = 0;
+        overChannel(t, channel, [&](int x, int y) {
+            const double magnitude = std::fabs(value(x, y));
+            total = name.ends_with("Inf") ? (magnitude > total ? magnitude : total)
+                                          : total + (squares ? magnitude * magnitude : magnitude);
+        });
+        return total;
+    };
+    const double found = of([&](int x, int y) {
+        const double value = t.first.get(x, y) - (differs ? t.second.get(x, y) : 0);
+        return t.row.source.isFloat() ? static_cast<double>(static_cast<float>(value)) : value;
+    });
+    if (!relative)
+        return squares ? std::sqrt(found) : found;
+    const double second = of([&](int x, int y) { return t.second.get(x, y); });
+    if (squares)
+        return std::sqrt(second == 0 ? found : found / second);
+    return second == 0 && name.ends_with("Inf") ? found : found / second;
+}
+
 struct Entry {
     std::vector<const char *> operations;
     Formula formula;
@@ -233,6 +300,24 @@ const Entry entries[] = {
     {{"Mirror"}, mirrored},
     {{"Convolve", "ConvolveRow", "ConvolveCol"}, convolved},
     {{"MinMax"}, extreme},
+    {{"Histogram"}, counted},
+    {{"LUT"}, lookedUp},
+    {{"ThresholdLT"}, pointwise([](const Trial &t, double a, double) {
+         return a < cut(t.level, t.row.source) ? cut(t.high, t.row.source) : a;
+     })},
+    {{"ThresholdGT"}, pointwise([](const Trial &t, double a, double) {
+         return a > cut(t.level, t.row.source) ? cut(t.high, t.row.source) : a;
+     })},
+    {{"Binarize"}, pointwise([](const Trial &t, double a, double) {
+         return cut(a < cut(t.level, t.row.source) ? t.low : t.high, t.row.destination);
+     })},
+    {{"Scale"}, pointwise([](const Trial &t, double a, double) {
+         const SampleType &from = t.row.source, &into = t.row.destination;
+         const double part = (a - from.lowest) / (from.highest - from.lowest) * (into.highest - into.lowest);
+         return into.lowest + std::floor(part + (t.row.takes(ROUNDING) && t.mode == 0 ? 0 : 0.5));
+     })},
+    {{"NormInf", "NormDiffInf", "NormRelInf", "NormL1", "NormDiffL1", "NormRelL1", "NormL2", "NormDiffL2", "NormRelL2"},
+     norm},
     {{"MinFilter", "Erode"}, ofRank(0)},
     {{"Median"}, ofRank(0.5)},
     {{"MaxFilter", "Dilate"}, ofRank(1)},
@@ -258,11 +343,13 @@ const Entry entries[] = {
 
 } // namespace
 
-Formula formulaOf(const Row &row)
+Formula formulaOf(const Row &row, bool sumsAreExact)
 {
-    // The order of the sums of floats is the kernels' own. They are held against build 0, and against coefficients by
-    // the operation's tests.
+    // The order of the sums of floats is the kernels' own. They are held against build 0, and by the operation's tests
+    // against coefficients, or within a bound.
     if (row.takes(FIXED | CODE) && row.source.isFloat())
+        return Formula();
+    if (!sumsAreExact && row.isNorm() && row.source.isFloat() && !row.is("NormInf") && !row.is("NormDiffInf"))
         return Formula();
     for (const Entry &entry : entries)
         for (const char *operation : entry.operations)

@@ -85,8 +85,8 @@ TEST(Operands, AllWithAll)
 {
     int rows = 0;
     for (const Row &row : allRows()) {
-        const bool moves =
-            row.is("Copy") || row.is("Fill") || row.is("Jaehne") || row.windowed() || row.takes(FLIP | EXTREMES);
+        const bool moves = row.is("Copy") || row.is("Fill") || row.is("Jaehne") || row.windowed() ||
+                           row.takes(FLIP | RESULTS | TABLE | LEVEL);
         if (row.run == nullptr || row.plain || row.layout.source + row.layout.destination != 2 || moves ||
             row.takes(IN_PLACE | MASK))
             continue;
@@ -157,6 +157,65 @@ TEST(Operands, ExtremesOfZerosAndNotANumbers)
             trial.first.fill([&] { return numbers[random() % numbers.size()]; });
             ASSERT_TRUE(hold(trial, formulaOf(row)));
         }
+}
+
+// Every sample at the level, and beside it.
+TEST(Operands, ThresholdsAtEachLevel)
+{
+    Random random(2);
+    for (const Row &row : allRows())
+        for (const double level : row.takes(LEVEL) && !row.takes(IN_PLACE) ? numbersOf(row.source) : Numbers()) {
+            Trial trial(row, {200}, random);
+            trial.level = static_cast<int>(level);
+            trial.low = 0x12345678;
+            trial.high = static_cast<int>(0xFEDCBA98);
+            trial.first.fill([&] {
+                return std::clamp(level + static_cast<double>(random() % 5) - 2, row.source.lowest, row.source.highest);
+            });
+            ASSERT_TRUE(hold(trial, formulaOf(row)));
+        }
+}
+
+// Where doubles hold all sums the order does not show, and rows longer than a block come to what short ones do. The
+// sums are the largest there are.
+TEST(Operands, NormsOfWholeNumbersAreExact)
+{
+    Random random(3);
+    for (const Row &row : allRows())
+        for (int i = 0; i < 6 && row.isNorm(); ++i) {
+            const int width = i == 0 ? 80000 / row.layout.source : 1 + static_cast<int>(random() % 300);
+            Trial trial(row, {width, i < 2 ? 1 : 1 + static_cast<int>(random() % 4)}, random);
+            const bool isFloat = row.source.isFloat(), ends = i % 2 == 0;
+            const auto next = [&](bool low) {
+                return isFloat ? static_cast<int>(random() % 4001 - 2000) / 4.0
+                       : ends  ? (low ? row.source.lowest : row.source.highest)
+                               : row.source.lowest + static_cast<double>(random() % (1u << 8 * row.source.bytes));
+            };
+            trial.first.fill([&] { return next(true); });
+            trial.second.fill([&] { return next(false); });
+            ASSERT_TRUE(hold(trial, formulaOf(row, true)));
+        }
+}
+
+// The quotient is a warning where the denominator is no number to divide by; maxima of bytes may end early.
+TEST(Operands, DenominatorsOfRelativeNorms)
+{
+    const std::uint8_t bytes[] = {0, 3, 0, 0}, none[4] = {}, ends[] = {0, 255, 7, 9};
+    const float floats[] = {3, 4}, least[] = {1e-45f, 0};
+    double norm = -1;
+    for (krnDispatchIndex = 0; krnDispatchIndex < carriedBuilds(); ++krnDispatchIndex) {
+        EXPECT_EQ(krnNormRelL28uC1(bytes, 2, none, 2, 2, 2, &norm, nullptr), KRN_WARN_ZERO_DENOMINATOR);
+        EXPECT_EQ(norm, 3);
+        EXPECT_EQ(krnNormRelInf8uC1(bytes, 4, none, 4, 4, 1, &norm, nullptr), KRN_OK);
+        EXPECT_EQ(norm, 3);
+        EXPECT_EQ(krnNormRelL18uC1(bytes, 4, none, 4, 4, 1, &norm, nullptr), KRN_OK);
+        EXPECT_EQ(norm, std::numeric_limits<double>::infinity());
+        EXPECT_EQ(krnNormRelInf8uC1(none, 1, ends, 1, 1, 4, &norm, nullptr), KRN_OK);
+        EXPECT_EQ(norm, 1);
+        EXPECT_EQ(krnNormRelL232fC1(floats, 8, least, 8, 2, 1, &norm, nullptr), KRN_OK);
+        EXPECT_GT(norm, 1e45);
+    }
+    krnDispatchIndex = 0;
 }
 
 } // namespace

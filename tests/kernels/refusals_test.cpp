@@ -24,6 +24,8 @@ const Fault faults[] = {
     {"destination", KRN_NULL_POINTER, OUT, [](Arguments &c) { c.out.data = nullptr; }},
     {"mask", KRN_NULL_POINTER, MASK, [](Arguments &c) { c.mask.data = nullptr; }},
     {"values", KRN_NULL_POINTER, VALUES, [](Arguments &c) { c.values = nullptr; }},
+    {"levels", KRN_NULL_POINTER, INTERVALS | TABLE, [](Arguments &c) { c.levels[0] = nullptr; }},
+    {"steps", KRN_NULL_POINTER, TABLE, [](Arguments &c) { c.steps[0] = nullptr; }},
     {"width 0", KRN_BAD_SIZE, 0, [](Arguments &c) { c.width = 0; }},
     {"width -1", KRN_BAD_SIZE, 0, [](Arguments &c) { c.width = -1; }},
     {"height 0", KRN_BAD_SIZE, 0, [](Arguments &c) { c.height = 0; }},
@@ -42,6 +44,9 @@ const Fault faults[] = {
     {"no divisor", KRN_ZERO_DIVISOR, DIVISOR, [](Arguments &c) { c.divisor = 0; }},
     {"no code", KRN_BAD_MASK_SIZE, CODE, [](Arguments &c) { c.mode = 0; }},
     {"code of a row", KRN_BAD_MASK_SIZE, CODE, [](Arguments &c) { c.mode = 0x1F; }},
+    {"one level of a table", KRN_BAD_TABLE_LEVELS, TABLE, [](Arguments &c) { c.levelCounts[0] = 1; }},
+    {"no level of a table", KRN_BAD_TABLE_LEVELS, TABLE, [](Arguments &c) { c.levelCounts[0] = INT_MIN; }},
+    {"one level of a histogram", KRN_BAD_HISTOGRAM_LEVELS, INTERVALS, [](Arguments &c) { c.levelCounts[0] = 1; }},
     {"axis -1", KRN_BAD_AXIS, FLIP, [](Arguments &c) { c.mode = -1; }},
     {"axis 3", KRN_BAD_AXIS, FLIP, [](Arguments &c) { c.mode = 3; }},
     {"axis beyond all", KRN_BAD_AXIS, FLIP, [](Arguments &c) { c.mode = INT_MAX; }}};
@@ -53,7 +58,7 @@ bool concerns(const Fault &fault, const Row &row)
     fault.spoil(probe);
     if (row.takes(ONE_ROW) && (fault.status == KRN_BAD_STEP || probe.height != 1))
         return false;
-    if (row.takes(EXTREMES) && fault.uses == OUT && fault.status == KRN_BAD_STEP)
+    if (row.takes(RESULTS) && fault.uses == OUT && fault.status == KRN_BAD_STEP)
         return false;
     return fault.uses == 0 || row.takes(fault.uses);
 }
@@ -64,6 +69,7 @@ void testRefusals(const Row &row)
     ASSERT_LE(row.scratchBytes(4, {3, 3, 0, 0}), std::int64_t{sizeof scratch});
     const int columns = row.takes(WINDOW) && !row.is("ConvolveCol") ? 3 : 1;
     const int rows = row.takes(WINDOW) && !row.is("ConvolveRow") ? 3 : 1;
+    const int levels[] = {0, 100, 256};
     std::uint8_t *const start = source + 192;
     const Arguments good = {{start, 64},
                             {start, 64},
@@ -78,7 +84,12 @@ void testRefusals(const Row &row)
                             {columns, rows, 0, 0},
                             1,
                             scratch,
-                            sums};
+                            sums,
+                            {levels, levels, levels, levels},
+                            {levels, levels, levels, levels},
+                            {3, 3, 3, 3},
+                            0,
+                            0};
     EXPECT_EQ(row.run(row.kernel, good), KRN_OK);
 
     std::memset(destination, 0x99, sizeof destination);

@@ -1,5 +1,6 @@
 #include "rows.h"
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -94,8 +95,76 @@ ORV_CALL(CodedKernel, FIRST | OUT | CODE, ORV_FIRST, ORV_OUT, ORV_SIZE, c.mode)
 ORV_CALL(MorphologyKernel, OUT | IN_PLACE | FIXED, ORV_OUT, ORV_SIZE, c.scratch)
 ORV_CALL(MirrorKernel, FIRST | OUT | FLIP, ORV_FIRST, ORV_OUT, ORV_SIZE, c.mode)
 ORV_CALL(MirrorInPlaceKernel, OUT | IN_PLACE | FLIP, ORV_OUT, ORV_SIZE, c.mode)
-ORV_CALL(MinMaxKernel, FIRST | OUT | EXTREMES, ORV_FIRST, ORV_SIZE, static_cast<float *>(c.out.data),
+ORV_CALL(ReplaceKernel, FIRST | OUT | LEVEL, ORV_FIRST, ORV_OUT, ORV_SIZE, c.value, c.high)
+ORV_CALL(ReplaceInPlaceKernel, OUT | IN_PLACE | LEVEL, ORV_OUT, ORV_SIZE, c.value, c.high)
+ORV_CALL(BinarizeKernel, FIRST | OUT | LEVEL, ORV_FIRST, ORV_OUT, ORV_SIZE, c.value, c.low, c.high)
+ORV_CALL(HistogramKernel, FIRST | OUT | RESULTS | INTERVALS, ORV_FIRST, ORV_SIZE, static_cast<int *>(c.out.data),
+         c.levels[0], c.levelCounts[0])
+ORV_CALL(TableKernel, FIRST | OUT | TABLE, ORV_FIRST, ORV_OUT, ORV_SIZE, c.steps[0], c.levels[0], c.levelCounts[0])
+ORV_CALL(TablesKernel, FIRST | OUT | TABLE, ORV_FIRST, ORV_OUT, ORV_SIZE, c.steps, c.levels, c.levelCounts)
+ORV_CALL(MinMaxKernel, FIRST | OUT | RESULTS, ORV_FIRST, ORV_SIZE, static_cast<float *>(c.out.data),
          c.out.data == nullptr ? nullptr : static_cast<float *>(c.out.data) + c.out.step / 4)
+
+// The counts of an interval are one pixel of results.
+template <> struct Call<HistogramsKernel> {
+    static constexpr unsigned uses = FIRST | OUT | RESULTS | INTERVALS;
+    static KrnStatus run(const void *kernel, const Arguments &c)
+    {
+        const std::size_t channels = std::min(static_cast<std::size_t>(c.out.step) / sizeof(int), std::size_t{4});
+        int *const results = static_cast<int *>(c.out.data);
+        std::vector<int> counts[4];
+        int *pointers[4];
+        const auto copy = [&](auto from, auto to) {
+            for (std::size_t i = 0; i < channels && results != nullptr; ++i)
+                for (std::size_t k = 0; k < counts[i].size(); ++k)
+                    to(i, k) = from(i, k);
+        };
+        const auto counted = [&](std::size_t i, std::size_t k) -> int & { return counts[i][k]; };
+        const auto result = [&](std::size_t i, std::size_t k) -> int & { return results[k * channels + i]; };
+        for (std::size_t i = 0; i < 4; ++i) {
+            counts[i].resize(static_cast<std::size_t>(std::max(c.levelCounts[i], 2)) - 1);
+            pointers[i] = counts[i].data();
+        }
+        copy(result, counted);
+        const KrnStatus status = (*static_cast<const Kernel<HistogramsKernel> *>(kernel))(
+            ORV_FIRST, ORV_SIZE, results == nullptr ? nullptr : pointers, c.levels, c.levelCounts);
+        copy(counted, result);
+        return status;
+    }
+};
+
+// Of all rows at once, or of some rows and then of the others.
+template <class Signature> struct NormCall {
+    static constexpr bool isPair = std::is_same_v<Signature, NormPairKernel>;
+    static constexpr unsigned uses = FIRST | (isPair ? unsigned{SECOND} : 0) | OUT | RESULTS | CONTINUED;
+    static KrnStatus run(const void *kernel, const Arguments &c)
+    {
+        const bool twice = c.mode > 0 && c.mode < c.height;
+        double *const sums = twice ? static_cast<double *>(c.sums) : nullptr;
+        const auto rows = [&](int first, int count) {
+            const auto at = [=](const Argument &of) {
+                return first == 0 ? of.data : static_cast<std::uint8_t *>(of.data) + first * of.step;
+            };
+            const Kernel<Signature> &norm = *static_cast<const Kernel<Signature> *>(kernel);
+            KrnStatus status = KRN_OK;
+            if constexpr (isPair)
+                status = norm(at(c.first), c.first.step, at(c.second), c.second.step, c.width, count,
+                              static_cast<double *>(c.out.data), sums);
+            else
+                status = norm(at(c.first), c.first.step, c.width, count, static_cast<double *>(c.out.data), sums);
+            return status == KRN_WARN_ZERO_DENOMINATOR ? KrnStatus{KRN_OK} : status;
+        };
+        if (!twice)
+            return rows(0, c.height);
+        std::fill_n(sums, normSums, 0.0);
+        const KrnStatus status = rows(0, c.mode);
+        return status != KRN_OK ? status : rows(c.mode, c.height - c.mode);
+    }
+};
+template <> struct Call<NormKernel> : NormCall<NormKernel> {
+};
+template <> struct Call<NormPairKernel> : NormCall<NormPairKernel> {
+};
 
 template <> struct Call<BoxKernel> {
     static constexpr unsigned uses = FIRST | OUT | WINDOW | CONTINUED;
@@ -151,7 +220,7 @@ std::int64_t Row::scratchBytes(int width, const Window &window) const
 
 std::int64_t Row::sumsBytes(int width, const Window &window) const
 {
-    return takes(CONTINUED) ? boxSumsBytes(shape(width, window)) : 0;
+    return isNorm() ? std::int64_t{normSums} * 8 : takes(CONTINUED) ? boxSumsBytes(shape(width, window)) : 0;
 }
 
 const SampleType &sampleType(const char *name)

@@ -38,10 +38,13 @@ enum Use : unsigned {
     ROUNDING = 2048,
     WINDOW = 4096,
     DIVISOR = 8192,
-    EXTREMES = 16384,   // the destination is two pixels
+    RESULTS = 16384,    // the destination is a pixel a row: extremes, counts of intervals, norms
     CODE = 32768,       // of a window of a fixed size, as the mode
     FIXED = 65536,      // a window of 3 x 3, unless a code says otherwise
-    CONTINUED = 131072, // column sums, which a second call continues after as many rows as the mode says
+    CONTINUED = 131072, // sums, which a second call continues after as many rows as the mode says
+    INTERVALS = 262144, // levels of a histogram
+    TABLE = 524288,     // levels and values of a look-up table
+    LEVEL = 1048576,    // a level and values for its sides
 };
 
 struct Window {
@@ -67,6 +70,9 @@ struct Arguments {
     Window window;
     int divisor;
     void *scratch, *sums;
+    const int *levels[4], *steps[4]; // of each channel: levels, and the values of a table's steps
+    int levelCounts[4];
+    int low, high; // beside `value`, which is the level
 };
 
 struct Row {
@@ -90,6 +96,8 @@ struct Row {
     }
     std::int64_t scratchBytes(int width, const Window &window) const;
     std::int64_t sumsBytes(int width, const Window &window) const;
+    int channels() const { return layout.source < 4 ? layout.source : layout.written; } // that are measured
+    bool isNorm() const { return std::string(operation).starts_with("Norm"); }
     bool shifts() const { return is("LShiftC") || is("RShiftC"); }
 };
 

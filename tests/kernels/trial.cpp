@@ -39,6 +39,8 @@ double readAs(const SampleType &type, const std::uint8_t *at)
         return read<std::int16_t>(at);
     case SampleType::S32:
         return read<std::int32_t>(at);
+    case SampleType::F64:
+        return read<double>(at);
     default:
         return read<float>(at);
     }
@@ -47,7 +49,7 @@ double readAs(const SampleType &type, const std::uint8_t *at)
 void writeAs(const SampleType &type, std::uint8_t *at, double value)
 {
     if (type.isFloat())
-        return write<float>(at, value);
+        return type.bytes == 8 ? write<double>(at, value) : write<float>(at, value);
     const std::int64_t bits = static_cast<std::int64_t>(value);
     type.bytes == 1   ? write<std::uint8_t>(at, bits)
     : type.bytes == 2 ? write<std::uint16_t>(at, bits)
@@ -89,6 +91,26 @@ Raster drawRaster(Guarded &memory, const SampleType &type, int channels, int cha
     for (std::size_t i = 0; i < raster.watchedBytes; ++i, noise = noise * 1664525 + 1013904223)
         raster.watched[i] = static_cast<std::uint8_t>(noise >> 24);
     return raster;
+}
+
+// Levels of all ranges, ascending, equal at times. Some are those that front ends pass.
+void drawLevels(Trial &trial, Random &random)
+{
+    const auto below = [&](int bound) { return static_cast<int>(random() % static_cast<unsigned>(bound)); };
+    const bool alike = below(3) == 0;
+    for (std::size_t i = 0; i < 4; ++i) {
+        const int kind = below(4), count = 2 + below(kind == 0 ? 40 : 6);
+        if (alike && i > 0) {
+            trial.levels[i] = trial.levels[0];
+            trial.steps[i] = trial.steps[0];
+            continue;
+        }
+        for (int level = 0; level < (kind == 1 ? 256 + below(2) : count); ++level)
+            trial.levels[i].push_back(kind == 1 ? level : below(below(4) == 0 ? 400 : 257) - below(5));
+        std::sort(trial.levels[i].begin(), trial.levels[i].end());
+        for (std::size_t k = 0; k < trial.levels[i].size(); ++k)
+            trial.steps[i].push_back(below(8) == 0 ? below(1000) - 400 : below(256));
+    }
 }
 
 // Calls take(x, y) for all samples that the kernel writes.
@@ -152,6 +174,16 @@ testing::AssertionResult describe(const Trial &trial, const Bytes &expected, con
 
 } // namespace
 
+int Trial::outHeight() const
+{
+    if (!row.takes(RESULTS))
+        return form.height;
+    std::size_t intervals = row.is("MinMax") ? 2 : 1;
+    for (int i = 0; i < row.channels() && row.takes(INTERVALS); ++i)
+        intervals = std::max(intervals, levels[i].size() - 1);
+    return static_cast<int>(intervals);
+}
+
 double Raster::get(int x, int y) const
 {
     return readAs(*type, at(x, y));
@@ -182,11 +214,13 @@ Trial::Trial(const Row &itsRow, const Form &itsForm, Random &random) : row(itsRo
     first = some(0, row.source, layout.source, channelOf(layout.source));
     second = some(1, row.source, layout.source, 0);
     mask = some(2, sampleType("8u"), 1, 0);
-    if (row.takes(EXTREMES)) {
+    if (row.takes(INTERVALS | TABLE))
+        drawLevels(*this, random);
+    if (row.takes(RESULTS)) {
         Form aligned = form;
         aligned.dense = true;
         aligned.gap = 0;
-        out = drawRaster(memory[3], row.destination, layout.destination, 0, 1, 2, aligned, false, random);
+        out = drawRaster(memory[3], row.destination, layout.destination, 0, 1, outHeight(), aligned, false, random);
     } else {
         out = some(3, row.destination, layout.destination, channelOf(layout.destination));
     }
@@ -242,7 +276,19 @@ testing::AssertionResult hold(const Trial &trial, const Formula &formula)
                            trial.form.window,
                            trial.divisor,
                            block(0, row.scratchBytes(trial.form.width, trial.form.window)),
-                           block(1, row.sumsBytes(trial.form.width, trial.form.window))};
+                           block(1, row.sumsBytes(trial.form.width, trial.form.window)),
+                           {},
+                           {},
+                           {},
+                           trial.low,
+                           trial.high};
+    for (std::size_t i = 0; i < 4; ++i) {
+        arguments.levels[i] = trial.levels[i].data();
+        arguments.steps[i] = trial.steps[i].data();
+        arguments.levelCounts[i] = static_cast<int>(trial.levels[i].size());
+    }
+    if (row.takes(LEVEL))
+        arguments.value = trial.level;
     if (row.takes(CONSTANT) && !row.source.isFloat())
         arguments.value = static_cast<int>(static_cast<std::int64_t>(trial.constants[0])) ^ trial.valueBits;
 

@@ -57,9 +57,11 @@ struct Trial {
     std::vector<double> coefficients;     // of the window
     int valueBits = 0;                    // above the sample, in a constant by value
     int mode = 0, divisor = 1;
+    std::vector<int> levels[4], steps[4]; // of each channel
+    int level = 0, low = 0, high = 0;
 
-    int outWidth() const { return row.takes(EXTREMES) ? 1 : form.width; }
-    int outHeight() const { return row.takes(EXTREMES) ? 2 : form.height; }
+    int outWidth() const { return row.takes(RESULTS) ? 1 : form.width; }
+    int outHeight() const; // results have a row each
     // The sample of the first source at the place of a destination's sample.
     int firstX(int x) const { return x / row.layout.destination * row.layout.source + x % row.layout.destination; }
     double firstAt(int x, int y) const { return first.get(firstX(x), y); }
@@ -80,8 +82,8 @@ using Formula = std::function<double(const Trial &trial, int x, int y)>;
 // be exchanged or kept in wider registers, which shows in the payload.
 testing::AssertionResult hold(const Trial &trial, const Formula &formula);
 
-// The formula of a row's operation; none for the test pattern.
-Formula formulaOf(const Row &row);
+// The formula of a row's operation; none for the test pattern, and for sums of floats that depend on their order.
+Formula formulaOf(const Row &row, bool sumsAreExact = false);
 
 // Numbers that show faults: all bytes; of wider integers powers of two, halves between two of them and what is beside
 // those, and some of all magnitudes; of floats ties, limits of the integers, infinities and not-a-numbers.
