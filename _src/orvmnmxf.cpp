@@ -76,8 +76,7 @@ extern "C" OrvStatus orvMinMaxFP(const OrvImage *srcImage, float *min, float *ma
         call.refuses(min == nullptr || max == nullptr, ORV_STATUS_BAD_ARGUMENT, "((min == 0)||(max == 0))") ||
         call.refuses(srcImage->depth != ORV_DEPTH_32F, ORV_STATUS_BAD_ARGUMENT, "(srcImage->depth != 32)"))
         return call.reportAs(ORV_STATUS_BAD_ARGUMENT);
-    // The only channel is an alpha channel.
-    if (srcImage->alphaChannel != 0 && srcImage->nChannels == 1 && !hasCoi(*srcImage))
+    if (onlyAlpha(*srcImage))
         return ORV_STATUS_OK;
     if (call.refuses(anyTiled(srcImage), ORV_STATUS_NOT_IMPLEMENTED, "")) {
         call.report();

@@ -76,11 +76,14 @@ set(ORV_FRAME_WINDOW_SOURCES
 # One unit a family, and what the units of related families share.
 set(ORV_FRONT_SOURCES
   _src/filter/coefficients.cpp
+  _src/hist/level_counts.cpp
+  _src/hist/lookup_tables.cpp
   _src/morph/morphology.cpp
   _src/orvBlur.cpp
   _src/orvCSep2.cpp
   _src/orvClone.cpp
   _src/orvGetPx.cpp
+  _src/orvNorm.cpp
   _src/orvPutPx.cpp
   _src/orvabs.cpp
   _src/orvadd.cpp
@@ -96,6 +99,7 @@ set(ORV_FRONT_SOURCES
   _src/orvdilat.cpp
   _src/orverode.cpp
   _src/orvgenim.cpp
+  _src/orvhist.cpp
   _src/orvlshs.cpp
   _src/orvmirr.cpp
   _src/orvmnmxf.cpp
@@ -112,6 +116,7 @@ set(ORV_FRONT_SOURCES
   _src/orvsub.cpp
   _src/orvsubs.cpp
   _src/orvsubsf.cpp
+  _src/orvthres.cpp
   _src/orvxor.cpp)
 
 # orv_room(name SOURCES ... INCLUDES ...): the objects of one room, position-independent and hidden.

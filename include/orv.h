@@ -1192,6 +1192,132 @@ ORV_API int32_t krnClassify(void);
 ORV_API int32_t krnCpuCode(void);
 /** @} */
 
+/** @defgroup histograms Histograms, look-up tables and thresholds
+ *  Functions that look at the level of each sample.
+ *
+ *  orvComputeHisto(), orvContrastStretch() and orvHistoEqualize() share these rules. Depth 8U. Pixel and plane order,
+ * 1, 3 and 4 channels (any number in plane order), rectangles, channels of interest and masks. They take an array of
+ *  pointers to records, one a channel, of which channel c, counted from 0, uses `lut[c]`:
+ *  - with a `coi`, `lut[coi - 1]` alone;
+ *  - of four channels with a non-zero `alphaChannel` and without a `roi`, `lut[0]` to `lut[2]`;
+ *  - otherwise one for each of `nChannels`. An alpha channel of a header with a `roi` needs a valid record too, though
+ * it is neither counted nor changed.
+ *
+ *  The records follow the source. A channel of the destination without a record is copied. Records may share arrays,
+ * and may be the same; the library stays within them, but their counts are then unspecified.
+ *
+ *  The first checks report a failure and let the call go on. Then a negative stored status ends it, **also one of an
+ *  earlier call**: clear it by orvSetErrStatus() first. Statuses, in this order:
+ *  - the header status, which ends the call at once;
+ *  - #ORV_STATUS_BAD_ARGUMENT for a null `lut`, and for a signed or float depth; for orvContrastStretch() also for any
+ *    depth but 8U;
+ *  - the stored status, if it is negative, without a report;
+ *  - #ORV_STATUS_BAD_ARGUMENT if depths or data orders differ, #ORV_STATUS_BAD_CHANNELS if the numbers of channels to
+ *    process differ;
+ *  - depth 1U or 16U, for orvComputeHisto() and orvHistoEqualize(): no failure. Nothing is done, and the result is the
+ *    first channel to process, counted from 0;
+ *  - record by record, #ORV_STATUS_BAD_ARGUMENT for less than two keys, a negative first key, a key above the next one,
+ *    or a last key above 256; #ORV_STATUS_NULL_POINTER for a null record or `key`;
+ *  - #ORV_STATUS_NOT_IMPLEMENTED for a tiled image;
+ *  - #ORV_STATUS_NULL_POINTER for a null `value`, or a null `factor` that would be read;
+ *  - #ORV_STATUS_NO_MEMORY.
+ *
+ *  If the common width or height is 0 and no memory is needed, the result is -6. It is neither stored nor reported.
+ *
+ *  A histogram of quarters, for an image of one channel:
+ *  @code
+ *  int32_t keys[] = {0, 64, 128, 192, 256}, counts[4];
+ *  OrvLUT quarters = {5, keys, counts, NULL, 0}, *records[] = {&quarters};
+ *  OrvStatus status = orvComputeHisto(image, records);
+ *  @endcode
+ *  @{ */
+
+/** Intervals of levels, and a number for each of them. The application owns the record and its arrays. */
+typedef struct OrvLUT {
+    int32_t num;             /**< Number of keys, at least 2. There is one interval less. */
+    int32_t *key;            /**< Bounds, from 0 to 256, not descending: interval i has the levels from `key[i]` to
+                                  `key[i + 1]` - 1. */
+    int32_t *value;          /**< One for each interval: a count, or an output level. */
+    int32_t *factor;         /**< One for each interval: output levels per level. Only orvContrastStretch() reads it, if
+                                  `interpolateType` is not 0. */
+    int32_t interpolateType; /**< Whether orvContrastStretch() interpolates in the intervals: 0 for no. */
+} OrvLUT;
+
+/**
+ * Counts the samples of each interval: `value[i]` becomes the number of samples of the channel in interval i. Samples
+ * outside all intervals are not counted. Under a mask, selected pixels are counted. Counts wrap around at 32 bits.
+ *
+ * One case differs: if `key[0]` and `key[1]` are both 0 and there is a mask, `value[0]` is minus the number of pixels
+ * that are not selected, which the first interval with level 0 counts.
+ * @param srcImage  the image, which is only read
+ * @param lut       records, of which `value` is written
+ * @return          0 or a status, see above
+ */
+ORV_API OrvStatus orvComputeHisto(const OrvImage *srcImage, OrvLUT *const *lut);
+
+/**
+ * Maps the levels of each channel through a table: a level x of interval i becomes
+ * - (`value[i]` + (x - `key[i]`) * `factor[i]`) modulo 256 if `interpolateType` is not 0,
+ * - `value[i]` modulo 256 otherwise.
+ *
+ * Levels outside all intervals stay. Level 255 stays in any case. Where two keys are equal, the intervals from the
+ * second one on are not reached: the interval before them goes on to the end. In place or not.
+ * @param srcImage  source
+ * @param dstImage  destination
+ * @param lut       records, which are only read
+ * @return          0 or a status, see above
+ */
+ORV_API OrvStatus orvContrastStretch(const OrvImage *srcImage, OrvImage *dstImage, OrvLUT *const *lut);
+
+/**
+ * Equalises each channel by the counts in its record, which orvComputeHisto() makes, and counts the result. The count
+ * of an interval is shared by its levels; the last one gets the remainder too. With S(x) as the sum of the counts of
+ * the levels up to x, a level x becomes S(x) * 255 / S(255), truncated, but level 255 stays. In place or not.
+ *
+ * Sums and the product have 32 bits and wrap around: an image of more than about 8.4 million pixels is not equalised
+ * well. Results beyond 0 to 255 saturate. If all counts are 0, all levels but 255 become 0.
+ *
+ * On return, `value` has the counts of the result over the same keys. Under a mask, the results of all pixels of the
+ * rectangle are counted, also of those that are not written; if `key[0]` is 0, `value[0]` is lowered by the number of
+ * pixels that are not selected.
+ * @param srcImage  source
+ * @param dstImage  destination
+ * @param lut       records, of which `value` is read and written
+ * @return          0 or a status, see above. After a failure neither the destination nor a record has changed.
+ */
+ORV_API OrvStatus orvHistoEqualize(const OrvImage *srcImage, OrvImage *dstImage, OrvLUT *const *lut);
+
+/**
+ * Makes an image of two levels: dst = src < `Threshold` ? low : high, where low and high are the lowest and the highest
+ * sample of the destination's depth. From 8U to 8U, 8S, 16U, 16S and 32S; from 16S to 16S, 8U and 16U. Two pairs of
+ * depths differ:
+ * - 8U to 8S: with a `Threshold` above 127, samples from 127 to `Threshold` - 1 keep their byte;
+ * - 16S to 16U: samples from -1 to `Threshold` - 1 keep their bits, so only those below -1 become 0.
+ *
+ * Pixel and plane order, 1, 3 and 4 channels, rectangles, channels of interest and masks. In place if the depths are
+ * equal. The data orders may differ as they may for orvMirror().
+ *
+ * Statuses, in this order:
+ * - the header status;
+ * - #ORV_STATUS_BAD_ARGUMENT for a source or a destination of depth 32F, a source of depth 1U, different data orders if
+ *   both images have several channels, and different origins;
+ * - #ORV_STATUS_BAD_CHANNELS if the numbers of channels to process differ;
+ * - #ORV_STATUS_BAD_ARGUMENT for a mask whose origin is not that of its image, and for a `Threshold` outside the range
+ *   of the source's depth;
+ * - #ORV_STATUS_NOT_IMPLEMENTED for a tiled image, or a source of depth 8S, 16U or 32S;
+ * - #ORV_STATUS_NO_MEMORY.
+ *
+ * If the only channel of an image is an alpha channel and it has no `coi`, nothing is done, and the result is
+ * `Threshold`; the tests for tiles and for the depths that are not served come later. Another depth of the destination
+ * is no failure: nothing is written, and the result is 0.
+ * @param srcImage   source
+ * @param dstImage   destination
+ * @param Threshold  the lowest sample that becomes high
+ * @return           0 or the reported status
+ */
+ORV_API OrvStatus orvThreshold(const OrvImage *srcImage, OrvImage *dstImage, int32_t Threshold);
+/** @} */
+
 /** @defgroup measures Measures
  *  Functions that only read an image.
  *  @{ */
@@ -1231,6 +1357,70 @@ ORV_API int32_t krnCpuCode(void);
  *                  exhausted memory what the report handler returns
  */
 ORV_API OrvStatus orvMinMaxFP(const OrvImage *srcImage, float *min, float *max);
+
+/** Types of orvNorm(). */
+enum {
+    ORV_NORM_INF = 1,          /**< The largest magnitude. */
+    ORV_NORM_L1 = 2,           /**< The sum of magnitudes. */
+    ORV_NORM_L2 = 4,           /**< The square root of the sum of squares. */
+    ORV_NORM_RELATIVE = 8,     /**< Added to one of these: divided by the norm of the second image. */
+    ORV_NORM_RELATIVE_INF = 9, /**< #ORV_NORM_RELATIVE + #ORV_NORM_INF. */
+    ORV_NORM_RELATIVE_L1 = 10, /**< #ORV_NORM_RELATIVE + #ORV_NORM_L1. */
+    ORV_NORM_RELATIVE_L2 = 12  /**< #ORV_NORM_RELATIVE + #ORV_NORM_L2. */
+};
+
+/**
+ * Measures an image, or the difference of two. With a and b as the samples of the common rectangle:
+ *
+ * | `normType`             | without `srcImageB` | with `srcImageB`                      |
+ * |------------------------|---------------------|---------------------------------------|
+ * | #ORV_NORM_INF          | max abs(a)          | max abs(a - b)                        |
+ * | #ORV_NORM_L1           | sum of abs(a)       | sum of abs(a - b)                     |
+ * | #ORV_NORM_L2           | sqrt(sum of a^2)    | sqrt(sum of (a - b)^2)                |
+ * | #ORV_NORM_RELATIVE_INF | not allowed         | max abs(a - b) / max abs(b)           |
+ * | #ORV_NORM_RELATIVE_L1  | not allowed         | sum of abs(a - b) / sum of abs(b)     |
+ * | #ORV_NORM_RELATIVE_L2  | not allowed         | sqrt(sum of (a - b)^2 / sum of b^2)   |
+ *
+ * Depths 8U, 16S and 32F. Pixel order with 1, 3 and 4 channels, or any number and a `coi`; plane order with any number.
+ * Rectangles. Only pixels count that the masks select. Of four channels, the alpha channel of `srcImageA` does not
+ * count. A call with another number of channels in pixel order returns 0.
+ *
+ * **Channels** are measured one by one. The norm of all is the largest, the sum, or the square root of the sum of
+ * squares. A relative norm of several channels in pixel order is the quotient of the norms of all channels, without a
+ * guard: 0 / 0 gives a not-a-number. In plane order it is made of the relative norms of the channels.
+ *
+ * **Denominators** of one channel are guarded: if the largest b is 0, or the sum of squares is at most
+ * 2.2250738585072014e-308, the numerator's norm is the result. A sum of 0 is not guarded.
+ *
+ * **Exactness.** Sums are double and the same on all builds, to the last bit. Sums of 8U, and sums of magnitudes of
+ * 16S, are exact. So are sums of squares of 16S up to 2^53; beyond it each row, or each 32768 pixels of a longer row,
+ * is summed exactly and then added. Differences of 32F are rounded to floats, as orvSubtract() rounds them, and their
+ * squares are exact. The relative error of sums of 32F is below (w / 16 + h + 8) * 2^-53 for w x h pixels, with w at
+ * most 32768 for each row. Not-a-numbers do not count in maxima; sums with one are not-a-number.
+ *
+ * Statuses, in this order. Those marked * end the call at once. After the others it goes on to further checks if a
+ * report handler has set a status that is not negative, but measures nothing.
+ * - the header status of `srcImageA` *;
+ * - #ORV_STATUS_BAD_ORDER if the data orders differ;
+ * - the header status of `srcImageB` *, then #ORV_STATUS_BAD_ARGUMENT *, if the depths differ;
+ * - #ORV_STATUS_BAD_ARGUMENT for an unknown `normType`, and for a relative one without `srcImageB`;
+ * - the header status of `srcImageB` *;
+ * - #ORV_STATUS_BAD_CHANNELS if the numbers of channels differ;
+ * - #ORV_STATUS_BAD_COI for a `coi` of one image only;
+ * - #ORV_STATUS_NOT_IMPLEMENTED for a tiled image or any other depth;
+ * - #ORV_STATUS_NO_MEMORY.
+ *
+ * @code
+ * orvSetErrStatus(ORV_STATUS_OK);
+ * double difference = orvNorm(before, after, ORV_NORM_L2);
+ * if (orvGetErrStatus() == ORV_STATUS_OK) printf("%g\n", difference);
+ * @endcode
+ * @param srcImageA  the image
+ * @param srcImageB  the second image, or null
+ * @param normType   an `ORV_NORM_...` value
+ * @return           the norm. After a failure 0, which a norm may be too: orvGetErrStatus() tells.
+ */
+ORV_API double orvNorm(const OrvImage *srcImageA, const OrvImage *srcImageB, int32_t normType);
 /** @} */
 
 #ifdef __cplusplus

@@ -1,4 +1,4 @@
-// What the filters with a window share: silent cases, the call of the frame, the shape that kernels ask for.
+// What the filters with a window share: the call of the frame, the shape that kernels ask for.
 #pragma once
 
 #include <cstdint>
@@ -11,12 +11,6 @@
 #include "window.h"
 
 namespace orv {
-
-// An image whose only channel is its alpha channel. Filters leave it alone in silence.
-inline bool onlyAlpha(const OrvImage &image)
-{
-    return image.nChannels == 1 && image.alphaChannel != 0 && !hasCoi(image);
-}
 
 // Sides and anchor as the application gave them.
 inline Refusal checkWindow(const Window &window)

@@ -188,20 +188,24 @@ Call Sweep::call(std::int32_t depth, std::int32_t order, const Channels &source,
     for (int i = 0; i <= operation_.sources; ++i) {
         const bool isDestination = i == operation_.sources;
         const Channels channels = isDestination ? destination : i == 0 ? source : anyChannels(destination, depth);
-        Form form = formFor(depth, orderOf(i, order, source, destination), channels);
+        const std::int32_t ownDepth = operation_.depthOf(i, depth);
+        Form form = formFor(ownDepth, orderOf(i, order, source, destination), channels);
         form.origin = operation_.originsAgree ? origin : random_.between(0, 1);
         if (operation_.walksWholeSamples(depth))
             form.stepInWholeSamples();
         std::shared_ptr<TestImage> image;
-        if (isDestination && i > 0 && random_.once(3)) {
+        if (isDestination && i > 0 && ownDepth == depth && random_.once(3)) {
             const auto &other = call.images[static_cast<std::size_t>(random_.between(0, i - 1))];
             if (other->form.channels == channels.count)
                 image = inPlaceOf(*other, channels);
         }
         call.images.push_back(image != nullptr ? image : freshImage(form, channels.coi));
         drawBorders(call.images.back()->header, random_);
-        if ((masks & (1u << i)) != 0)
+        if ((masks & (1u << i)) != 0) {
             call.images.back()->setMask(mask());
+            if (operation_.originsAgree)
+                call.images.back()->mask()->header.origin = origin;
+        }
     }
     call.arguments = operation_.draw(depth, random_);
     return call;
@@ -244,7 +248,7 @@ Call Sweep::callAcross(const Bytes &content)
         const Channels channels = i == operation_.sources ? destination
                                   : i == 0                ? source
                                                           : anyChannels(destination, depth);
-        const auto image = across({.depth = depth,
+        const auto image = across({.depth = operation_.depthOf(i, depth),
                                    .channels = channels.count,
                                    .alpha = channels.alpha,
                                    .order = orderOf(i, order, source, destination)});
@@ -252,6 +256,8 @@ Call Sweep::callAcross(const Bytes &content)
         drawBorders(image->header, random_);
         if (random_.once(2))
             image->setMask(random_.once(2) ? across({.depth = ORV_DEPTH_1U}) : randomMask(20, 600, random_));
+        if (image->mask() != nullptr && operation_.originsAgree)
+            image->mask()->header.origin = image->form.origin;
         call.images.push_back(image);
     }
     call.arguments = operation_.draw(depth, random_);
@@ -359,6 +365,7 @@ protected:
         for (int i = 0; i <= operation_.sources; ++i) {
             const Channels &channels = i < operation_.sources ? source : destination;
             Form form = shared;
+            form.depth = operation_.depthOf(i, shared.depth);
             form.channels = channels.count;
             form.alpha = channels.alpha;
             const auto image = across ? std::make_shared<TestImage>(form, memory, static_cast<std::size_t>(4 * i))
@@ -366,6 +373,8 @@ protected:
             setRandomRectangle(*image, Rectangles::None, channels.coi, random);
             if ((masks & (1u << i)) != 0)
                 image->setMask(randomMask(form.width, form.height, random));
+            if (image->mask() != nullptr)
+                image->mask()->header.origin = form.origin;
             call.images.push_back(image);
         }
         call.arguments = operation_.draw(shared.depth, random);

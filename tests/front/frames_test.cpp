@@ -296,7 +296,7 @@ TEST(Frames, MeasureWhatIsSelected)
                            .height = random.between(1, 500),
                            .extraStep = random.between(0, 3)};
         TestImage a(form, random), b(form, random);
-        const bool two = random.once(2), masked = random.once(2);
+        const bool two = random.once(2), masked = random.once(2), zeroed = random.once(2);
         a.setWholeRectangle(coi);
         b.setWholeRectangle(coi);
         if (masked)
@@ -309,7 +309,7 @@ TEST(Frames, MeasureWhatIsSelected)
             const std::int32_t samples = orv::samplesPerPixel(work.layout);
             for (std::int32_t y = 0; y < work.size.height; ++y)
                 for (std::int32_t x = 0; x < work.size.width * samples; ++x) {
-                    if (work.mask.data != nullptr && work.mask.fromRow(y).data[x / samples] == 0)
+                    if (!zeroed && work.mask.data != nullptr && work.mask.fromRow(y).data[x / samples] == 0)
                         continue;
                     if (work.layout == orv::Layout::AC4 && x % 4 == 3)
                         continue;
@@ -322,7 +322,8 @@ TEST(Frames, MeasureWhatIsSelected)
         ASSERT_EQ(orv::runMeasure({.image = &a.header,
                                    .other = two ? &b.header : nullptr,
                                    .size = {form.width, form.height},
-                                   .masked = masked},
+                                   .masks = {a.header.maskROI, two ? b.header.maskROI : nullptr},
+                                   .unselected = zeroed ? orv::Unselected::Zeroed : orv::Unselected::AsTheyAre},
                                   {.run = add}),
                   ORV_STATUS_OK);
         for (std::int32_t channel = 0; channel < channels; ++channel) {

@@ -16,6 +16,7 @@ std::vector<Operation> scalarArithmetic();
 std::vector<Operation> logicAndShifts();
 std::vector<Operation> convolutions();
 std::vector<Operation> filters();
+std::vector<Operation> levels();
 
 // The arguments of an operation pixel by pixel, beside its images.
 struct Constant {

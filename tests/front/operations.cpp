@@ -81,7 +81,7 @@ const std::vector<Operation> &operations()
     static const std::vector<Operation> all = [] {
         std::vector<Operation> list;
         for (const auto &part :
-             {copies(), imageArithmetic(), scalarArithmetic(), logicAndShifts(), convolutions(), filters()})
+             {copies(), imageArithmetic(), scalarArithmetic(), logicAndShifts(), convolutions(), filters(), levels()})
             list.insert(list.end(), part.begin(), part.end());
         return list;
     }();

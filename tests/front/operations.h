@@ -28,6 +28,7 @@ enum class Fault {
     Order,      // likewise
     Channels,   // three of them, where the rest have four
     Alpha,      // the last channel an alpha channel, where the rest have none
+    MaskOrigin, // a mask of another origin than its image
     MaskAlpha,  // all images of depth 1U, one of them with an alpha channel
     Coi,        // a rectangle with the first channel as that of interest
     Layout,     // `value` is 10 times the number of channels, plus the alpha channel
@@ -116,6 +117,7 @@ struct Arguments {
     std::string text; // for messages
     std::function<OrvStatus(Images images)> call;
     std::function<Results(const Place &place)> model;
+    OrvStatus resultOfAlphaAlone = ORV_STATUS_OK; // see Operation::leavesAlphaAlone
 };
 
 struct Reporter {
@@ -136,7 +138,9 @@ struct Operation {
     bool traces = false;                             // a failure of the worker is traced by the operation
     const char *withoutMemory = "Not enough memory"; // null where it is returned and not reported
     bool oneResultOfRefusals = false;                // -5, whatever is reported; but for numbers of channels
-    bool originsAgree = false;
+    bool originsAgree = false;                       // of images, and of masks with their image
+    std::int32_t destinationDepth = 0;               // where it is not that of the sources
+    OrvStatus resultOfNothing = ORV_STATUS_OK;       // where no pixel is common, neither stored nor reported
     Orders orders = Orders::Agree;
     bool orderFreeAtDepth1U = false;
     Agreement channels = Agreement::All;
@@ -151,6 +155,10 @@ struct Operation {
     bool leavesAlphaAlone = false; // does nothing, in silence, where the only channel of an image is its alpha channel
     bool alphaOfSource = false;    // which alone says, in pixel order, whether a fourth channel is left alone
 
+    std::int32_t depthOf(int image, std::int32_t depth) const
+    {
+        return image == sources && destinationDepth != 0 ? destinationDepth : depth;
+    }
     bool walksWholeSamples(std::int32_t depth) const
     {
         return std::find(wholeSamples.begin(), wholeSamples.end(), depth) != wholeSamples.end();

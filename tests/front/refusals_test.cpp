@@ -58,6 +58,13 @@ private:
                 header->alphaChannel = header->alphaChannel != 0 ? 1 : 0;
             }
             break;
+        case Fault::MaskOrigin: {
+            OrvImage &mask = masks_[refusal.image];
+            mask = mask_->header;
+            mask.origin = 1 - header->origin;
+            header->maskROI = &mask;
+            break;
+        }
         case Fault::MaskAlpha:
             for (OrvImage *one : headers_)
                 if (one != nullptr) {
@@ -111,6 +118,7 @@ private:
     std::vector<std::shared_ptr<TestImage>> images_;
     std::vector<OrvImage *> headers_;
     std::shared_ptr<TestImage> mask_;
+    OrvImage masks_[4];
     std::uint32_t faultsOfArguments_ = 0;
 };
 

@@ -64,6 +64,13 @@ SAME_AT(OrvConvKernelFP, anchorX, 8, 8);
 SAME_AT(OrvConvKernelFP, anchorY, 12, 12);
 SAME_AT(OrvConvKernelFP, values, 16, 16);
 
+SAME_SIZE(OrvLUT, 20, 40);
+SAME_AT(OrvLUT, num, 0, 0);
+SAME_AT(OrvLUT, key, 4, 8);
+SAME_AT(OrvLUT, value, 8, 16);
+SAME_AT(OrvLUT, factor, 12, 24);
+SAME_AT(OrvLUT, interpolateType, 16, 32);
+
 SAME_SIZE(OrvLibVersion, 32, 56);
 SAME_AT(OrvLibVersion, major, 0, 0);
 SAME_AT(OrvLibVersion, minor, 4, 4);

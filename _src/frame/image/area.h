@@ -54,6 +54,12 @@ inline std::int32_t firstChannel(const OrvImage &image)
     return hasCoi(image) ? image.roi->coi - 1 : 0;
 }
 
+// An image whose only channel is its alpha channel. Many operations leave it alone in silence.
+inline bool onlyAlpha(const OrvImage &image)
+{
+    return image.nChannels == 1 && image.alphaChannel != 0 && !hasCoi(image);
+}
+
 // The image's rectangle clipped to the image. False, and `size` as it was, for a rectangle with a side below 1.
 bool roiSize(const OrvImage &image, Size &size);
 

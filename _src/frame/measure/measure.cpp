@@ -5,6 +5,7 @@
 
 #include "cache_sizes.h"
 #include "call_images.h"
+#include "channel_kernels.h"
 #include "delivery.h"
 #include "operand.h"
 #include "scratch.h"
@@ -26,8 +27,6 @@ public:
     KrnStatus run();
 
 private:
-    static constexpr std::size_t mostOperands = 2;
-
     std::size_t count() const { return images_.count(); }
     const OrvImage &image(std::size_t index) const { return index == 0 ? *call_.image : *call_.other; }
     bool gathers(std::size_t index) const
@@ -40,20 +39,22 @@ private:
     {
         return loop_.scratchBytes ? loop_.scratchBytes({.layout = layout_, .size = {call_.size.width, rows}}) : 0;
     }
+    bool zeroes() const { return masks_.any() && call_.unselected == Unselected::Zeroed; }
     bool takeScratch();
+    KrnStatus zeroUnselected(std::size_t index, Size strip, ConstRaster mask, ConstRaster &source) const;
     KrnStatus runStrip(std::int32_t row, Size strip, std::int32_t plane, ConstRaster mask);
 
     const MeasureCall &call_;
     const Loop &loop_;
     const CallImages images_;
-    Operand operands_[mostOperands] = {};
+    Operand operands_[mostMeasured] = {};
     Masks masks_;
     std::int32_t planes_ = 1;
     Layout layout_ = Layout::C1;
 
     Scratch scratch_;
     StripBuffers buffers_;
-    StripBuffer channelBuffers_[mostOperands];
+    StripBuffer channelBuffers_[mostMeasured], zeroedBuffers_[mostMeasured];
     std::int32_t stripRows_ = 1;
 };
 
@@ -67,8 +68,6 @@ bool StripReader::resolveImages()
         if (operand.interleaved && !gathers(i))
             operand.start.raster =
                 operand.start.raster.fromByte(-std::int64_t{firstChannel(image(i))} * operand.sampleBytes);
-        if (call_.masked)
-            masks_.add(image(i).maskROI);
     }
     const std::int32_t channels = operands_[0].start.channels;
     if (planes)
@@ -83,9 +82,13 @@ bool StripReader::resolveImages()
 bool StripReader::takeScratch()
 {
     const Size size = call_.size;
-    for (std::size_t i = 0; i < count(); ++i)
+    for (std::size_t i = 0; i < count(); ++i) {
+        const std::int64_t bytes = std::int64_t{size.width} * operands_[i].sampleBytes;
         if (gathers(i))
-            channelBuffers_[i] = buffers_.add(std::int64_t{size.width} * operands_[i].sampleBytes);
+            channelBuffers_[i] = buffers_.add(bytes);
+        if (zeroes())
+            zeroedBuffers_[i] = buffers_.add(bytes * samplesPerPixel(layout_));
+    }
     masks_.plan(buffers_, size.width, false);
     stripRows_ = size.height;
     if (const std::int64_t rowBytes = buffers_.rowBytes + loopBytes(1); rowBytes > 0)
@@ -94,31 +97,56 @@ bool StripReader::takeScratch()
     return bytes == 0 || scratch_.take(bytes);
 }
 
+// Copies the pixels that the mask selects among zeros.
+KrnStatus StripReader::zeroUnselected(std::size_t index, Size strip, ConstRaster mask, ConstRaster &source) const
+{
+    const ChannelKernels &kernels = channelKernels(operands_[index].sampleBytes);
+    const Raster zeroed = zeroedBuffers_[index].in(scratch_, stripRows_);
+    KrnStatus status =
+        kernels.fillC1(0, zeroed.data, zeroed.step, strip.width * samplesPerPixel(layout_), strip.height);
+    if (status == KRN_OK)
+        status = kernels.copyMasked[withAllSamples(layout_)](source.data, source.step, zeroed.data, zeroed.step,
+                                                             strip.width, strip.height, mask.data, mask.step);
+    source = zeroed;
+    return status;
+}
+
 KrnStatus StripReader::runStrip(std::int32_t row, Size strip, std::int32_t plane, ConstRaster mask)
 {
-    ConstRaster sources[mostOperands];
+    ConstRaster sources[mostMeasured];
     for (std::size_t i = 0; i < count(); ++i) {
         const Raster pixels = operands_[i].at(row, plane);
         sources[i] = pixels;
-        if (!gathers(i))
-            continue;
-        const Raster channel = channelBuffers_[i].in(scratch_, stripRows_);
-        if (const KrnStatus status = gather(operands_[i], pixels, channel, strip); status != KRN_OK)
+        KrnStatus status = KRN_OK;
+        if (gathers(i)) {
+            const Raster channel = channelBuffers_[i].in(scratch_, stripRows_);
+            status = gather(operands_[i], pixels, channel, strip);
+            sources[i] = channel;
+        }
+        if (status == KRN_OK && zeroes())
+            status = zeroUnselected(i, strip, mask, sources[i]);
+        if (status != KRN_OK)
             return status;
-        sources[i] = channel;
     }
     return loop_.run({.layout = layout_,
                       .channel = firstChannel(*call_.image) + plane,
                       .size = strip,
                       .sources = sources,
                       .mask = mask,
+                      .rowsAbove = row,
+                      .rowsBelow = call_.size.height - row - strip.height,
                       .scratch = scratch_.data() + buffers_.rowBytes * stripRows_});
 }
 
 KrnStatus StripReader::run()
 {
     const Size size = call_.size;
-    if (size.empty() || !resolveImages())
+    for (const OrvImage *mask : call_.masks)
+        masks_.add(mask);
+    const bool oneOfPixels = !images_.inPlanes() && hasCoi(*call_.image) && call_.selected == Selected::Gathered;
+    if (size.empty())
+        return masks_.any() || (oneOfPixels && size.height < 1) ? KRN_NO_MEMORY : KRN_OK;
+    if (!resolveImages())
         return KRN_OK;
     if (!takeScratch())
         return KRN_NO_MEMORY;
