@@ -31,6 +31,7 @@ std::vector<Case> geometryCases();
 std::vector<Case> measureCases();
 std::vector<Case> neighbourhoodCases();
 std::vector<Case> filterCases();
+std::vector<Case> levelCases();
 std::vector<Case> kernelCases();
 
 } // namespace bench

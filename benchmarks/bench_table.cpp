@@ -167,8 +167,9 @@ void registerCase(const Case &item)
 std::vector<Case> allCases()
 {
     std::vector<Case> cases = bench::copyingCases();
-    for (const std::vector<Case> &more : {bench::arithmeticCases(), bench::geometryCases(), bench::measureCases(),
-                                          bench::neighbourhoodCases(), bench::filterCases(), bench::kernelCases()})
+    for (const std::vector<Case> &more :
+         {bench::arithmeticCases(), bench::geometryCases(), bench::measureCases(), bench::neighbourhoodCases(),
+          bench::filterCases(), bench::levelCases(), bench::kernelCases()})
         cases.insert(cases.end(), more.begin(), more.end());
     return cases;
 }

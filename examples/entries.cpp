@@ -8,8 +8,9 @@ namespace sheet {
 std::span<const Family> families()
 {
     static const Family all[] = {
-        photographFamily(), copyFamily(),          fillFamily(),   magnitudeFamily(), arithmeticFamily(), logicFamily(),
-        geometryFamily(),   neighbourhoodFamily(), filterFamily(), measureFamily(),   patternFamily(),
+        photographFamily(), copyFamily(),  fillFamily(),     magnitudeFamily(),
+        arithmeticFamily(), logicFamily(), geometryFamily(), neighbourhoodFamily(),
+        filterFamily(),     levelFamily(), measureFamily(),  patternFamily(),
     };
     return all;
 }

@@ -12,6 +12,7 @@ Family magnitudeFamily();
 Family arithmeticFamily();
 Family logicFamily();
 Family geometryFamily();
+Family levelFamily();
 Family measureFamily();
 Family neighbourhoodFamily();
 Family filterFamily();

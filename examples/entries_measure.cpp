@@ -19,9 +19,25 @@ Picture foundRange(const Photograph &photograph)
     return {shown(*floats, {gain, -gain * min, ""}), describe(*floats), time, found};
 }
 
+// How far a blurred photograph is from the original.
+Picture norms(const Photograph &photograph)
+{
+    const Image blurred = owned(orvCloneImage(photograph.grey.get()));
+    check(orvBlur(photograph.grey.get(), blurred.get(), 9, 9, 4, 4));
+    const auto norm = [&](std::int32_t type) { return orvNorm(blurred.get(), photograph.grey.get(), type); };
+    const double time = bestTime([&] { norm(ORV_NORM_L2); });
+    char found[160];
+    std::snprintf(found, sizeof found,
+                  "the difference: at most %.0f, in all %.0f, Euclidean %.1f; relative: %.3f, %.3f and %.3f",
+                  norm(ORV_NORM_INF), norm(ORV_NORM_L1), norm(ORV_NORM_L2), norm(ORV_NORM_RELATIVE_INF),
+                  norm(ORV_NORM_RELATIVE_L1), norm(ORV_NORM_RELATIVE_L2));
+    return {sideBySide(*photograph.grey, *blurred), describe(*blurred), time, found};
+}
+
 constexpr Entry table[] = {
     {"min-max", "orvMinMaxFP", "Floats of an unusual range, shown from the smallest sample to the largest.", false, 0,
      foundRange},
+    {"norms", "orvNorm", "A photograph, its mean of 9 × 9, and how far they are apart.", false, 1, norms},
 };
 
 } // namespace
