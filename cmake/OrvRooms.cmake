@@ -39,6 +39,8 @@ set(ORV_KERNEL_SOURCES
   kernels/filter/fixed_floats.cpp
   kernels/filter/median.cpp
   kernels/geometry/mirror.cpp
+  kernels/geometry/resize.cpp
+  kernels/geometry/resize_box.cpp
   kernels/hist/histogram.cpp
   kernels/hist/scale.cpp
   kernels/hist/table.cpp
@@ -78,6 +80,8 @@ set(ORV_FRONT_SOURCES
   _src/filter/coefficients.cpp
   _src/hist/level_counts.cpp
   _src/hist/lookup_tables.cpp
+  _src/geometry/resize_loops.cpp
+  _src/geometry/resize_tables.cpp
   _src/morph/morphology.cpp
   _src/orvBlur.cpp
   _src/orvCSep2.cpp
@@ -110,6 +114,7 @@ set(ORV_FRONT_SOURCES
   _src/orvnlf_fixed.cpp
   _src/orvopen.cpp
   _src/orvor.cpp
+  _src/orvresiz.cpp
   _src/orvrshs.cpp
   _src/orvsce.cpp
   _src/orvsqr.cpp

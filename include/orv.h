@@ -1138,6 +1138,63 @@ ORV_API OrvStatus orvClose(const OrvImage *srcImage, OrvImage *dstImage, int32_t
  * @param flipAxis  0, 1 or -1
  */
 ORV_API void orvMirror(const OrvImage *srcImage, OrvImage *dstImage, int32_t flipAxis);
+
+/** Methods of orvResize(). */
+enum {
+    ORV_INTERPOLATE_NEAREST = 0, /**< The nearest pixel. */
+    ORV_INTERPOLATE_LINEAR = 1,  /**< Between two pixels in each direction. */
+    ORV_INTERPOLATE_CUBIC = 2,   /**< Through four pixels in each direction. */
+    ORV_INTERPOLATE_SUPER = 3    /**< The mean of the box that a pixel covers; only to make images smaller. */
+};
+
+/**
+ * Scales the rectangle of the source by xDst / xSrc along rows and by yDst / ySrc along columns, and writes the result
+ * from the top left corner of the destination's rectangle on. With w as the width of the source's rectangle and
+ * f = xDst / xSrc, the result has n = w * f columns, truncated, but at most as many as the destination's rectangle;
+ * less than 1 counts as 1, unless w * f < 0.5, where nothing is written. Rows likewise. Further pixels of the
+ * destination stay.
+ *
+ * Depths 8U, 16U and 32F. Pixel and plane order, 1, 3 and 4 channels (any number in plane order), rectangles, channels
+ * of interest and masks. Masks, of either image, select pixels of the destination. No image is copied: a call needs
+ * tables of a row and a column of the result, and a few rows of it, or one row of the source.
+ *
+ * Column x of the result lies at the position p(x) of the source, counted from its rectangle. Steps are added up in
+ * double precision.
+ * - **Nearest**: p(x) = (x + 1/2) / f. The result is the pixel trunc(p).
+ * - **Linear**: p(x) = x * (w - 1) / (w * f - 1), so the last column of the whole result is the last one of the source.
+ *   With i = trunc(p) and t = p - i it is s(i) * (1 - t) + s(i + 1) * t. Integers take t as a multiple of 1 / 16384,
+ *   truncated, and round to nearest, ties up, after the row and again after the column. 32F is computed in floats.
+ * - **Cubic**: the same positions, and the polynomial through s(i - 1), s(i), s(i + 1) and s(i + 2), in floats
+ * (Newton's form of the interpolating polynomial). At the ends of the image the four pixels are those nearest to the
+ * end. Integers are rounded to nearest, ties up, and saturate.
+ * - **Super-sampling**: the mean of the pixels of the box from x / f to (x + 1) / f, in which pixels count by the part
+ *   that is covered. Integers are rounded to nearest, ties up; their sums are exact as long as w, h and the factors are
+ *   so small that 65535 * (xSrc / g) * (ySrc / g) < 2^52, with g as the common divisor of each fraction, and double
+ *   otherwise. Means of 32F are computed in double. If a factor is above 1, nothing is written, and that is no failure.
+ *
+ * 1e-7 is added to positions and counts before they are truncated. Linear and cubic results may depend on pixels beside
+ * the source's rectangle, but never outside the image. Images less than 4 pixels wide or high are scaled by the linear
+ * method instead of the cubic one, and less than 2 by the nearest pixel.
+ *
+ * If source and destination overlap, the call is safe and the result unspecified.
+ *
+ * Statuses, to be read by orvGetErrStatus() after the call:
+ * - the header status;
+ * - #ORV_STATUS_BAD_ARGUMENT for another method, and if depths, origins or data orders differ;
+ * - #ORV_STATUS_BAD_CHANNELS if the numbers of channels to process differ;
+ * - #ORV_STATUS_BAD_ARGUMENT for depths 8S, 16S and 32S, and for a number of a factor below 1;
+ * - #ORV_STATUS_NOT_IMPLEMENTED for a tiled image or depth 1U;
+ * - #ORV_STATUS_NO_MEMORY.
+ * @param srcImage     source
+ * @param dstImage     destination
+ * @param xDst         numerator of the factor along rows
+ * @param xSrc         its denominator
+ * @param yDst         numerator of the factor along columns
+ * @param ySrc         its denominator
+ * @param interpolate  an `ORV_INTERPOLATE_...` value
+ */
+ORV_API void orvResize(const OrvImage *srcImage, OrvImage *dstImage, int32_t xDst, int32_t xSrc, int32_t yDst,
+                       int32_t ySrc, int32_t interpolate);
 /** @} */
 
 /** @defgroup processor Choice of the build

@@ -50,7 +50,7 @@ template <class... Byte>
 inline std::int32_t testRasters(std::int32_t width, std::int32_t height, RasterOf<Byte>... rasters)
 {
     enum : std::int32_t { Ok = 0, BadSize = -6, NullPointer = -8, BadStep = -14 };
-    if ((... || (rasters.data == nullptr)))
+    if ((... || !rasters.data))
         return NullPointer;
     if (width < 1 || height < 1)
         return BadSize;

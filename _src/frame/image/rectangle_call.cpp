@@ -89,6 +89,8 @@ bool ScratchCall::planBuffers()
     const Extent written = {destination(), call_.size, planes_};
     bool strips = !masks_.overlap(written), samples = true;
     for (std::size_t i = 0; i < call_.images.sourceCount(); ++i) {
+        if (call_.freeSources)
+            continue;
         const Extent read = {operands_[i], sourceSize(i), planes_};
         strips = strips && stripsDisjoint(read, written);
         // What is gathered is read before the loop runs.
@@ -115,9 +117,9 @@ KrnStatus ScratchCall::runStrip(std::int32_t row, Size strip, std::int32_t plane
 {
     ConstRaster sources[mostSources];
     for (std::size_t i = 0; i < call_.images.sourceCount(); ++i) {
-        const Raster image = operands_[i].at(row, plane);
+        const Raster image = operands_[i].at(call_.freeSources ? 0 : row, plane);
         sources[i] = image;
-        if (!operands_[i].interleaved)
+        if (!operands_[i].interleaved || call_.freeSources)
             continue;
         const Raster channel = sourceBuffers_[i].in(scratch_, stripRows_);
         const Size size = call_.sourceSizes != nullptr ? call_.sourceSizes[i] : strip;
@@ -132,6 +134,8 @@ KrnStatus ScratchCall::runStrip(std::int32_t row, Size strip, std::int32_t plane
                  .sources = sources,
                  .destination = destination,
                  .mask = mask,
+                 .rowsAbove = row,
+                 .rowsBelow = call_.size.height - row - strip.height,
                  .scratch = scratch_.data() + buffers_.rowBytes * stripRows_};
     if (!resultBuffer_.used())
         return loop_.run(work);

@@ -15,4 +15,9 @@ OrvStatus runPlanes(const PlanesCall &call, const Loop &loop)
                                   loop));
 }
 
+OrvStatus runRows(const CallImages &images, Size size, const Loop &loop)
+{
+    return statusOf(runRectangles({.images = images, .size = size, .sourceSizes = nullptr, .freeSources = true}, loop));
+}
+
 } // namespace orv

@@ -22,4 +22,10 @@ struct PlanesCall {
 // process; the rectangles lie in their images.
 OrvStatus runPlanes(const PlanesCall &call, const Loop &loop);
 
+// Runs the loop over strips of the destination, for each plane. The loop computes any row from the whole source, of
+// which nothing is copied: it starts at its rectangle, one channel of interleaved pixels at its first sample. The masks
+// of both images select pixels of the destination.
+// 0, or ORV_STATUS_NO_MEMORY before anything is written.
+OrvStatus runRows(const CallImages &images, Size size, const Loop &loop);
+
 } // namespace orv

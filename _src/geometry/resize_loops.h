@@ -1,0 +1,68 @@
+// The loops of a resize. Each has tables and row buffers, which are taken before anything is written.
+#pragma once
+
+#include <cstdint>
+
+#include "geometry/resize_tables.h"
+#include "loop.h"
+#include "orv.h"
+
+namespace orv {
+
+// What a loop must know of a call.
+struct ResizeCall {
+    const OrvImage &source;
+    ResizeAxis x, y;
+    std::int32_t mode; // of kernels
+
+    std::int32_t pixelBytes() const
+    {
+        const bool planes = source.dataOrder == ORV_DATA_ORDER_PLANE;
+        return sampleBytes(source.depth) * (planes ? 1 : source.nChannels);
+    }
+};
+
+// The nearest pixel, or two or four of them in both directions.
+class Interpolation {
+public:
+    explicit Interpolation(const ResizeCall &call) : call_(call) {}
+
+    KrnStatus prepare(std::int32_t samplesPerPixel);
+    KrnStatus run(const Work &work);
+
+private:
+    std::int32_t taps() const { return call_.mode == KRN_NEAREST ? 0 : call_.mode == KRN_LINEAR ? 2 : 4; }
+    bool floats() const { return call_.mode == KRN_CUBIC || call_.source.depth == ORV_DEPTH_32F; }
+    KrnStatus gatherRow(const Work &work, std::int32_t row) const;
+    KrnStatus interpolateRow(const Work &work, std::int32_t sourceRow, const void *&buffer);
+    KrnStatus blendRow(const Work &work, std::int32_t row);
+
+    static constexpr std::int32_t mostTaps = 4;
+
+    const ResizeCall &call_;
+    Scratch scratch_;
+    ResizeTable columns_, rows_;
+    std::uint8_t *buffers_[mostTaps] = {};
+    std::int32_t held_[mostTaps] = {}; // the source row in each buffer, counted from the image's first; -1 for none
+};
+
+// Means of boxes.
+class BoxMeans {
+public:
+    explicit BoxMeans(const ResizeCall &call) : call_(call) {}
+
+    KrnStatus prepare(std::int32_t samplesPerPixel);
+    KrnStatus run(const Work &work);
+
+private:
+    KrnStatus addRow(const Work &work, std::int32_t sourceRow, std::int32_t weight, bool starts);
+
+    const ResizeCall &call_;
+    Scratch scratch_;
+    BoxTable columns_, rows_;
+    std::uint8_t *sums_ = nullptr, *channel_ = nullptr;
+    std::int32_t pixels_ = 0; // of a source row, up to the last box
+    bool integers_ = false;
+};
+
+} // namespace orv

@@ -1,0 +1,43 @@
+// Where the results of a resize lie among the sources, column by column and row by row.
+#pragma once
+
+#include <cstdint>
+
+#include "area.h"
+#include "kernels.h"
+#include "orv.h"
+#include "scratch.h"
+
+namespace orv {
+
+// One axis of a call.
+struct ResizeAxis {
+    std::int32_t length = 0, offset = 0, whole = 0; // of the source: its rectangle, and the image
+    std::int32_t to = 0, from = 0;                  // the factor, to over from
+    std::int32_t count = 0;                         // of results; 0 for none
+
+    double factor() const { return static_cast<double>(to) / from; }
+    // Finds how many results there are, at most as many as there is room for.
+    void findCount(std::int32_t room);
+};
+
+// Indices and weights of an axis.
+struct ResizeTable {
+    std::int32_t *indices = nullptr;
+    void *weights = nullptr;
+
+    static std::int64_t bytes(std::int32_t count) { return 4 * std::int64_t{count} * (1 + cubicFactors); }
+    KrnStatus fill(const ResizeAxis &axis, std::int32_t mode, bool floats, std::uint8_t *memory);
+};
+
+// The boxes of an axis. Where sources are `weight` units wide and boxes an integer number of them, all are integers.
+struct BoxTable {
+    std::int32_t *first = nullptr, *last = nullptr, *firstWeight = nullptr, *lastWeight = nullptr;
+    std::int32_t weight = 0, width = 0; // of a source, and of a box
+
+    static std::int64_t bytes(std::int32_t count) { return 4 * std::int64_t{count} * 4; }
+    void fill(const ResizeAxis &axis, std::uint8_t *memory);
+    double weightsOf(std::int32_t box) const;
+};
+
+} // namespace orv
