@@ -15,41 +15,203 @@ namespace {
 
 #include "norms.h"
 
-// Differences are floats. The rest is exact in doubles, but for the sums.
-inline double valueAt(std::size_t i, const unsigned char *in)
-{
-    return load<float>(in, i);
-}
-inline double valueAt(std::size_t i, const unsigned char *first, const unsigned char *second)
-{
-    return singleFloat(load<float>(first, i) - load<float>(second, i));
-}
-
-template <Norm norm> inline double termOf(double value)
-{
-    return norm == Norm::L2 ? value * value : __builtin_fabs(value);
-}
-
-// The samples of a block are dealt in turn to so many sums. Halves of these are added up until one sum a channel is
-// left. All builds do, since the order of sums decides about their last bits.
+// The samples of a block are dealt in turn to so many sums, or maxima. Those that are left at its end take the last of
+// these. All builds do the same, since the order of sums decides about their last bits.
 constexpr std::size_t lanesOf(std::size_t channels)
 {
     return channels == 3 ? 24 : 16;
 }
 
-template <Norm norm, class Sample, std::size_t channels, class... Source>
-[[gnu::noinline]] void takeBlock(double *totals, std::size_t pixels, const Source *...in)
+// Differences are floats. The rest is exact in doubles, but for the sums.
+inline float valueAt(std::size_t i, const unsigned char *in)
 {
-    constexpr std::size_t lanes = lanesOf(channels);
-    double found[lanes] = {};
-    for (std::size_t i = 0; i < pixels * channels; i += lanes)
-        for (std::size_t lane = 0; lane < lanes && i + lane < pixels * channels; ++lane)
-            found[lane] = joined<norm>(found[lane], termOf<norm>(valueAt(i + lane, in...)));
+    return load<float>(in, i);
+}
+inline float valueAt(std::size_t i, const unsigned char *first, const unsigned char *second)
+{
+    return singleFloat(load<float>(first, i) - load<float>(second, i));
+}
+
+template <Norm norm> using Found = std::conditional_t<norm == Norm::Inf, float, double>;
+
+template <Norm norm> inline Found<norm> termOf(Found<norm> value)
+{
+    if constexpr (norm == Norm::Inf)
+        return __builtin_fabsf(value);
+    else
+        return norm == Norm::L2 ? value * value : __builtin_fabs(value);
+}
+
+// Halves are added up until one sum a channel is left.
+template <Norm norm, std::size_t channels> inline void joinLanes(Found<norm> *found, std::size_t lanes)
+{
     for (std::size_t half = lanes / 2; half >= channels; half /= 2)
         for (std::size_t lane = 0; lane < half; ++lane)
             found[lane] = joined<norm>(found[lane], found[lane + half]);
+}
+
+template <Norm norm, std::size_t channels, class... Source>
+[[gnu::noinline]] void takeSamples(double *totals, std::size_t samples, const Source *...in)
+{
+    constexpr std::size_t lanes = lanesOf(channels);
+    Found<norm> found[lanes] = {};
+    const auto take = [&](std::size_t lane, std::size_t i) {
+        found[lane] = joined<norm>(found[lane], termOf<norm>(valueAt(i, in...)));
+    };
+    std::size_t i = 0;
+    for (; i + lanes <= samples; i += lanes)
+        for (std::size_t lane = 0; lane < lanes; ++lane)
+            take(lane, i + lane);
+    for (std::size_t lane = lanes - (samples - i); lane < lanes; ++lane, ++i)
+        take(lane, i);
+    joinLanes<norm, channels>(found, lanes);
     for (std::size_t channel = 0; channel < channels; ++channel)
-        totals[channel] = joined<norm>(totals[channel], found[channel]);
+        totals[channel] = joined<norm>(totals[channel], static_cast<double>(found[channel]));
+}
+
+#if ORV_VECTOR_BYTES > 0
+
+inline Floats valuesAt(std::size_t i, const unsigned char *in)
+{
+    return loadVector<float>(in, i);
+}
+inline Floats valuesAt(std::size_t i, const unsigned char *first, const unsigned char *second)
+{
+    return loadVector<float>(first, i) - loadVector<float>(second, i);
+}
+
+// What the samples of a vector add to two vectors of sums, and for which places of the vector these are.
+template <Norm norm> struct Terms;
+
+template <> struct Terms<Norm::L2> {
+    Doubles first, second;
+    static constexpr double scale = 1;
+
+    explicit Terms(Floats values) : first(lowerDoubles(values)), second(upperDoubles(values))
+    {
+        first *= first;
+        second *= second;
+    }
+    static constexpr std::size_t firstPlace(std::size_t i) { return i; }
+    static constexpr std::size_t secondPlace(std::size_t i) { return perVector<double> + i; }
+};
+
+// Conversions share the units of additions, which sums need alone. Instead the bits of a float are put where a double
+// has them. But for infinities and not-a-numbers, which look like other numbers, that is the float by a power of 2.
+template <> struct Terms<Norm::L1> {
+    Doubles first, second;
+    static constexpr double scale = 0x1p896;
+
+    explicit Terms(Floats values)
+    {
+        const Vector<std::uint64_t> pairs = as<std::uint64_t>(values);
+        constexpr std::uint64_t magnitude = std::uint64_t{0x7FFFFFFF} << 29;
+        first = as<double>((pairs << 29) & magnitude);
+        second = as<double>((pairs >> 3) & magnitude);
+    }
+    static constexpr std::size_t firstPlace(std::size_t i) { return 2 * i; }
+    static constexpr std::size_t secondPlace(std::size_t i) { return 2 * i + 1; }
+};
+
+template <Norm norm, std::size_t channels> struct Running {
+    static constexpr std::size_t vectors = lanesOf(channels) / perVector<float>;
+    Doubles first[vectors] = {}, second[vectors] = {};
+
+    void take(std::size_t vector, Floats values)
+    {
+        const Terms<norm> terms(values);
+        first[vector] += terms.first;
+        second[vector] += terms.second;
+    }
+    // False where a sum may have met an infinity or a not-a-number without being one.
+    bool addTo(double *totals)
+    {
+        std::size_t left = vectors;
+        for (; left % 2 == 0; left /= 2)
+            for (std::size_t i = 0; i < left / 2; ++i) {
+                first[i] += first[left / 2 + i];
+                second[i] += second[left / 2 + i];
+            }
+        double found[lanesOf(channels)];
+        for (std::size_t i = 0; i < left; ++i)
+            for (std::size_t place = 0; place < perVector<double>; ++place) {
+                found[i * perVector<float> + Terms<norm>::firstPlace(place)] = first[i][place];
+                found[i * perVector<float> + Terms<norm>::secondPlace(place)] = second[i][place];
+            }
+        joinLanes<norm, channels>(found, left * perVector<float>);
+        for (std::size_t channel = 0; channel < channels && norm == Norm::L1; ++channel)
+            if (found[channel] >= 0x1p128 / Terms<norm>::scale)
+                return false;
+        for (std::size_t channel = 0; channel < channels; ++channel)
+            totals[channel] += found[channel] * Terms<norm>::scale;
+        return true;
+    }
+};
+
+template <std::size_t channels> struct Running<Norm::Inf, channels> {
+    static constexpr std::size_t vectors = lanesOf(channels) / perVector<float>;
+    Floats most[vectors] = {};
+
+    void take(std::size_t vector, Floats values)
+    {
+        most[vector] = maximum(as<float>(as<std::uint32_t>(values) & 0x7FFFFFFF), most[vector]);
+    }
+    bool addTo(double *totals)
+    {
+        std::size_t left = vectors;
+        for (; left % 2 == 0; left /= 2)
+            for (std::size_t i = 0; i < left / 2; ++i)
+                most[i] = maximum(most[i], most[left / 2 + i]);
+        float found[lanesOf(channels)];
+        for (std::size_t i = 0; i < left; ++i)
+            storeVector<float>(found, i * perVector<float>, most[i]);
+        joinLanes<Norm::Inf, channels>(found, left * perVector<float>);
+        for (std::size_t channel = 0; channel < channels; ++channel)
+            totals[channel] = joined<Norm::Inf>(totals[channel], static_cast<double>(found[channel]));
+        return true;
+    }
+};
+
+// All bits of the samples that are left, which are the last ones of `lanes`: from the place of their number on.
+template <std::size_t lanes> struct LastBits {
+    std::uint32_t of[2 * lanes];
+
+    constexpr LastBits() : of()
+    {
+        for (std::size_t i = lanes; i < 2 * lanes; ++i)
+            of[i] = 0xFFFFFFFF;
+    }
+};
+
+// For blocks with a sample for each lane at least. Samples that are left are loaded with some that were taken before.
+template <Norm norm, std::size_t channels, class... Source>
+inline bool takeVectors(double *totals, std::size_t samples, const Source *...in)
+{
+    constexpr std::size_t lanes = lanesOf(channels), step = perVector<float>;
+    static constexpr LastBits<lanes> bits;
+    Running<norm, channels> running;
+    std::size_t i = 0;
+    for (; i + lanes <= samples; i += lanes)
+        for (std::size_t at = 0; at < lanes; at += step)
+            running.take(at / step, valuesAt(i + at, in...));
+    if (i < samples)
+        for (std::size_t at = 0; at < lanes; at += step) {
+            const Vector<std::uint32_t> values = as<std::uint32_t>(valuesAt(samples - lanes + at, in...));
+            running.take(at / step, as<float>(values & loadVector<std::uint32_t>(bits.of, samples - i + at)));
+        }
+    return running.addTo(totals);
+}
+
+#endif
+
+template <Norm norm, class Sample, std::size_t channels, class... Source>
+[[gnu::noinline]] void takeBlock(double *totals, std::size_t pixels, const Source *...in)
+{
+#if ORV_VECTOR_BYTES > 0
+    if (pixels * channels >= lanesOf(channels) && takeVectors<norm, channels>(totals, pixels * channels, in...))
+        return;
+#endif
+    takeSamples<norm, channels>(totals, pixels * channels, in...);
 }
 
 } // namespace

@@ -22,6 +22,7 @@ using U16s = Vector<std::uint16_t>;
 using S16s = Vector<std::int16_t>;
 using S32s = Vector<std::int32_t>;
 using Floats = Vector<float>;
+using Doubles = Vector<double>;
 
 // The instructions of one width: ORV_VECTOR(add_epi16) is the addition of words.
 #if ORV_VECTOR_BYTES == 32
@@ -360,6 +361,28 @@ inline Floats toFloats(S32s a)
 {
     return reinterpret_cast<Floats>(ORV_VECTOR(cvtepi32_ps)(bitsOf(a)));
 }
+
+// Floats to doubles: those of the lower half of the vector, across lanes, and of the upper one.
+#if ORV_VECTOR_BYTES == 32
+inline Doubles lowerDoubles(Floats a)
+{
+    return reinterpret_cast<Doubles>(_mm256_cvtps_pd(_mm256_castps256_ps128(reinterpret_cast<__m256>(a))));
+}
+inline Doubles upperDoubles(Floats a)
+{
+    return reinterpret_cast<Doubles>(_mm256_cvtps_pd(_mm256_extractf128_ps(reinterpret_cast<__m256>(a), 1)));
+}
+#else
+inline Doubles lowerDoubles(Floats a)
+{
+    return reinterpret_cast<Doubles>(_mm_cvtps_pd(reinterpret_cast<__m128>(a)));
+}
+inline Doubles upperDoubles(Floats a)
+{
+    const __m128 bits = reinterpret_cast<__m128>(a);
+    return reinterpret_cast<Doubles>(_mm_cvtps_pd(_mm_movehl_ps(bits, bits)));
+}
+#endif
 
 #endif
 
