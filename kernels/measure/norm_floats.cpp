@@ -42,12 +42,15 @@ template <Norm norm> inline Found<norm> termOf(Found<norm> value)
         return norm == Norm::L2 ? value * value : __builtin_fabs(value);
 }
 
-// Halves are added up until one sum a channel is left.
-template <Norm norm, std::size_t channels> inline void joinLanes(Found<norm> *found, std::size_t lanes)
+// Halves are joined until so many are left.
+template <Norm norm, std::size_t left, std::size_t lanes> inline void joinHalves(auto *found)
 {
-    for (std::size_t half = lanes / 2; half >= channels; half /= 2)
+    if constexpr (lanes > left) {
+        constexpr std::size_t half = lanes / 2;
         for (std::size_t lane = 0; lane < half; ++lane)
             found[lane] = joined<norm>(found[lane], found[lane + half]);
+        joinHalves<norm, left, half>(found);
+    }
 }
 
 template <Norm norm, std::size_t channels, class... Source>
@@ -64,7 +67,7 @@ template <Norm norm, std::size_t channels, class... Source>
             take(lane, i + lane);
     for (std::size_t lane = lanes - (samples - i); lane < lanes; ++lane, ++i)
         take(lane, i);
-    joinLanes<norm, channels>(found, lanes);
+    joinHalves<norm, channels, lanes>(found);
     for (std::size_t channel = 0; channel < channels; ++channel)
         totals[channel] = joined<norm>(totals[channel], static_cast<double>(found[channel]));
 }
@@ -80,65 +83,70 @@ inline Floats valuesAt(std::size_t i, const unsigned char *first, const unsigned
     return loadVector<float>(first, i) - loadVector<float>(second, i);
 }
 
-// What the samples of a vector add to two vectors of sums, and for which places of the vector these are.
+constexpr std::uint32_t magnitudeBits = 0x7FFFFFFF;
+
+// What the samples of a vector add to two vectors of sums, over the scale, and at which places of the vector the
+// samples are.
 template <Norm norm> struct Terms;
 
 template <> struct Terms<Norm::L2> {
     Doubles first, second;
     static constexpr double scale = 1;
 
-    explicit Terms(Floats values) : first(lowerDoubles(values)), second(upperDoubles(values))
-    {
-        first *= first;
-        second *= second;
-    }
+    Terms(Doubles lower, Doubles upper) : first(lower * lower), second(upper * upper) {}
+    explicit Terms(Floats values) : Terms(lowerDoubles(values), upperDoubles(values)) {}
     static constexpr std::size_t firstPlace(std::size_t i) { return i; }
     static constexpr std::size_t secondPlace(std::size_t i) { return perVector<double> + i; }
 };
 
-// Conversions share the units of additions, which sums need alone. Instead the bits of a float are put where a double
-// has them. But for infinities and not-a-numbers, which look like other numbers, that is the float by a power of 2.
+// Conversions and additions of doubles wait for the same units. So the bits of a float are put where a double has them,
+// by other units. The double is the magnitude of the float over the scale, which no sum feels. But infinities and
+// not-a-numbers turn into 2 to the power of 128 and more, over the scale.
 template <> struct Terms<Norm::L1> {
     Doubles first, second;
     static constexpr double scale = 0x1p896;
 
     explicit Terms(Floats values)
     {
-        const Vector<std::uint64_t> pairs = as<std::uint64_t>(values);
-        constexpr std::uint64_t magnitude = std::uint64_t{0x7FFFFFFF} << 29;
-        first = as<double>((pairs << 29) & magnitude);
-        second = as<double>((pairs >> 3) & magnitude);
+        const Vector<std::uint32_t> bits = as<std::uint32_t>(values) & magnitudeBits;
+        first = as<double>(evenProducts(bits, everywhere(std::uint32_t{1} << 29)));
+        second = as<double>((as<std::uint64_t>(bits) >> 3) & (std::uint64_t{magnitudeBits} << 29));
     }
     static constexpr std::size_t firstPlace(std::size_t i) { return 2 * i; }
     static constexpr std::size_t secondPlace(std::size_t i) { return 2 * i + 1; }
 };
 
+template <Norm norm> inline Terms<norm> termsAt(std::size_t i, const auto *...in)
+{
+    return Terms<norm>(valuesAt(i, in...));
+}
+template <> inline Terms<Norm::L2> termsAt<Norm::L2>(std::size_t i, const unsigned char *in)
+{
+    return Terms<Norm::L2>(loadDoubles(in, i), loadDoubles(in, i + perVector<double>));
+}
+
 template <Norm norm, std::size_t channels> struct Running {
     static constexpr std::size_t vectors = lanesOf(channels) / perVector<float>;
+    static constexpr std::size_t left = channels == 3 ? 3 : 1; // when halves are joined vector by vector
     Doubles first[vectors] = {}, second[vectors] = {};
 
-    void take(std::size_t vector, Floats values)
+    void take(std::size_t vector, Terms<norm> terms)
     {
-        const Terms<norm> terms(values);
         first[vector] += terms.first;
         second[vector] += terms.second;
     }
-    // False where a sum may have met an infinity or a not-a-number without being one.
+    // False, and adds nothing, where a sum may have met an infinity or a not-a-number without being one.
     bool addTo(double *totals)
     {
-        std::size_t left = vectors;
-        for (; left % 2 == 0; left /= 2)
-            for (std::size_t i = 0; i < left / 2; ++i) {
-                first[i] += first[left / 2 + i];
-                second[i] += second[left / 2 + i];
-            }
+        joinHalves<norm, left, vectors>(first);
+        joinHalves<norm, left, vectors>(second);
         double found[lanesOf(channels)];
         for (std::size_t i = 0; i < left; ++i)
             for (std::size_t place = 0; place < perVector<double>; ++place) {
                 found[i * perVector<float> + Terms<norm>::firstPlace(place)] = first[i][place];
                 found[i * perVector<float> + Terms<norm>::secondPlace(place)] = second[i][place];
             }
-        joinLanes<norm, channels>(found, left * perVector<float>);
+        joinHalves<norm, channels, left * perVector<float>>(found);
         for (std::size_t channel = 0; channel < channels && norm == Norm::L1; ++channel)
             if (found[channel] >= 0x1p128 / Terms<norm>::scale)
                 return false;
@@ -148,31 +156,32 @@ template <Norm norm, std::size_t channels> struct Running {
     }
 };
 
+template <> struct Terms<Norm::Inf> {
+    Floats magnitudes;
+
+    explicit Terms(Floats values) : magnitudes(as<float>(as<std::uint32_t>(values) & magnitudeBits)) {}
+};
+
 template <std::size_t channels> struct Running<Norm::Inf, channels> {
     static constexpr std::size_t vectors = lanesOf(channels) / perVector<float>;
+    static constexpr std::size_t left = channels == 3 ? 3 : 1;
     Floats most[vectors] = {};
 
-    void take(std::size_t vector, Floats values)
-    {
-        most[vector] = maximum(as<float>(as<std::uint32_t>(values) & 0x7FFFFFFF), most[vector]);
-    }
+    void take(std::size_t vector, Terms<Norm::Inf> terms) { most[vector] = maximum(terms.magnitudes, most[vector]); }
     bool addTo(double *totals)
     {
-        std::size_t left = vectors;
-        for (; left % 2 == 0; left /= 2)
-            for (std::size_t i = 0; i < left / 2; ++i)
-                most[i] = maximum(most[i], most[left / 2 + i]);
+        joinHalves<Norm::Inf, left, vectors>(most);
         float found[lanesOf(channels)];
         for (std::size_t i = 0; i < left; ++i)
             storeVector<float>(found, i * perVector<float>, most[i]);
-        joinLanes<Norm::Inf, channels>(found, left * perVector<float>);
+        joinHalves<Norm::Inf, channels, left * perVector<float>>(found);
         for (std::size_t channel = 0; channel < channels; ++channel)
             totals[channel] = joined<Norm::Inf>(totals[channel], static_cast<double>(found[channel]));
         return true;
     }
 };
 
-// All bits of the samples that are left, which are the last ones of `lanes`: from the place of their number on.
+// From the place of a number on: no bits of the first lanes, and all bits of so many last ones.
 template <std::size_t lanes> struct LastBits {
     std::uint32_t of[2 * lanes];
 
@@ -183,7 +192,7 @@ template <std::size_t lanes> struct LastBits {
     }
 };
 
-// For blocks with a sample for each lane at least. Samples that are left are loaded with some that were taken before.
+// For blocks with a sample for each lane at least. Those that are left at its end are loaded with some before them.
 template <Norm norm, std::size_t channels, class... Source>
 inline bool takeVectors(double *totals, std::size_t samples, const Source *...in)
 {
@@ -193,11 +202,12 @@ inline bool takeVectors(double *totals, std::size_t samples, const Source *...in
     std::size_t i = 0;
     for (; i + lanes <= samples; i += lanes)
         for (std::size_t at = 0; at < lanes; at += step)
-            running.take(at / step, valuesAt(i + at, in...));
+            running.take(at / step, termsAt<norm>(i + at, in...));
     if (i < samples)
         for (std::size_t at = 0; at < lanes; at += step) {
             const Vector<std::uint32_t> values = as<std::uint32_t>(valuesAt(samples - lanes + at, in...));
-            running.take(at / step, as<float>(values & loadVector<std::uint32_t>(bits.of, samples - i + at)));
+            running.take(at / step,
+                         Terms<norm>(as<float>(values & loadVector<std::uint32_t>(bits.of, samples - i + at))));
         }
     return running.addTo(totals);
 }

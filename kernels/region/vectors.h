@@ -227,8 +227,12 @@ inline S16s pairSums(U8s a, S8s b)
 }
 #endif
 
-#if ORV_SSE41
 // The 64-bit products of the even samples.
+inline Vector<std::uint64_t> evenProducts(Vector<std::uint32_t> a, Vector<std::uint32_t> b)
+{
+    return as<std::uint64_t>(ORV_VECTOR(mul_epu32)(bitsOf(a), bitsOf(b)));
+}
+#if ORV_SSE41
 inline S32s evenProducts(S32s a, S32s b)
 {
     return as<std::int32_t>(ORV_VECTOR(mul_epi32)(bitsOf(a), bitsOf(b)));
@@ -362,7 +366,17 @@ inline Floats toFloats(S32s a)
     return reinterpret_cast<Floats>(ORV_VECTOR(cvtepi32_ps)(bitsOf(a)));
 }
 
-// Floats to doubles: those of the lower half of the vector, across lanes, and of the upper one.
+// Floats to doubles: so many from memory, and those of the lower and the upper half of a vector, across lanes.
+inline Doubles loadDoubles(const void *row, std::size_t index)
+{
+    const unsigned char *const in = static_cast<const unsigned char *>(row) + index * sizeof(float);
+#if ORV_VECTOR_BYTES == 32
+    return reinterpret_cast<Doubles>(_mm256_cvtps_pd(_mm_loadu_ps(reinterpret_cast<const float *>(in))));
+#else
+    return reinterpret_cast<Doubles>(
+        _mm_cvtps_pd(_mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i *>(in)))));
+#endif
+}
 #if ORV_VECTOR_BYTES == 32
 inline Doubles lowerDoubles(Floats a)
 {

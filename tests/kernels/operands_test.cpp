@@ -197,6 +197,28 @@ TEST(Operands, NormsOfWholeNumbersAreExact)
         }
 }
 
+// One infinity or not-a-number among all samples decides. The smallest and the largest floats have sums that are exact.
+TEST(Operands, NormsOfFloatsAtTheirLimits)
+{
+    constexpr double none = std::numeric_limits<double>::quiet_NaN(),
+                     infinity = std::numeric_limits<double>::infinity();
+    const std::pair<Numbers, Numbers> sets[] = {
+        {{1.0, -2.0, 0.0}, {infinity}},         {{0.0}, {-infinity}},      {{1.0, 0.5}, {none}}, {{0.0, -0.0}, {none}},
+        {{0x1p-149, -0x3p-149, 0x1p-126}, {0}}, {{0x1p127, -0x1p127}, {0}}};
+    Random random(4);
+    for (const Row &row : allRows())
+        for (int i = 0; i < 60 && row.isNorm() && row.source.isFloat(); ++i) {
+            const auto &[others, ones] = sets[random() % std::size(sets)];
+            Trial trial(row, {1 + static_cast<int>(random() % 70), 1 + static_cast<int>(random() % 3)}, random);
+            const auto other = [&, &numbers = others] { return numbers[random() % numbers.size()]; };
+            trial.first.fill(other);
+            trial.second.fill(other);
+            const int x = static_cast<int>(random()) & 0xFFFF, y = static_cast<int>(random() % 3);
+            trial.first.set(x % trial.first.samples, y % trial.first.height, ones[0]);
+            ASSERT_TRUE(hold(trial, formulaOf(row, true)));
+        }
+}
+
 // The quotient is a warning where the denominator is no number to divide by; maxima of bytes may end early.
 TEST(Operands, DenominatorsOfRelativeNorms)
 {
