@@ -85,8 +85,7 @@ inline Floats valuesAt(std::size_t i, const unsigned char *first, const unsigned
 
 constexpr std::uint32_t magnitudeBits = 0x7FFFFFFF;
 
-// What the samples of a vector add to two vectors of sums, over the scale, and at which places of the vector the
-// samples are.
+// What the samples of a vector add to two vectors of sums, over the scale.
 template <Norm norm> struct Terms;
 
 template <> struct Terms<Norm::L2> {
@@ -95,8 +94,11 @@ template <> struct Terms<Norm::L2> {
 
     Terms(Doubles lower, Doubles upper) : first(lower * lower), second(upper * upper) {}
     explicit Terms(Floats values) : Terms(lowerDoubles(values), upperDoubles(values)) {}
-    static constexpr std::size_t firstPlace(std::size_t i) { return i; }
-    static constexpr std::size_t secondPlace(std::size_t i) { return perVector<double> + i; }
+    static void store(double *sums, Doubles lower, Doubles upper)
+    {
+        storeVector<double>(sums, 0, lower);
+        storeVector<double>(sums, perVector<double>, upper);
+    }
 };
 
 // Conversions and additions of doubles wait for the same units. So the bits of a float are put where a double has them,
@@ -112,8 +114,10 @@ template <> struct Terms<Norm::L1> {
         first = as<double>(evenProducts(bits, everywhere(std::uint32_t{1} << 29)));
         second = as<double>((as<std::uint64_t>(bits) >> 3) & (std::uint64_t{magnitudeBits} << 29));
     }
-    static constexpr std::size_t firstPlace(std::size_t i) { return 2 * i; }
-    static constexpr std::size_t secondPlace(std::size_t i) { return 2 * i + 1; }
+    static void store(double *sums, Doubles even, Doubles odd)
+    {
+        storeHalvesInOrder<double>(sums, 0, interleaveLow<double>(even, odd), interleaveHigh<double>(even, odd));
+    }
 };
 
 template <Norm norm> inline Terms<norm> termsAt(std::size_t i, const auto *...in)
@@ -142,10 +146,7 @@ template <Norm norm, std::size_t channels> struct Running {
         joinHalves<norm, left, vectors>(second);
         double found[lanesOf(channels)];
         for (std::size_t i = 0; i < left; ++i)
-            for (std::size_t place = 0; place < perVector<double>; ++place) {
-                found[i * perVector<float> + Terms<norm>::firstPlace(place)] = first[i][place];
-                found[i * perVector<float> + Terms<norm>::secondPlace(place)] = second[i][place];
-            }
+            Terms<norm>::store(found + i * perVector<float>, first[i], second[i]);
         joinHalves<norm, channels, left * perVector<float>>(found);
         for (std::size_t channel = 0; channel < channels && norm == Norm::L1; ++channel)
             if (found[channel] >= 0x1p128 / Terms<norm>::scale)
