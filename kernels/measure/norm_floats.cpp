@@ -101,9 +101,9 @@ template <> struct Terms<Norm::L2> {
     }
 };
 
-// Conversions and additions of doubles wait for the same units. So the bits of a float are put where a double has them,
-// by other units. The double is the magnitude of the float over the scale, which no sum feels. But infinities and
-// not-a-numbers turn into 2 to the power of 128 and more, over the scale.
+// Conversions and additions of doubles wait for the same units. So other units put the bits of a float where a double
+// has them. That double is the magnitude of the float over the scale, a power of 2, which changes no rounding of sums.
+// But infinities and not-a-numbers become 2 to the power of 128 and more, over the scale.
 template <> struct Terms<Norm::L1> {
     Doubles first, second;
     static constexpr double scale = 0x1p896;
