@@ -1,0 +1,301 @@
+// Rows of resizing, whose sources lie at offsets of a table: every build between guard pages, against formulas and so
+// against build 0.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+
+#include "guarded.h"
+#include "trial.h"
+
+namespace {
+
+using namespace orv;
+
+int below(Random &random, int bound)
+{
+    return static_cast<int>(random() % static_cast<unsigned>(bound));
+}
+
+// A row of samples that starts behind a guard page or ends before one, at any byte.
+struct Line {
+    const SampleType &type;
+    int samples;
+    std::uint8_t *start;
+
+    Line(Guarded &memory, const SampleType &itsType, int count, Random &random) : type(itsType), samples(count)
+    {
+        const std::size_t bytes = static_cast<std::size_t>(count * type.bytes),
+                          gap = random() % 3 == 0 ? random() % 9 : 0;
+        memory.grow(bytes + 64);
+        start = random() % 2 == 0 ? memory.begin() + gap : memory.end() - bytes - gap;
+        std::memset(memory.begin(), 0x5A, static_cast<std::size_t>(memory.end() - memory.begin()));
+    }
+    Raster raster() const { return {&type, samples, 1, 0, 0, start, samples * type.bytes, start, 0}; }
+    double get(int i) const { return raster().get(i, 0); }
+    void set(int i, double value) const { raster().set(i, 0, value); }
+    std::vector<std::uint8_t> bytes() const { return {start - 0, start + samples * type.bytes}; }
+    void fill(Random &random) const
+    {
+        for (int i = 0; i < samples; ++i)
+            set(i, type.isFloat()      ? static_cast<float>(below(random, 40001) - 20000) / 16
+                   : random() % 5 == 0 ? (random() % 2 == 0 ? type.lowest : std::min(type.highest, 65535.0))
+                                       : below(random, static_cast<int>(std::min(type.highest, 65535.0)) + 1));
+    }
+};
+
+// Runs call() in all builds; each must write what expected(i) says of each sample that is written.
+template <class Call, class Expected>
+testing::AssertionResult holdRow(const Row &row, const Line &out, int written, int pixel, Call call, Expected expected)
+{
+    const std::vector<std::uint8_t> before = out.bytes();
+    testing::AssertionResult outcome = testing::AssertionSuccess();
+    for (krnDispatchIndex = 0; outcome && krnDispatchIndex < carriedBuilds(); ++krnDispatchIndex) {
+        if (const KrnStatus status = call(); status != KRN_OK)
+            outcome = testing::AssertionFailure() << row.name << " returned " << status;
+        const std::vector<std::uint8_t> result = out.bytes();
+        std::memcpy(out.start, before.data(), before.size());
+        for (int i = 0; i < out.samples && outcome; ++i) {
+            if (i % pixel < written)
+                out.set(i, expected(i));
+            const std::size_t at = static_cast<std::size_t>(i * out.type.bytes),
+                              bytes = static_cast<std::size_t>(out.type.bytes);
+            if (std::memcmp(out.start + at, &result[at], bytes) != 0) {
+                const double right = out.get(i);
+                std::memcpy(out.start + at, &result[at], bytes);
+                outcome = testing::AssertionFailure()
+                          << row.name << " of build " << krnDispatchIndex << ", sample " << i << " of " << out.samples
+                          << ": " << out.get(i) << ", not " << right;
+            }
+        }
+        std::memcpy(out.start, before.data(), before.size());
+    }
+    krnDispatchIndex = 0;
+    return outcome;
+}
+
+float f(double value)
+{
+    const volatile float rounded = static_cast<float>(value);
+    return rounded;
+}
+
+// Newton's form in single floats, operation by operation.
+float newton(float p0, float p1, float p2, float p3, const float *factor)
+{
+    const float d1 = f(double{p1} - p0), d2 = f(double{f(double{p2} - p1)} - d1);
+    const float d3 = f(double{f(double{f(double{p1} - f(2.0 * p2))} + p3)} - d2);
+    const float inner = f(double{p0} + f(double{d3} * factor[2]));
+    return f(double{f(double{factor[0]} * d1)} + f(double{f(double{factor[1]} * d2)} + inner));
+}
+
+double roundedTo(const SampleType &type, float value)
+{
+    return type.isFloat() ? value : std::clamp(std::trunc(f(double{value} + 0.5)), 0.0, type.highest);
+}
+
+// Two or four samples and their weights, as a table or a row of the image has them.
+struct Weights {
+    std::vector<std::int32_t> integers;
+    std::vector<float> floats; // three arrays, of which linear rows use the first
+
+    Weights(int count, Random &random)
+    {
+        for (int i = 0; i < count; ++i)
+            integers.push_back(random() % 6 == 0 ? 0 : random() % 6 == 0 ? resizeOne : below(random, resizeOne + 1));
+        for (int i = 0; i < 3 * count; ++i)
+            floats.push_back(static_cast<float>(below(random, 4097)) / 2048 - (i < count ? 0 : 1));
+    }
+    const void *of(bool asFloats) const
+    {
+        return asFloats ? static_cast<const void *>(floats.data()) : integers.data();
+    }
+    double between(bool asFloats, std::size_t i, double a, double b) const
+    {
+        if (!asFloats)
+            return std::floor((a * (resizeOne - integers[i]) + b * integers[i] + resizeOne / 2) / resizeOne);
+        const double t = floats[i];
+        return f(double{f(a * f(1 - t))} + f(b * t));
+    }
+};
+
+void tryRow(const Row &row, Random &random)
+{
+    static Guarded memory[2];
+    const int channels = row.layout.source, written = row.layout.written,
+              width = 1 + below(random, random() % 4 == 0 ? 300 : 40);
+    const bool linear = row.is("ResizeLinear"), cubic = row.is("ResizeCubic");
+    const int taps = linear ? 2 : cubic ? 4 : 1, before = cubic ? 1 : 0;
+    // One channel of several is read where it is.
+    const int stride = channels == 1 && random() % 4 == 0 ? 1 + below(random, 4) : channels;
+    const int pixels = taps + below(random, 200), first = stride > channels ? below(random, stride) : 0;
+    const Line in(memory[0], row.source, (pixels - 1) * stride + (stride > channels ? first + 1 : channels), random);
+    const Line out(memory[1], row.destination, width * channels, random);
+    in.fill(random);
+    out.fill(random);
+    std::vector<std::int32_t> offsets;
+    const bool ascends = random() % 2 == 0;
+    for (int i = 0; i < width; ++i) {
+        const int any = ascends ? static_cast<int>(std::int64_t{i} * (pixels - taps + 1) / width)
+                                : below(random, pixels - taps + 1);
+        offsets.push_back((any + before) * stride * row.source.bytes);
+    }
+    const Weights weights(width, random);
+    const bool floats = cubic || row.source.isFloat();
+    const std::uint8_t *const start = in.start + first * row.source.bytes;
+    const auto call = [&] {
+        return (*static_cast<const Kernel<ResizeRowKernel> *>(row.kernel))(start, stride * row.source.bytes, out.start,
+                                                                           width, offsets.data(), weights.of(floats));
+    };
+    const auto expected = [&](int i) -> double {
+        const std::size_t pixel = static_cast<std::size_t>(i / channels);
+        const auto tap = [&](int number) {
+            return in.get(offsets[pixel] / row.source.bytes + first + i % channels + (number - before) * stride);
+        };
+        if (linear)
+            return weights.between(floats, pixel, tap(0), tap(1));
+        if (!cubic)
+            return tap(0);
+        const std::size_t count = static_cast<std::size_t>(width);
+        const float factor[] = {weights.floats[pixel], weights.floats[count + pixel],
+                                weights.floats[2 * count + pixel]};
+        return newton(f(tap(0)), f(tap(1)), f(tap(2)), f(tap(3)), factor);
+    };
+    ASSERT_TRUE(holdRow(row, out, written, channels, call, expected));
+}
+
+void tryBlend(const Row &row, Random &random)
+{
+    static Guarded memory[5];
+    const bool cubic = row.is("ResizeRowsCubic"), fours = row.layout.written == 3;
+    const int width = 1 + below(random, random() % 4 == 0 ? 300 : 70), pixel = fours ? 4 : 1;
+    std::vector<Line> in;
+    const void *rows[4] = {};
+    for (std::size_t i = 0; i < (cubic ? 4 : 2); ++i) {
+        in.emplace_back(memory[i], row.source, width * pixel, random);
+        in.back().fill(random);
+        rows[i] = in.back().start;
+    }
+    const Line out(memory[4], row.destination, width * pixel, random);
+    out.fill(random);
+    const Weights weights(1, random);
+    const bool floats = row.source.isFloat();
+    const auto call = [&] {
+        return (*static_cast<const Kernel<BlendRowsKernel> *>(row.kernel))(rows, out.start, width, weights.of(floats));
+    };
+    const auto expected = [&](int i) -> double {
+        if (!cubic)
+            return weights.between(floats, 0, in[0].get(i), in[1].get(i));
+        return roundedTo(row.destination, newton(f(in[0].get(i)), f(in[1].get(i)), f(in[2].get(i)), f(in[3].get(i)),
+                                                 weights.floats.data()));
+    };
+    ASSERT_TRUE(holdRow(row, out, fours ? 3 : 1, pixel, call, expected));
+}
+
+void tryAdd(const Row &row, Random &random)
+{
+    static Guarded memory[2];
+    const int samples = 1 + below(random, random() % 4 == 0 ? 300 : 70), weight = 1 + below(random, 200);
+    const bool starts = random() % 3 == 0;
+    const Line in(memory[0], row.source, samples, random), out(memory[1], row.destination, samples, random);
+    in.fill(random);
+    out.fill(random);
+    const auto call = [&] {
+        return (*static_cast<const Kernel<AddRowKernel> *>(row.kernel))(in.start, out.start, samples, weight, starts);
+    };
+    std::vector<double> before;
+    for (int i = 0; i < samples; ++i)
+        before.push_back(out.get(i));
+    ASSERT_TRUE(holdRow(row, out, 1, 1, call, [&](int i) {
+        return in.get(i) * weight + (starts ? 0 : before[static_cast<std::size_t>(i)]);
+    }));
+}
+
+void tryMean(const Row &row, Random &random)
+{
+    static Guarded memory[2];
+    const int channels = row.layout.source, width = 1 + below(random, random() % 4 == 0 ? 100 : 30);
+    const int weight = random() % 3 == 0 ? 1 : 1 + below(random, 20), rowWeights = 1 + below(random, 30);
+    const int size = 1 + below(random, 5) * weight + (random() % 2 == 0 ? weight - 1 : below(random, 9));
+    std::vector<std::int32_t> first, last, firstWeight, lastWeight;
+    for (int i = 0; i < width; ++i) {
+        const int start = i * size, end = start + size;
+        first.push_back(start / weight);
+        last.push_back((end - 1) / weight);
+        firstWeight.push_back(std::min((start / weight + 1) * weight, end) - start);
+        lastWeight.push_back((end - 1) % weight + 1);
+    }
+    const Line in(memory[0], row.source, (last.back() + 1) * channels, random);
+    const Line out(memory[1], row.destination, width * channels, random);
+    out.fill(random);
+    const double top = row.destination.isFloat() ? 65535 : row.destination.highest;
+    for (int i = 0; i < in.samples; ++i)
+        in.set(i, below(random, static_cast<int>(top) * rowWeights + 1));
+    const BoxesOfRow boxes = {first.data(), last.data(), firstWeight.data(), lastWeight.data(), weight};
+    const auto call = [&] {
+        return (*static_cast<const Kernel<MeanRowKernel> *>(row.kernel))(in.start, out.start, width, &boxes,
+                                                                         rowWeights);
+    };
+    const auto expected = [&](int i) -> double {
+        const std::size_t box = static_cast<std::size_t>(i / channels);
+        double sum = 0;
+        for (int pixel = first[box]; pixel <= last[box]; ++pixel)
+            sum += in.get(pixel * channels + i % channels) * (pixel == first[box]  ? firstWeight[box]
+                                                              : pixel == last[box] ? lastWeight[box]
+                                                                                   : weight);
+        const double all = double{1} * size * rowWeights;
+        return row.destination.isFloat() ? sum / all : std::floor((2 * sum + all) / (2 * all));
+    };
+    ASSERT_TRUE(holdRow(row, out, row.layout.written, channels, call, expected));
+}
+
+TEST(ResizeRows, EveryBuildComputesTheFormula)
+{
+    int rows = 0;
+    for (const Row &row : allRows()) {
+        const std::string name = row.name;
+        std::seed_seq seed(name.begin(), name.end());
+        Random random(seed);
+        const auto attempt = row.is("ResizeNearest") || row.is("ResizeLinear") || row.is("ResizeCubic") ? tryRow
+                             : row.is("ResizeRowsLinear") || row.is("ResizeRowsCubic")                  ? tryBlend
+                             : row.is("AddRow")                                                         ? tryAdd
+                             : row.is("MeanRow")                                                        ? tryMean
+                                                                                                        : nullptr;
+        rows += attempt != nullptr;
+        for (int i = 0; i < 150 && attempt != nullptr && !testing::Test::HasFatalFailure(); ++i)
+            attempt(row, random);
+    }
+    EXPECT_EQ(rows, 12 + 18 + 12 + 5 + 20);
+}
+
+// Both kinds of tables, from positions that are added up: builds agree to the last bit.
+TEST(ResizeRows, TablesAreTheSameInAllBuilds)
+{
+    Random random(7);
+    for (int round = 0; round < 300; ++round) {
+        const int length = 4 + below(random, 500), count = 1 + below(random, 700), whole = length + below(random, 9);
+        const int offset = below(random, whole - length + 1);
+        const double step = (length - 1) / (count + below(random, 1000) / 1000.0), start = below(random, 2) * step / 2;
+        for (const std::int32_t mode : {KRN_NEAREST, KRN_LINEAR, KRN_CUBIC})
+            for (const bool floats : {false, true}) {
+                std::vector<std::int32_t> kept, indices(static_cast<std::size_t>(count)), weights(3 * indices.size());
+                for (krnDispatchIndex = 0; krnDispatchIndex < carriedBuilds(); ++krnDispatchIndex) {
+                    ASSERT_EQ((floats ? krnResizeAxis32f : krnResizeAxis32s)(start, step, count, mode, offset,
+                                                                             whole - 1, indices.data(), weights.data()),
+                              KRN_OK);
+                    std::vector<std::int32_t> all = indices;
+                    all.insert(all.end(), weights.begin(), weights.end());
+                    if (krnDispatchIndex == 0)
+                        kept = all;
+                    ASSERT_EQ(all, kept);
+                    const auto [least, most] = std::minmax_element(indices.begin(), indices.end());
+                    ASSERT_GE(*least + offset, mode == KRN_CUBIC ? 1 : 0);
+                    ASSERT_LE(*most + offset, whole - 1 - (mode == KRN_CUBIC ? 2 : mode == KRN_LINEAR ? 1 : 0));
+                }
+            }
+    }
+    krnDispatchIndex = 0;
+}
+
+} // namespace
