@@ -2,9 +2,9 @@
 // included inside the unnamed namespace of a region, after rows.h and vectors.h.
 //
 // An operator takes one sample of each source. Where vectorOf(operator, vectors...) exists too, builds with vectors run
-// that, and the operator itself on rows shorter than a vector only. An operator may instead have a member many(samples,
-// out, in...), which does most of a row and returns how many samples that was. Else the compiler vectorizes the loop,
-// unless the operator has a member sampleBySample.
+// that, and the operator itself on rows shorter than a vector only. Where samples of source and destination differ in
+// width, an operator may have a member group(in) likewise: a Group of results from the samples at `in` on. Else the
+// compiler vectorizes the loop, unless the operator has a member sampleBySample.
 
 // Layouts by their samples a pixel; AC4 leaves every fourth sample as it is.
 enum : std::size_t { C1 = 1, C3 = 3, C4 = 4, AC4 = 0 };
@@ -69,6 +69,49 @@ inline void computeVectors(std::size_t samples, Operator operation, Finish finis
         storeVector<Out>(out, tail, last);
 }
 
+// The same by groups, for rows of at least one. Samples of several widths have no row in place: the last group may be
+// computed from what is there when the others are stored.
+template <class Out, class In, class Operator, class Finish>
+inline void computeGroups(std::size_t samples, Operator operation, Finish finish, unsigned char *out,
+                          const unsigned char *in)
+{
+    using Results = decltype(operation.group(in));
+    const auto computeAt = [=](std::size_t i) {
+        const Results results = operation.group(in + i * sizeof(In));
+        for (std::size_t k = 0; k < Results::count; ++k) {
+            const std::size_t at = i + k * perVector<Out>;
+            storeVector<Out>(out, at, finish(results.vectors[k], at));
+        }
+    };
+    const std::size_t tail = samples - Results::samples;
+    std::size_t i = 0;
+    ORV_UNROLLED
+    for (; i <= tail; i += Results::samples)
+        computeAt(i);
+    if (i != samples)
+        computeAt(tail);
+}
+
+// Computes a row by vectors where the operator knows them and the row is long enough.
+template <class Out, class In, class Operator, class Finish, class... Source>
+inline bool computedByVectors([[maybe_unused]] std::size_t samples, [[maybe_unused]] Operator operation,
+                              [[maybe_unused]] Finish finish, [[maybe_unused]] unsigned char *out,
+                              [[maybe_unused]] const Source *...in)
+{
+    if constexpr (requires { vectorOf(operation, loadVector<In>(in)...); }) {
+        if (samples < perVector<Out>)
+            return false;
+        computeVectors<Out, In>(samples, operation, finish, out, in...);
+        return true;
+    } else if constexpr (requires { operation.group(in...); }) {
+        if (samples < decltype(operation.group(in...))::samples)
+            return false;
+        computeGroups<Out, In>(samples, operation, finish, out, in...);
+        return true;
+    }
+    return false;
+}
+
 #endif
 
 // Not inlined: the layouts of a kernel share it.
@@ -77,16 +120,17 @@ template <class Out, class In, class Operator, class... Source>
 {
     std::size_t i = 0;
 #if ORV_VECTOR_BYTES > 0
+    if (computedByVectors<Out, In>(
+            samples, operation, [](Vector<Out> result, std::size_t) { return result; }, out, in...))
+        return;
     constexpr bool byVectors = requires
     {
         vectorOf(operation, loadVector<In>(in)...);
+    }
+    || requires
+    {
+        operation.group(in...);
     };
-    if constexpr (byVectors)
-        if (samples >= perVector<Out>)
-            return computeVectors<Out, In>(
-                samples, operation, [](Vector<Out> result, std::size_t) { return result; }, out, in...);
-    if constexpr (requires { operation.many(samples, out, in...); })
-        i = operation.many(samples, out, in...);
 #else
     constexpr bool byVectors = false;
 #endif
@@ -109,14 +153,11 @@ template <class Out, class In, class Operator, class... Source>
                                           const Source *...in)
 {
 #if ORV_VECTOR_BYTES > 0
-    if constexpr (requires { vectorOf(operation, loadVector<In>(in)...); })
-        if (4 * pixels >= perVector<Out>)
-            return computeVectors<Out, In>(
-                4 * pixels, operation,
-                [out](Vector<Out> result, std::size_t i) {
-                    return keepingFourth<Out>(result, loadVector<Out>(out, i));
-                },
-                out, in...);
+    if (computedByVectors<Out, In>(
+            4 * pixels, operation,
+            [out](Vector<Out> result, std::size_t i) { return keepingFourth<Out>(result, loadVector<Out>(out, i)); },
+            out, in...))
+        return;
 #endif
     constexpr std::size_t most = 128;
     unsigned char buffer[most * 4 * sizeof(Out)];

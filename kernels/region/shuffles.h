@@ -111,6 +111,53 @@ template <class Vector> inline Vector inOrderOfQuads(Vector vector)
 #endif
 }
 
+// Interleaving takes the lower halves of both lanes first. These put samples so that what it gives is in order, after
+// one step and after two.
+template <class Vector> inline Vector forPairsInOrder(Vector vector)
+{
+    return inOrderOfPairs(vector);
+}
+template <class Vector> inline Vector forQuadsInOrder(Vector vector)
+{
+#if ORV_VECTOR_BYTES == 32
+    const __m256i order = _mm256_setr_epi32(0, 2, 4, 6, 1, 3, 5, 7);
+    return reinterpret_cast<Vector>(_mm256_permutevar8x32_epi32(bitsOf(vector), order));
+#else
+    return vector;
+#endif
+}
+
+// What the upper half of a sample of twice the width holds.
+enum class Upper { Zeros, Signs, Same };
+
+template <class Sample, Upper upper> inline Vector<Sample> upperHalves(Vector<Sample> samples)
+{
+    if constexpr (upper == Upper::Same)
+        return samples;
+    else if constexpr (upper == Upper::Signs)
+        return as<Sample>(samples < 0);
+    else
+        return Vector<Sample>{};
+}
+
+// Samples as samples of twice or four times the width.
+template <class Wide, class Sample, Upper upper>
+inline Group<Wide, sizeof(Wide) / sizeof(Sample)> widened(Vector<Sample> samples)
+{
+    if constexpr (sizeof(Wide) == 2 * sizeof(Sample)) {
+        const Vector<Sample> lower = forPairsInOrder(samples), above = upperHalves<Sample, upper>(lower);
+        return {as<Wide>(interleaveLow<Sample>(lower, above)), as<Wide>(interleaveHigh<Sample>(lower, above))};
+    } else {
+        using Word = std::int16_t;
+        const Vector<Sample> lower = forQuadsInOrder(samples), above = upperHalves<Sample, upper>(lower);
+        const S16s low = as<Word>(interleaveLow<Sample>(lower, above));
+        const S16s high = as<Word>(interleaveHigh<Sample>(lower, above));
+        const S16s aboveLow = upperHalves<Word, upper>(low), aboveHigh = upperHalves<Word, upper>(high);
+        return {as<Wide>(interleaveLow<Word>(low, aboveLow)), as<Wide>(interleaveHigh<Word>(low, aboveLow)),
+                as<Wide>(interleaveLow<Word>(high, aboveHigh)), as<Wide>(interleaveHigh<Word>(high, aboveHigh))};
+    }
+}
+
 // What interleaving gave, one vector after the other in order.
 template <class Sample>
 inline void storeHalvesInOrder(void *row, std::size_t index, Vector<Sample> low, Vector<Sample> high)

@@ -13,6 +13,13 @@ template <class Sample> struct VectorOf {
 template <class Sample> using Vector = typename VectorOf<Sample>::Type;
 template <class Sample> constexpr std::size_t perVector = ORV_VECTOR_BYTES / sizeof(Sample);
 
+// Vectors one after the other in a row.
+template <class Sample, std::size_t vectorCount> struct Group {
+    static constexpr std::size_t count = vectorCount, samples = count * perVector<Sample>;
+
+    Vector<Sample> vectors[count];
+};
+
 // One lane, for what gains nothing from more.
 typedef std::uint8_t Lane __attribute__((vector_size(16)));
 
@@ -219,6 +226,11 @@ inline S32s pairSums(S16s a, S16s b)
 inline S16s roundedProducts(S16s a, S16s b)
 {
     return as<std::int16_t>(ORV_VECTOR(mulhrs_epi16)(bitsOf(a), bitsOf(b)));
+}
+// The bytes at places below 16 of the lane of a table.
+inline U8s entriesOf(U8s table, U8s places)
+{
+    return as<std::uint8_t>(ORV_VECTOR(shuffle_epi8)(bitsOf(table), bitsOf(places)));
 }
 // The sums of the products of bytes and signed bytes two by two; they saturate.
 inline S16s pairSums(U8s a, S8s b)

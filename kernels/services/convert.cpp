@@ -75,56 +75,71 @@ template <class Sample, Rounding rounding> inline S32s toIntegers(Floats value)
     return whole;
 }
 
-// Stores a vector of bytes, or two of words, or four of integers, from four of integers. Packing works within lanes, so
-// what it gives is put in order after it.
-template <class Sample> inline void storeNarrowed(unsigned char *out, const S32s (&integers)[4])
-{
-    if constexpr (sizeof(Sample) == 4) {
-        for (std::size_t i = 0; i < 4; ++i)
-            storeVector<std::int32_t>(out, i * perVector<std::int32_t>, integers[i]);
-    } else {
-        using Word = std::conditional_t<sizeof(Sample) == 2, Sample, std::int16_t>;
-        const Vector<Word> low = packed<Word>(integers[0], integers[1]), high = packed<Word>(integers[2], integers[3]);
-        if constexpr (sizeof(Sample) == 2) {
-            storeVector<Sample>(out, 0, inOrderOfPairs(low));
-            storeVector<Sample>(out, perVector<Sample>, inOrderOfPairs(high));
-        } else {
-            storeVector<Sample>(out, 0, inOrderOfQuads(packed<Sample>(low, high)));
-        }
-    }
-}
-
-// Returns how many samples it has done.
-template <class Sample, Rounding rounding>
-inline std::size_t convertVectors(std::size_t samples, unsigned char *out, const unsigned char *in)
-{
-    const unsigned savedControl = krnSetMxcsrRound(mxcsrNearest);
-    constexpr std::size_t step = 4 * perVector<float>;
-    std::size_t i = 0;
-    for (; i + step <= samples; i += step) {
-        S32s integers[4];
-        for (std::size_t quarter = 0; quarter < 4; ++quarter)
-            integers[quarter] = toIntegers<Sample, rounding>(loadVector<float>(in, i + quarter * perVector<float>));
-        storeNarrowed<Sample>(out + i * sizeof(Sample), integers);
-    }
-    krnRestoreMxcsr(savedControl);
-    return i;
-}
-
 #endif
 
 template <class Sample, Rounding rounding> struct ToInteger {
     Sample operator()(float value) const { return toSample<Sample, rounding>(value); }
+
 #if ORV_VECTOR_BYTES > 0
-    std::size_t many(std::size_t samples, unsigned char *out, const unsigned char *in) const
+    // Of as many vectors of floats as a vector of samples has integers.
+    Group<Sample, 1> group(const unsigned char *in) const requires(sizeof(Sample) < sizeof(float))
     {
-        return convertVectors<Sample, rounding>(samples, out, in);
+        const auto integers = [in](std::size_t vector) {
+            return toIntegers<Sample, rounding>(loadVector<float>(in, vector * perVector<float>));
+        };
+        if constexpr (sizeof(Sample) == 2) {
+            return {inOrderOfPairs(packed<Sample>(integers(0), integers(1)))};
+        } else {
+            const S16s low = packed<std::int16_t>(integers(0), integers(1));
+            const S16s high = packed<std::int16_t>(integers(2), integers(3));
+            return {inOrderOfQuads(packed<Sample>(low, high))};
+        }
     }
 #endif
 };
 
 template <class Sample> struct ToFloat {
     float operator()(Sample value) const { return static_cast<float>(value); }
+
+#if ORV_VECTOR_BYTES > 0
+    auto group(const unsigned char *in) const requires(sizeof(Sample) < sizeof(float))
+    {
+        constexpr Upper upper = Range<Sample>::bottomSample < 0 ? Upper::Signs : Upper::Zeros;
+        const auto integers = widened<std::int32_t, Sample, upper>(loadVector<Sample>(in));
+        Group<float, integers.count> floats;
+        for (std::size_t i = 0; i < integers.count; ++i)
+            floats.vectors[i] = toFloats(integers.vectors[i]);
+        return floats;
+    }
+#endif
+};
+
+#if ORV_VECTOR_BYTES > 0
+
+template <Rounding rounding> inline S32s vectorOf(ToInteger<std::int32_t, rounding>, Floats floats)
+{
+    return toIntegers<std::int32_t, rounding>(floats);
+}
+inline Floats vectorOf(ToFloat<std::int32_t>, S32s integers)
+{
+    return toFloats(integers);
+}
+
+#endif
+
+// While it lives, vectors of floats round to the nearest integer.
+class NearestRounding {
+public:
+#if ORV_VECTOR_BYTES > 0
+    NearestRounding() : saved_(krnSetMxcsrRound(mxcsrNearest)) {}
+    ~NearestRounding()
+    {
+        krnRestoreMxcsr(saved_);
+    }
+
+private:
+    unsigned saved_;
+#endif
 };
 
 template <class Sample, std::size_t layout>
@@ -132,6 +147,7 @@ KrnStatus convertToIntegers(ConstRaster source, Raster destination, std::int32_t
                             std::int32_t rounding)
 {
     const auto run = [=](auto operation) {
+        [[maybe_unused]] const NearestRounding nearest;
         return compute<Sample, layout, float>(width, height, operation, destination, source);
     };
     switch (rounding) {
