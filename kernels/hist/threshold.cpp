@@ -88,13 +88,7 @@ inline S16s vectorOf(Binarize<std::int16_t, std::int16_t> binarize, S16s samples
 }
 inline U8s vectorOf(Binarize<std::uint8_t, std::uint8_t> binarize, U8s samples)
 {
-#if ORV_SHUFFLES
-    const U8s places = saturatingDifference(samples, everywhere(static_cast<std::uint8_t>(binarize.level - 1)));
-    const U8s table = as<std::uint8_t>(everywhere(static_cast<std::uint16_t>(binarize.low | binarize.high << 8)));
-    return entriesOf(table, minimum(places, everywhere<std::uint8_t>(1)));
-#else
     return binarize.chosenBy(binarize.reaches(samples));
-#endif
 }
 
 inline S16s vectorOf(ReplaceBelow<std::int16_t> replace, S16s samples)
@@ -119,14 +113,43 @@ inline U8s vectorOf(ReplaceAbove<std::uint8_t> replace, U8s samples)
 
 #endif
 
+#if ORV_SSE41
+
+// Saturation moves the samples that reach the level to the upper half of all bytes: up by one sum, or down by one
+// difference. Their upper bit is all that a blend looks at.
+template <bool up> struct BinarizeMoved : Binarize<std::uint8_t, std::uint8_t> {
+    U8s vector(U8s samples) const
+    {
+        const U8s way = everywhere(static_cast<std::uint8_t>(up ? 128 - level : level - 128));
+        const U8s moved = up ? saturatingSum(samples, way) : saturatingDifference(samples, way);
+        return chosenBySigns(moved, everywhere(high), everywhere(low));
+    }
+};
+
+template <class Out, std::size_t layout, class In>
+KrnStatus binarized(Binarize<Out, In> binarize, ConstRaster in, Raster out, std::int32_t width,
+                    std::int32_t height) requires(sizeof(Out) == 1 && sizeof(In) == 1)
+{
+    if (binarize.level <= 128)
+        return compute<Out, layout>(width, height, BinarizeMoved<true>{binarize}, out, in);
+    return compute<Out, layout>(width, height, BinarizeMoved<false>{binarize}, out, in);
+}
+
+#endif
+
+template <class Out, std::size_t layout, class In>
+KrnStatus binarized(Binarize<Out, In> binarize, ConstRaster in, Raster out, std::int32_t width, std::int32_t height)
+{
+    return compute<Out, layout, In>(width, height, inRange(binarize), out, in);
+}
+
 } // namespace
 
 #define ORV_BINARIZE(layout, stem, Out, In)                                                                         \
     KRN_KERNEL(BinarizeKernel, stem##layout)                                                                        \
     {                                                                                                               \
         const Binarize<Out, In> binarize = {static_cast<In>(level), static_cast<Out>(low), static_cast<Out>(high)}; \
-        return compute<Out, layout, In>(width, height, inRange(binarize), to(destination, step),                    \
-                                        from(source, sourceStep));                                                  \
+        return binarized<Out, layout>(binarize, from(source, sourceStep), to(destination, step), width, height);    \
     }
 
 ORV_LAYOUTS(ORV_BINARIZE, krnBinarize8u, std::uint8_t, std::uint8_t)

@@ -85,7 +85,6 @@ inline void computeGroups(std::size_t samples, Operator operation, Finish finish
     };
     const std::size_t tail = samples - Results::samples;
     std::size_t i = 0;
-    ORV_UNROLLED
     for (; i <= tail; i += Results::samples)
         computeAt(i);
     if (i != samples)
@@ -118,7 +117,6 @@ inline bool computedByVectors([[maybe_unused]] std::size_t samples, [[maybe_unus
 template <class Out, class In, class Operator, class... Source>
 [[gnu::noinline]] void computeRow(std::size_t samples, Operator operation, unsigned char *out, const Source *...in)
 {
-    std::size_t i = 0;
 #if ORV_VECTOR_BYTES > 0
     if (computedByVectors<Out, In>(
             samples, operation, [](Vector<Out> result, std::size_t) { return result; }, out, in...))
@@ -135,13 +133,15 @@ template <class Out, class In, class Operator, class... Source>
     constexpr bool byVectors = false;
 #endif
     if constexpr (byVectors || requires { operation.sampleBySample; }) {
-        for (; i < samples; ++i) {
+        // Hides that the row is short, for which the compiler would repeat the loop instead of running it.
+        __asm__("" : "+r"(samples));
+        for (std::size_t i = 0; i < samples; ++i) {
             ORV_NOT_VECTORIZED;
             store(out, i, static_cast<Out>(operation(load<In>(in, i)...)));
         }
     } else {
         ORV_INDEPENDENT
-        for (; i < samples; ++i)
+        for (std::size_t i = 0; i < samples; ++i)
             store(out, i, static_cast<Out>(operation(load<In>(in, i)...)));
     }
 }

@@ -227,11 +227,6 @@ inline S16s roundedProducts(S16s a, S16s b)
 {
     return as<std::int16_t>(ORV_VECTOR(mulhrs_epi16)(bitsOf(a), bitsOf(b)));
 }
-// The bytes at places below 16 of the lane of a table.
-inline U8s entriesOf(U8s table, U8s places)
-{
-    return as<std::uint8_t>(ORV_VECTOR(shuffle_epi8)(bitsOf(table), bitsOf(places)));
-}
 // The sums of the products of bytes and signed bytes two by two; they saturate.
 inline S16s pairSums(U8s a, S8s b)
 {
@@ -245,6 +240,11 @@ inline Vector<std::uint64_t> evenProducts(Vector<std::uint32_t> a, Vector<std::u
     return as<std::uint64_t>(ORV_VECTOR(mul_epu32)(bitsOf(a), bitsOf(b)));
 }
 #if ORV_SSE41
+// By the upper bit of each byte.
+inline U8s chosenBySigns(U8s signs, U8s yes, U8s no)
+{
+    return as<std::uint8_t>(ORV_VECTOR(blendv_epi8)(bitsOf(no), bitsOf(yes), bitsOf(signs)));
+}
 inline S32s evenProducts(S32s a, S32s b)
 {
     return as<std::int32_t>(ORV_VECTOR(mul_epi32)(bitsOf(a), bitsOf(b)));
