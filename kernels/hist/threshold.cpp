@@ -86,11 +86,6 @@ inline S16s vectorOf(Binarize<std::int16_t, std::int16_t> binarize, S16s samples
 {
     return binarize.chosenBy(binarize.reaches(samples));
 }
-inline U8s vectorOf(Binarize<std::uint8_t, std::uint8_t> binarize, U8s samples)
-{
-    return binarize.chosenBy(binarize.reaches(samples));
-}
-
 inline S16s vectorOf(ReplaceBelow<std::int16_t> replace, S16s samples)
 {
     return samples < everywhere(replace.level) ? everywhere(replace.value) : samples;
@@ -133,6 +128,13 @@ KrnStatus binarized(Binarize<Out, In> binarize, ConstRaster in, Raster out, std:
     if (binarize.level <= 128)
         return compute<Out, layout>(width, height, BinarizeMoved<true>{binarize}, out, in);
     return compute<Out, layout>(width, height, BinarizeMoved<false>{binarize}, out, in);
+}
+
+#elif ORV_VECTOR_BYTES > 0
+
+inline U8s vectorOf(Binarize<std::uint8_t, std::uint8_t> binarize, U8s samples)
+{
+    return binarize.chosenBy(binarize.reaches(samples));
 }
 
 #endif

@@ -159,18 +159,28 @@ TEST(Operands, ExtremesOfZerosAndNotANumbers)
         }
 }
 
-// Every sample at the level, and beside it.
+// Samples at each level, beside it and as far from it as they get; values of all kinds. Bits above a sample's are cut.
 TEST(Operands, ThresholdsAtEachLevel)
 {
     Random random(2);
     for (const Row &row : allRows())
         for (const double level : row.takes(LEVEL) && !row.takes(IN_PLACE) ? numbersOf(row.source) : Numbers()) {
             Trial trial(row, {200}, random);
-            trial.level = static_cast<int>(level);
-            trial.low = 0x12345678;
-            trial.high = static_cast<int>(0xFEDCBA98);
+            const auto drawValue = [&] {
+                const Numbers &numbers = numbersOf(row.destination);
+                const double any = numbers[random() % numbers.size()];
+                return static_cast<int>(random() % 3 == 0 ? any : static_cast<int>(random()));
+            };
+            const unsigned above = random() % 2 == 0 ? static_cast<unsigned>(random()) << 8 * row.source.bytes : 0;
+            trial.level = static_cast<int>(level) ^ static_cast<int>(above);
+            trial.low = drawValue();
+            trial.high = drawValue();
+            const double far[] = {row.source.lowest, row.source.highest, -1,           0, level - 128,
+                                  level + 128,       level - 32768,      level + 32768};
             trial.first.fill([&] {
-                return std::clamp(level + static_cast<double>(random() % 5) - 2, row.source.lowest, row.source.highest);
+                const double sample =
+                    random() % 3 == 0 ? far[random() % std::size(far)] : level + static_cast<double>(random() % 5) - 2;
+                return std::clamp(sample, row.source.lowest, row.source.highest);
             });
             ASSERT_TRUE(hold(trial, formulaOf(row)));
         }
