@@ -178,6 +178,7 @@ KrnStatus blendRows(std::size_t count, const void *const *rows, void *destinatio
     if (width < 1)
         return KRN_BAD_SIZE;
     const std::size_t samples = static_cast<std::size_t>(width) * samplesOf(layout);
+    ORV_INDEPENDENT
     for (std::size_t i = 0; i < samples; ++i)
         if (layout != AC4 || i % 4 != 3)
             store(destination, i, static_cast<Out>(between(i)));

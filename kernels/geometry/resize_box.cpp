@@ -23,9 +23,16 @@ KrnStatus addRow(const void *source, void *sums, std::int32_t samples, std::int3
         return KRN_BAD_SIZE;
     const DoublePrecision doubles;
     const Sum factor = static_cast<Sum>(weight);
-    for (std::size_t i = 0; i < static_cast<std::size_t>(samples); ++i) {
-        const Sum term = static_cast<Sum>(load<Sample>(source, i)) * factor;
-        store(sums, i, starts != 0 ? term : static_cast<Sum>(load<Sum>(sums, i) + term));
+    const std::size_t count = static_cast<std::size_t>(samples);
+    const auto term = [=](std::size_t i) { return static_cast<Sum>(load<Sample>(source, i)) * factor; };
+    if (starts != 0) {
+        ORV_INDEPENDENT
+        for (std::size_t i = 0; i < count; ++i)
+            store(sums, i, term(i));
+    } else {
+        ORV_INDEPENDENT
+        for (std::size_t i = 0; i < count; ++i)
+            store(sums, i, static_cast<Sum>(load<Sum>(sums, i) + term(i)));
     }
     return KRN_OK;
 }

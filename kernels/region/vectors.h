@@ -128,6 +128,14 @@ template <class Sample> inline Vector<Sample> chosen(Vector<Sample> mask, Vector
     return as<Sample>((bits & bitsOf(yes)) | (~bits & bitsOf(no)));
 }
 
+#if ORV_SSE41
+// By the upper bit of each byte.
+inline U8s chosenBySigns(U8s signs, U8s yes, U8s no)
+{
+    return as<std::uint8_t>(ORV_VECTOR(blendv_epi8)(bitsOf(no), bitsOf(yes), bitsOf(signs)));
+}
+#endif
+
 // One bit for each byte of the mask, whose bytes have all bits set or none.
 inline unsigned bitsOfMask(U8s mask)
 {
@@ -240,11 +248,6 @@ inline Vector<std::uint64_t> evenProducts(Vector<std::uint32_t> a, Vector<std::u
     return as<std::uint64_t>(ORV_VECTOR(mul_epu32)(bitsOf(a), bitsOf(b)));
 }
 #if ORV_SSE41
-// By the upper bit of each byte.
-inline U8s chosenBySigns(U8s signs, U8s yes, U8s no)
-{
-    return as<std::uint8_t>(ORV_VECTOR(blendv_epi8)(bitsOf(no), bitsOf(yes), bitsOf(signs)));
-}
 inline S32s evenProducts(S32s a, S32s b)
 {
     return as<std::int32_t>(ORV_VECTOR(mul_epi32)(bitsOf(a), bitsOf(b)));
