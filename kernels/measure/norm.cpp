@@ -1,4 +1,5 @@
-// Norms of integers.
+// Norms of integers. Maxima, sums and sums of squares of bytes are exact, so their order is free: rows without padding
+// are one row, and totals are doubles at the end only.
 #include "external.h"
 #include "signatures.h"
 
@@ -15,43 +16,203 @@ namespace {
 
 #include "norms.h"
 
-// Holds what a block of samples comes to.
-template <Norm norm, class Sample> struct TotalOf {
-    using Type = std::uint32_t;
+#include "norm_lanes.h"
+#include "norm_vectors.h"
+
+// The last samples of a row, with zeros after them, which change no norm. They are copied by vectors, of which the
+// last ends where the row does.
+template <class Lanes, class Sample> struct Tail {
+#if ORV_VECTOR_BYTES > 0
+    unsigned char bytes[ORV_VECTOR_BYTES + Lanes::samples * sizeof(Sample)];
+
+    const unsigned char *copy(const unsigned char *in, std::size_t tail, std::size_t row)
+    {
+        unsigned char *const out = bytes + ORV_VECTOR_BYTES;
+        for (std::size_t at = 0; at < sizeof bytes; at += ORV_VECTOR_BYTES)
+            storeVector<std::uint8_t>(bytes, at, U8s{});
+        if (row < ORV_VECTOR_BYTES) {
+            for (std::size_t at = 0; at < tail; ++at) {
+                ORV_NOT_VECTORIZED;
+                out[at] = in[at];
+            }
+            return out;
+        }
+        for (std::size_t at = 0; at + ORV_VECTOR_BYTES <= tail; at += ORV_VECTOR_BYTES)
+            storeVector<std::uint8_t>(out, at, loadVector<std::uint8_t>(in, at));
+        storeVector<std::uint8_t>(out + tail - ORV_VECTOR_BYTES, 0,
+                                  loadVector<std::uint8_t>(in + tail - ORV_VECTOR_BYTES));
+        return out;
+    }
+#else
+    const unsigned char *copy(const unsigned char *in, std::size_t, std::size_t) { return in; }
+#endif
 };
-template <> struct TotalOf<Norm::L2, std::int16_t> {
-    using Type = std::uint64_t;
+
+// Goes on over calls, until it is added to totals.
+template <class Lanes> struct Running {
+    Lanes lanes;
+    std::size_t room = Lanes::mostSteps;
+    Places places;
 };
 
-// What a sample adds to the total.
-template <Norm norm, class Sample> inline typename TotalOf<norm, Sample>::Type termOf(std::int32_t value)
+template <class Sample, class Lanes, class... Source>
+[[gnu::noinline]] void takeRows(Running<Lanes> &running, std::size_t samples, std::int32_t height, Source... rasters)
 {
-    const std::uint32_t magnitude = static_cast<std::uint32_t>(value < 0 ? -value : value);
-    if constexpr (norm == Norm::L2)
-        return typename TotalOf<norm, Sample>::Type{magnitude} * magnitude;
-    else
-        return magnitude;
+    Lanes lanes = running.lanes;
+    std::size_t room = running.room;
+    for (std::int32_t row = 0; row < height; ++row) {
+        const auto takeRow = [&](auto... in) {
+            for (std::size_t left = samples; left > 0;) {
+                Tail<Lanes, Sample> tails[sizeof...(in)];
+                std::size_t steps = left / Lanes::samples;
+                if (steps == 0) {
+                    std::size_t source = 0;
+                    ((in = tails[source++].copy(in, left * sizeof(Sample), samples * sizeof(Sample))), ...);
+                    lanes.take(left, in...);
+                    left = 0;
+                    steps = 1;
+                } else {
+                    steps = steps < room ? steps : room;
+                    for (std::size_t step = 0; step < steps; ++step) {
+                        lanes.take(Lanes::samples, in...);
+                        ((in += Lanes::samples * sizeof(Sample)), ...);
+                    }
+                    left -= steps * Lanes::samples;
+                }
+                room -= steps;
+                if (room == 0) {
+                    lanes.fold(running.places);
+                    room = Lanes::mostSteps;
+                }
+            }
+        };
+        takeRow(rasters.data...);
+        ((rasters = rasters.fromRow(1)), ...);
+    }
+    running.lanes = lanes;
+    running.room = room;
 }
 
-template <class Sample> inline std::int32_t valueAt(std::size_t i, const unsigned char *in)
+template <Norm norm, class Lanes>
+inline void addTo(double *totals, std::size_t channels, Running<Lanes> &running)
 {
-    return load<Sample>(in, i);
-}
-template <class Sample>
-inline std::int32_t valueAt(std::size_t i, const unsigned char *first, const unsigned char *second)
-{
-    return std::int32_t{load<Sample>(first, i)} - load<Sample>(second, i);
+    running.lanes.fold(running.places);
+    running.places.template addTo<norm>(totals, channels);
 }
 
-template <Norm norm, class Sample, std::size_t channels, class... Source>
-[[gnu::noinline]] void takeBlock(double *totals, std::size_t pixels, const Source *...in)
+// Rows that follow each other without padding are one.
+template <class Sample, class... Source>
+inline void join(std::size_t &samples, std::int32_t &height, Source... in)
 {
-    typename TotalOf<norm, Sample>::Type found[channels] = {};
-    for (std::size_t i = 0; i < pixels * channels; i += channels)
-        for (std::size_t channel = 0; channel < channels; ++channel)
-            found[channel] = joined<norm>(found[channel], termOf<norm, Sample>(valueAt<Sample>(i + channel, in...)));
-    for (std::size_t channel = 0; channel < channels; ++channel)
-        totals[channel] = joined<norm>(totals[channel], static_cast<double>(found[channel]));
+    if (height > 1 && (... && (static_cast<std::size_t>(in.step) == samples * sizeof(Sample)))) {
+        samples *= static_cast<std::size_t>(height);
+        height = 1;
+    }
+}
+
+// All rows in one run. The second function goes over parts that stay in the cache from the one norm to the other.
+template <Norm norm, class Sample, bool oneChannel, class... Source>
+inline void takeAll(std::size_t channels, double *totals, std::size_t samples, std::int32_t height, Source... in)
+{
+    Running<Lanes<norm, Sample, oneChannel>> running;
+    join<Sample>(samples, height, in...);
+    takeRows<Sample>(running, samples, height, in...);
+    addTo<norm>(totals, channels, running);
+}
+
+template <Norm norm, class Sample, bool oneChannel>
+inline void takeBoth(std::size_t channels, double *totals, std::size_t samples, std::int32_t height, ConstRaster first,
+                     ConstRaster second)
+{
+    using Kind = Lanes<norm, Sample, oneChannel>;
+    constexpr std::size_t most = 9216 / sizeof(Sample); // samples of a part
+    static_assert(most % Kind::samples == 0);
+    Running<Kind> numerators, denominators;
+    join<Sample>(samples, height, first, second);
+    const auto take = [&](std::size_t some, std::int32_t rows) {
+        takeRows<Sample>(numerators, some, rows, first, second);
+        takeRows<Sample>(denominators, some, rows, second);
+    };
+    if (height == 1) {
+        for (; samples > most; samples -= most) {
+            take(most, 1);
+            first = first.fromByte(most * sizeof(Sample));
+            second = second.fromByte(most * sizeof(Sample));
+        }
+        take(samples, 1);
+    } else {
+        const std::int32_t atOnce = samples < most ? static_cast<std::int32_t>(most / samples) : 1;
+        for (; height > 0; height -= atOnce) {
+            take(samples, height < atOnce ? height : atOnce);
+            first = first.fromRow(atOnce);
+            second = second.fromRow(atOnce);
+        }
+    }
+    addTo<norm>(totals, channels, numerators);
+    addTo<norm>(totals + firstDenominator, channels, denominators);
+}
+
+// Squares of words may come to more than doubles hold. Then each block of a row is one run, else the order is free.
+template <Norm norm, class Sample> inline bool areExact(const double *totals, std::size_t pixels, std::int32_t height)
+{
+    if (norm != Norm::L2 || sizeof(Sample) == 1)
+        return true;
+    constexpr double mostExact = 9007199254740992.0, mostSquare = 4294967296.0;
+    double largest = 0;
+    for (std::size_t i = 0; i < normSums; ++i)
+        largest = joined<Norm::Inf>(largest, totals[i]);
+    return largest + static_cast<double>(pixels) * height * mostSquare <= mostExact;
+}
+
+template <Norm norm, class Sample, class Take, class... Source>
+void takeInOrder(std::size_t channels, const double *totals, std::size_t pixels, std::int32_t height, Take take,
+                 Source... in)
+{
+    if (areExact<norm, Sample>(totals, pixels, height))
+        return take(pixels * channels, height, in...);
+    if (height > 1) {
+        const std::int32_t half = height / 2;
+        takeInOrder<norm, Sample>(channels, totals, pixels, half, take, in...);
+        return takeInOrder<norm, Sample>(channels, totals, pixels, height - half, take, in.fromRow(half)...);
+    }
+    for (; pixels > mostPixels; pixels -= mostPixels) {
+        take(mostPixels * channels, 1, in...);
+        ((in = in.fromByte(static_cast<std::int64_t>(mostPixels * channels * sizeof(Sample)))), ...);
+    }
+    take(pixels * channels, 1, in...);
+}
+
+// Calls run(constant) where the constant tells whether there is a shorter way for one channel.
+template <Norm norm, class Sample, class Run> inline void withOneChannel(std::size_t channels, Run run)
+{
+    if constexpr (norm == Norm::L1 && sizeof(Sample) == 1 && ORV_VECTOR_BYTES > 0)
+        if (channels == 1)
+            return run(std::true_type());
+    run(std::false_type());
+}
+
+template <Norm norm, class Sample, class... Source>
+[[gnu::noinline]] void measure(std::size_t channels, double *totals, std::int32_t width, std::int32_t height,
+                               Source... in)
+{
+    withOneChannel<norm, Sample>(channels, [=](auto oneChannel) {
+        const auto take = [=](std::size_t samples, std::int32_t rows, auto... sources) {
+            takeAll<norm, Sample, decltype(oneChannel)::value>(channels, totals, samples, rows, sources...);
+        };
+        takeInOrder<norm, Sample>(channels, totals, static_cast<std::size_t>(width), height, take, in...);
+    });
+}
+
+template <Norm norm, class Sample>
+[[gnu::noinline]] void measureBoth(std::size_t channels, double *totals, std::int32_t width, std::int32_t height,
+                                   ConstRaster first, ConstRaster second)
+{
+    withOneChannel<norm, Sample>(channels, [=](auto oneChannel) {
+        const auto take = [=](std::size_t samples, std::int32_t rows, ConstRaster one, ConstRaster other) {
+            takeBoth<norm, Sample, decltype(oneChannel)::value>(channels, totals, samples, rows, one, other);
+        };
+        takeInOrder<norm, Sample>(channels, totals, static_cast<std::size_t>(width), height, take, first, second);
+    });
 }
 
 } // namespace

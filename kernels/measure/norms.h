@@ -35,6 +35,9 @@ inline void takeRow(double *totals, std::size_t pixels, const Source *...in)
     takeBlock<norm, Sample, channels>(totals, pixels, in...);
 }
 
+// Totals of denominators come after those of numerators.
+constexpr std::size_t firstDenominator = normSums / 2;
+
 // The totals of a call, which goes on with those of an earlier one.
 struct Totals {
     double of[normSums];
@@ -50,6 +53,15 @@ struct Totals {
             sums[i] = of[i];
     }
 };
+
+// Norms of integers are exact but for a few, and are computed by rows or by all of them at once: their source defines
+// these instead. The first adds to totals, and the second also adds those of the second raster to denominators.
+template <class Sample> constexpr bool isInteger = static_cast<Sample>(0.5) == 0;
+template <Norm norm, class Sample, class... Source>
+void measure(std::size_t channels, double *totals, std::int32_t width, std::int32_t height, Source... in);
+template <Norm norm, class Sample>
+void measureBoth(std::size_t channels, double *totals, std::int32_t width, std::int32_t height, ConstRaster first,
+                 ConstRaster second);
 
 template <Norm norm> inline double normOf(double total)
 {
@@ -67,8 +79,11 @@ inline KrnStatus absolute(std::int32_t width, std::int32_t height, double *norms
         return status;
     const DoublePrecision doubles;
     Totals totals(sums);
-    for (std::int32_t row = 0; row < height; ++row)
-        takeRow<norm, Sample, channels>(totals.of, static_cast<std::size_t>(width), in.fromRow(row).data...);
+    if constexpr (isInteger<Sample>)
+        measure<norm, Sample>(channels, totals.of, width, height, in...);
+    else
+        for (std::int32_t row = 0; row < height; ++row)
+            takeRow<norm, Sample, channels>(totals.of, static_cast<std::size_t>(width), in.fromRow(row).data...);
     totals.keep(sums);
     for (std::size_t channel = 0; channel < measured; ++channel)
         norms[channel] = normOf<norm>(totals.of[channel]);
@@ -87,25 +102,28 @@ template <Norm norm> inline double quotient(double numerator, double denominator
     }
 }
 
-// Of the difference, over that of the second raster. Maxima of bytes end where they can grow no more.
+// Of the difference, over that of the second raster.
 template <Norm norm, class Sample, std::size_t layout>
 inline KrnStatus relative(std::int32_t width, std::int32_t height, double *norms, double *sums, ConstRaster first,
                           ConstRaster second)
 {
     constexpr std::size_t channels = samplesOf(layout), measured = layout == AC4 ? 3 : layout;
-    constexpr bool ends = norm == Norm::Inf && sizeof(Sample) == 1 && layout == C1;
     if (first.data == nullptr || second.data == nullptr || norms == nullptr)
         return KRN_NULL_POINTER;
     if (const KrnStatus status = testRasters(width, height, first, second); status != KRN_OK)
         return status;
     const DoublePrecision doubles;
     Totals totals(sums);
-    double *const denominators = totals.of + normSums / 2;
-    const std::size_t pixels = static_cast<std::size_t>(width);
-    for (std::int32_t row = 0; row < height && !(ends && totals.of[0] + denominators[0] >= 510); ++row) {
-        const unsigned char *const in = second.fromRow(row).data;
-        takeRow<norm, Sample, channels>(totals.of, pixels, first.fromRow(row).data, in);
-        takeRow<norm, Sample, channels>(denominators, pixels, in);
+    double *const denominators = totals.of + firstDenominator;
+    if constexpr (isInteger<Sample>) {
+        measureBoth<norm, Sample>(channels, totals.of, width, height, first, second);
+    } else {
+        const std::size_t pixels = static_cast<std::size_t>(width);
+        for (std::int32_t row = 0; row < height; ++row) {
+            const unsigned char *const in = second.fromRow(row).data;
+            takeRow<norm, Sample, channels>(totals.of, pixels, first.fromRow(row).data, in);
+            takeRow<norm, Sample, channels>(denominators, pixels, in);
+        }
     }
     totals.keep(sums);
     KrnStatus status = KRN_OK;

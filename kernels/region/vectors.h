@@ -199,9 +199,34 @@ inline U16s minimum(U16s a, U16s b)
     return as<std::uint16_t>(ORV_VECTOR(min_epu16)(bitsOf(a), bitsOf(b)));
 }
 #endif
+inline U16s maximum(U16s a, U16s b)
+{
+#if ORV_SSE41
+    return as<std::uint16_t>(ORV_VECTOR(max_epu16)(bitsOf(a), bitsOf(b)));
+#else
+    return a + as<std::uint16_t>(ORV_VECTOR(subs_epu16)(bitsOf(b), bitsOf(a)));
+#endif
+}
+
+// Of the lowest word, too.
+inline U16s magnitudes(S16s a)
+{
+#if ORV_SHUFFLES
+    return as<std::uint16_t>(ORV_VECTOR(abs_epi16)(bitsOf(a)));
+#else
+    return as<std::uint16_t>(maximum(a, -a));
+#endif
+}
+
 inline Floats squareRoot(Floats a)
 {
     return reinterpret_cast<Floats>(ORV_VECTOR(sqrt_ps)(reinterpret_cast<FloatBits>(a)));
+}
+
+// The magnitudes of differences of bytes, added up in each eight bytes.
+inline Vector<std::uint64_t> differenceSums(U8s a, U8s b)
+{
+    return as<std::uint64_t>(ORV_VECTOR(sad_epu8)(bitsOf(a), bitsOf(b)));
 }
 
 // The high words of the products of words; the low ones are those of the operator.
