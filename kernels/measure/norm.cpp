@@ -62,24 +62,22 @@ template <class Sample, class Lanes, class... Source>
     std::size_t room = running.room;
     for (std::int32_t row = 0; row < height; ++row) {
         const auto takeRow = [&](auto... in) {
+            Tail<Lanes, Sample> tails[sizeof...(in)];
             for (std::size_t left = samples; left > 0;) {
-                Tail<Lanes, Sample> tails[sizeof...(in)];
-                std::size_t steps = left / Lanes::samples;
+                std::size_t some = Lanes::samples, steps = left / some;
                 if (steps == 0) {
                     std::size_t source = 0;
                     ((in = tails[source++].copy(in, left * sizeof(Sample), samples * sizeof(Sample))), ...);
-                    lanes.take(left, in...);
-                    left = 0;
+                    some = left;
                     steps = 1;
-                } else {
-                    steps = steps < room ? steps : room;
-                    for (std::size_t step = 0; step < steps; ++step) {
-                        lanes.take(Lanes::samples, in...);
-                        ((in += Lanes::samples * sizeof(Sample)), ...);
-                    }
-                    left -= steps * Lanes::samples;
                 }
+                steps = steps < room ? steps : room;
+                left -= steps * some;
                 room -= steps;
+                for (; steps > 0; --steps) {
+                    lanes.take(some, in...);
+                    ((in += Lanes::samples * sizeof(Sample)), ...);
+                }
                 if (room == 0) {
                     lanes.fold(running.places);
                     room = Lanes::mostSteps;
@@ -116,6 +114,8 @@ inline void takeAll(std::size_t channels, double *totals, std::size_t samples, s
 {
     Running<Lanes<norm, Sample, oneChannel>> running;
     join<Sample>(samples, height, in...);
+    // Hides that this is one row, for which the compiler would make a second function.
+    __asm__("" : "+r"(height));
     takeRows<Sample>(running, samples, height, in...);
     addTo<norm>(totals, channels, running);
 }
@@ -130,6 +130,7 @@ inline void takeBoth(std::size_t channels, double *totals, std::size_t samples, 
     Running<Kind> numerators, denominators;
     join<Sample>(samples, height, first, second);
     const auto take = [&](std::size_t some, std::int32_t rows) {
+        __asm__("" : "+r"(rows));
         takeRows<Sample>(numerators, some, rows, first, second);
         takeRows<Sample>(denominators, some, rows, second);
     };

@@ -17,8 +17,9 @@ struct Places {
     template <Norm norm> void addTo(double *totals, std::size_t channels) const
     {
         std::uint64_t found[4] = {};
-        for (std::size_t place = 0; place < count; ++place)
-            found[place % channels] = joined<norm>(found[place % channels], of[place]);
+        for (std::size_t place = 0; place < count; place += channels)
+            for (std::size_t channel = 0; channel < channels; ++channel)
+                found[channel] = joined<norm>(found[channel], of[place + channel]);
         for (std::size_t channel = 0; channel < channels; ++channel)
             totals[channel] = joined<norm>(totals[channel], static_cast<double>(found[channel]));
     }

@@ -1,10 +1,11 @@
 // Lanes of norm_lanes.h by vectors.
 //
-// A step takes three vectors, or twice as many, for then it is whole pixels of 1, 3 and 4 samples.
+// Three vectors are whole pixels of 1, 3 and 4 samples. A step takes twice as many: sums then have pairs of samples
+// that are of one channel.
 
 #if ORV_VECTOR_BYTES > 0
 
-constexpr std::size_t period = 3;
+constexpr std::size_t period = 3, perStep = 2 * period;
 
 using U32s = Vector<std::uint32_t>;
 using U64s = Vector<std::uint64_t>;
@@ -15,7 +16,7 @@ inline U8s magnitudesOf(U8s a)
 }
 inline U8s magnitudesOf(U8s a, U8s b)
 {
-    return saturatingDifference(a, b) | saturatingDifference(b, a);
+    return maximum(a, b) - minimum(a, b);
 }
 inline U16s magnitudesOf(S16s a)
 {
@@ -23,12 +24,12 @@ inline U16s magnitudesOf(S16s a)
 }
 inline U16s magnitudesOf(S16s a, S16s b)
 {
-    return as<std::uint16_t>(maximum(a, b)) - as<std::uint16_t>(minimum(a, b));
+    return as<std::uint16_t>(maximum(a, b) - minimum(a, b));
 }
 
 template <class Sample, class... Source> inline auto magnitudesAt(std::size_t vector, const Source *...in)
 {
-    return magnitudesOf(loadVector<Sample>(in, vector * perVector<Sample>)...);
+    return magnitudesOf(loadVectorOnce<Sample>(in, vector * perVector<Sample>)...);
 }
 
 // Calls of(lane, value) for the lanes of a vector.
@@ -40,17 +41,43 @@ template <class Value, class Of> inline void overLanes(Vector<Value> vector, Of 
         of(lane, values[lane]);
 }
 
+// Sums of 32 bits of the samples of a period. A vector has four samples in each lane of 16 bytes; with `first` the
+// first of them is said. Vectors of which this is the same modulo 3 have the same channels in the same places, so three
+// sums do.
+template <class Sample> struct WideSums {
+    U32s of[period] = {};
+
+    static constexpr std::size_t sumAt(std::size_t first) { return first % period; }
+    void add(std::size_t first, U32s values) { of[sumAt(first)] += values; }
+    // Twice as many, of 16 bits.
+    void addWords(std::size_t first, U16s words)
+    {
+        add(first, as<std::uint32_t>(interleaveLow<std::uint16_t>(words, U16s{})));
+        add(first + 4, as<std::uint32_t>(interleaveHigh<std::uint16_t>(words, U16s{})));
+    }
+    void foldInto(Places &places, std::uint64_t factor = 1) const
+    {
+        for (std::size_t i = 0; i < period; ++i) {
+            const std::size_t sum = i; // what a lambda may capture
+            overLanes<std::uint32_t>(of[i], [&](std::size_t lane, std::uint32_t value) {
+                const std::size_t lower = lane / 4 * (sizeof(Lane) / sizeof(Sample));
+                places.join<Norm::L1>(4 * sum + lower + lane % 4, value * factor);
+            });
+        }
+    }
+};
+
 template <Norm norm, class Sample, bool oneChannel> struct Lanes;
 
 // Maxima.
-template <class Sample, bool oneChannel> struct Lanes<Norm::Inf, Sample, oneChannel> {
-    static constexpr std::size_t samples = period * perVector<Sample>, mostSteps = ~std::size_t{0};
+template <class Sample> struct Lanes<Norm::Inf, Sample, false> {
+    static constexpr std::size_t samples = perStep * perVector<Sample>, mostSteps = ~std::size_t{0};
     Vector<Unsigned<Sample>> top[period] = {};
 
     template <class... Source> void take(std::size_t, const Source *...in)
     {
-        for (std::size_t v = 0; v < period; ++v)
-            top[v] = maximum(top[v], magnitudesAt<Sample>(v, in...));
+        for (std::size_t v = 0; v < perStep; ++v)
+            top[v % period] = maximum(top[v % period], magnitudesAt<Sample>(v, in...));
     }
     void fold(Places &places)
     {
@@ -61,48 +88,16 @@ template <class Sample, bool oneChannel> struct Lanes<Norm::Inf, Sample, oneChan
     }
 };
 
-// Sums. Two neighbours are added as one sample of twice the width, which wraps, and the odd one on its own. What the
-// sums of both say together is exact for as many steps as a sum of either fits that width.
-template <class Sample, bool oneChannel> struct Lanes<Norm::L1, Sample, oneChannel> {
-    using Pair = std::conditional_t<sizeof(Sample) == 1, std::uint16_t, std::uint32_t>;
-    static constexpr std::size_t samples = period * perVector<Sample>;
-    static constexpr std::size_t mostSteps = sizeof(Sample) == 1 ? 256 : 65536;
-    static constexpr int bits = 8 * sizeof(Sample);
-    Vector<Pair> both[period] = {}, odd[period] = {};
-
-    template <class... Source> void take(std::size_t, const Source *...in)
-    {
-        for (std::size_t v = 0; v < period; ++v) {
-            const Vector<Pair> pairs = as<Pair>(magnitudesAt<Sample>(v, in...));
-            both[v] += pairs;
-            odd[v] += pairs >> bits;
-        }
-    }
-    void fold(Places &places)
-    {
-        for (std::size_t v = 0; v < period; ++v) {
-            const std::size_t first = v * perVector<Sample>;
-            overLanes<Pair>(both[v] - (odd[v] << bits), [&](std::size_t lane, Pair sum) {
-                places.join<Norm::L1>(first + 2 * lane, sum);
-            });
-            overLanes<Pair>(odd[v], [&](std::size_t lane, Pair sum) {
-                places.join<Norm::L1>(first + 2 * lane + 1, sum);
-            });
-        }
-        *this = {};
-    }
-};
-
 // Sums of bytes of one channel, by the instruction for these.
 template <> struct Lanes<Norm::L1, std::uint8_t, true> {
-    static constexpr std::size_t samples = period * perVector<std::uint8_t>, mostSteps = ~std::size_t{0};
+    static constexpr std::size_t samples = perStep * perVector<std::uint8_t>, mostSteps = ~std::size_t{0};
     U64s sums[period] = {};
 
     static U64s sumsOf(U8s a, U8s b = U8s{}) { return differenceSums(a, b); }
     template <class... Source> void take(std::size_t, const Source *...in)
     {
-        for (std::size_t v = 0; v < period; ++v)
-            sums[v] += sumsOf(loadVector<std::uint8_t>(in, v * perVector<std::uint8_t>)...);
+        for (std::size_t v = 0; v < perStep; ++v)
+            sums[v % period] += sumsOf(loadVector<std::uint8_t>(in, v * perVector<std::uint8_t>)...);
     }
     void fold(Places &places)
     {
@@ -111,27 +106,75 @@ template <> struct Lanes<Norm::L1, std::uint8_t, true> {
     }
 };
 
-// Sums of squares have 32 bits a sample. Four samples in each lane of 16 bytes start at the sample `first` of a step.
-// Vectors of which this is the same modulo 3 have the same channels in the same places, so three sums do.
-constexpr std::size_t sumOf(std::size_t first)
-{
-    return first % period;
-}
-template <class Sample> inline std::size_t placeOf(std::size_t sum, std::size_t lane)
-{
-    return 4 * sum + lane / 4 * (sizeof(Lane) / sizeof(Sample)) + lane % 4;
-}
+// Sums of bytes. Two neighbours are added as one word, which wraps, and the odd one on its own. What both say together
+// is exact for as many steps as the sum of either fits a word.
+template <> struct Lanes<Norm::L1, std::uint8_t, false> {
+    static constexpr std::size_t samples = perStep * perVector<std::uint8_t>, mostSteps = 128;
+    U16s both[period] = {}, odd[period] = {};
 
-// The same samples of two periods side by side are multiplied and added up at once.
-template <bool oneChannel> struct Lanes<Norm::L2, std::uint8_t, oneChannel> {
-    static constexpr std::size_t samples = 2 * period * perVector<std::uint8_t>;
+    template <class... Source> void take(std::size_t, const Source *...in)
+    {
+        for (std::size_t v = 0; v < perStep; ++v) {
+            const U16s pairs = as<std::uint16_t>(magnitudesAt<std::uint8_t>(v, in...));
+            both[v % period] += pairs;
+            odd[v % period] += pairs >> 8;
+        }
+    }
+    void fold(Places &places)
+    {
+        WideSums<std::uint8_t> sums;
+        for (std::size_t v = 0; v < period; ++v) {
+            const std::size_t first = v * perVector<std::uint8_t>;
+            const U16s even = both[v] - (odd[v] << 8);
+            sums.addWords(first, interleaveLow<std::uint16_t>(even, odd[v]));
+            sums.addWords(first + 8, interleaveHigh<std::uint16_t>(even, odd[v]));
+        }
+        sums.foldInto(places);
+        *this = {};
+    }
+};
+
+// Sums of words. Words wrap too soon, but tell the last bits of a sum; how often they wrap follows from the upper bytes
+// of means of two. A sum of two is at least 512 times that byte less 1, and less than 512 more than that.
+template <> struct Lanes<Norm::L1, std::int16_t, false> {
+    static constexpr std::size_t samples = perStep * perVector<std::int16_t>;
+    static constexpr std::uint16_t mostSteps = 127; // 512 times it fits a word
+    U16s sums[period] = {}, upper[period] = {};
+
+    template <class... Source> void take(std::size_t, const Source *...in)
+    {
+        for (std::size_t v = 0; v < period; ++v) {
+            const U16s a = magnitudesAt<std::int16_t>(v, in...), b = magnitudesAt<std::int16_t>(v + period, in...);
+            sums[v] += a;
+            sums[v] += b;
+            upper[v] += roundedMeans(a, b) >> 8;
+        }
+    }
+    void fold(Places &places)
+    {
+        WideSums<std::int16_t> wide, multiples;
+        for (std::size_t v = 0; v < period; ++v) {
+            const std::size_t first = v * perVector<std::int16_t>;
+            wide.addWords(first, sums[v] - (upper[v] << 9) + mostSteps);
+            multiples.addWords(first, upper[v]);
+        }
+        for (std::size_t i = 0; i < period; ++i)
+            wide.of[i] += (multiples.of[i] << 9) - std::uint32_t{2 * mostSteps}; // of two halves of vectors
+        wide.foldInto(places);
+        *this = {};
+    }
+};
+
+// Sums of squares of bytes: the same samples of two periods side by side are multiplied and added up at once.
+template <> struct Lanes<Norm::L2, std::uint8_t, false> {
+    static constexpr std::size_t samples = perStep * perVector<std::uint8_t>;
     static constexpr std::size_t mostSteps = 8192; // of four times two squares each
-    U32s sums[period] = {};
+    WideSums<std::uint8_t> sums;
 
     void add(std::size_t first, U8s words)
     {
         const S16s values = as<std::int16_t>(words);
-        sums[sumOf(first)] += as<std::uint32_t>(pairSums(values, values));
+        sums.add(first, as<std::uint32_t>(pairSums(values, values)));
     }
     void addHalves(std::size_t first, U8s pairs)
     {
@@ -148,24 +191,21 @@ template <bool oneChannel> struct Lanes<Norm::L2, std::uint8_t, oneChannel> {
     }
     void fold(Places &places)
     {
-        for (std::size_t i = 0; i < period; ++i)
-            overLanes<std::uint32_t>(sums[i], [&](std::size_t lane, std::uint32_t sum) {
-                places.join<Norm::L2>(placeOf<std::uint8_t>(i, lane), sum);
-            });
+        sums.foldInto(places);
         *this = {};
     }
 };
 
 // Squares of words fill 32 bits. Their sums wrap; those of their upper halves do not, and tell how often.
-template <bool oneChannel> struct Lanes<Norm::L2, std::int16_t, oneChannel> {
-    static constexpr std::size_t samples = 2 * period * perVector<std::int16_t>;
+template <> struct Lanes<Norm::L2, std::int16_t, false> {
+    static constexpr std::size_t samples = perStep * perVector<std::int16_t>;
     static constexpr std::size_t mostSteps = 16384; // of four squares each
-    U32s sums[period] = {}, upper[period] = {};
+    WideSums<std::int16_t> sums, upper;
 
     void add(std::size_t first, U32s squares)
     {
-        sums[sumOf(first)] += squares;
-        upper[sumOf(first)] += squares >> 16;
+        sums.add(first, squares);
+        upper.add(first, squares >> 16);
     }
     // Two squares of signed words fit 32 bits, and so does one of a difference.
     void take(std::size_t, const unsigned char *in)
@@ -181,7 +221,7 @@ template <bool oneChannel> struct Lanes<Norm::L2, std::int16_t, oneChannel> {
     }
     void take(std::size_t, const unsigned char *one, const unsigned char *other)
     {
-        for (std::size_t v = 0; v < 2 * period; ++v) {
+        for (std::size_t v = 0; v < perStep; ++v) {
             const U16s a = magnitudesAt<std::int16_t>(v, one, other), low = a * a, high = highProducts(a, a);
             add(v * perVector<std::int16_t>, as<std::uint32_t>(interleaveLow<std::uint16_t>(low, high)));
             add(v * perVector<std::int16_t> + 4, as<std::uint32_t>(interleaveHigh<std::uint16_t>(low, high)));
@@ -189,15 +229,10 @@ template <bool oneChannel> struct Lanes<Norm::L2, std::int16_t, oneChannel> {
     }
     void fold(Places &places)
     {
-        for (std::size_t i = 0; i < period; ++i) {
-            const std::size_t sum = i;
-            overLanes<std::uint32_t>(upper[i], [&](std::size_t lane, std::uint32_t value) {
-                places.join<Norm::L2>(placeOf<std::int16_t>(sum, lane), std::uint64_t{value} << 16);
-            });
-            overLanes<std::uint32_t>(sums[i] - (upper[i] << 16), [&](std::size_t lane, std::uint32_t value) {
-                places.join<Norm::L2>(placeOf<std::int16_t>(sum, lane), value);
-            });
-        }
+        for (std::size_t i = 0; i < period; ++i)
+            sums.of[i] -= upper.of[i] << 16;
+        sums.foldInto(places);
+        upper.foldInto(places, 65536);
         *this = {};
     }
 };

@@ -223,6 +223,12 @@ inline Floats squareRoot(Floats a)
     return reinterpret_cast<Floats>(ORV_VECTOR(sqrt_ps)(reinterpret_cast<FloatBits>(a)));
 }
 
+// The means of two, with ties up.
+inline U16s roundedMeans(U16s a, U16s b)
+{
+    return as<std::uint16_t>(ORV_VECTOR(avg_epu16)(bitsOf(a), bitsOf(b)));
+}
+
 // The magnitudes of differences of bytes, added up in each eight bytes.
 inline Vector<std::uint64_t> differenceSums(U8s a, U8s b)
 {
