@@ -44,7 +44,10 @@ template <class Lanes, class Sample> struct Tail {
         return out;
     }
 #else
-    const unsigned char *copy(const unsigned char *in, std::size_t, std::size_t) { return in; }
+    const unsigned char *copy(const unsigned char *in, std::size_t, std::size_t)
+    {
+        return in;
+    }
 #endif
 };
 
@@ -91,16 +94,14 @@ template <class Sample, class Lanes, class... Source>
     running.room = room;
 }
 
-template <Norm norm, class Lanes>
-inline void addTo(double *totals, std::size_t channels, Running<Lanes> &running)
+template <Norm norm, class Lanes> inline void addTo(double *totals, std::size_t channels, Running<Lanes> &running)
 {
     running.lanes.fold(running.places);
     running.places.template addTo<norm>(totals, channels);
 }
 
 // Rows that follow each other without padding are one.
-template <class Sample, class... Source>
-inline void join(std::size_t &samples, std::int32_t &height, Source... in)
+template <class Sample, class... Source> inline void join(std::size_t &samples, std::int32_t &height, Source... in)
 {
     if (height > 1 && (... && (static_cast<std::size_t>(in.step) == samples * sizeof(Sample)))) {
         samples *= static_cast<std::size_t>(height);
@@ -112,7 +113,7 @@ inline void join(std::size_t &samples, std::int32_t &height, Source... in)
 template <Norm norm, class Sample, bool oneChannel, class... Source>
 inline void takeAll(std::size_t channels, double *totals, std::size_t samples, std::int32_t height, Source... in)
 {
-    Running<Lanes<norm, Sample, oneChannel>> running;
+    Running<Lanes<norm, Sample, oneChannel, (sizeof...(in) > 1)>> running;
     join<Sample>(samples, height, in...);
     // Hides that this is one row, for which the compiler would make a second function.
     __asm__("" : "+r"(height));
@@ -124,10 +125,12 @@ template <Norm norm, class Sample, bool oneChannel>
 inline void takeBoth(std::size_t channels, double *totals, std::size_t samples, std::int32_t height, ConstRaster first,
                      ConstRaster second)
 {
-    using Kind = Lanes<norm, Sample, oneChannel>;
+    using Differences = Lanes<norm, Sample, oneChannel, true>;
+    using Samples = Lanes<norm, Sample, oneChannel, false>;
     constexpr std::size_t most = 9216 / sizeof(Sample); // samples of a part
-    static_assert(most % Kind::samples == 0);
-    Running<Kind> numerators, denominators;
+    static_assert(most % Differences::samples == 0 && most % Samples::samples == 0);
+    Running<Differences> numerators;
+    Running<Samples> denominators;
     join<Sample>(samples, height, first, second);
     const auto take = [&](std::size_t some, std::int32_t rows) {
         __asm__("" : "+r"(rows));
@@ -186,7 +189,7 @@ void takeInOrder(std::size_t channels, const double *totals, std::size_t pixels,
 // Calls run(constant) where the constant tells whether there is a shorter way for one channel.
 template <Norm norm, class Sample, class Run> inline void withOneChannel(std::size_t channels, Run run)
 {
-    if constexpr (norm == Norm::L1 && sizeof(Sample) == 1 && ORV_VECTOR_BYTES > 0)
+    if constexpr (norm != Norm::Inf && sizeof(Sample) == 1 && ORV_VECTOR_BYTES > 0)
         if (channels == 1)
             return run(std::true_type());
     run(std::false_type());

@@ -38,14 +38,14 @@ template <Norm norm, class Sample> struct TermOf {
     using Type = std::conditional_t<norm == Norm::L2, std::uint32_t, Unsigned<Sample>>;
 };
 template <Norm norm, class Sample> struct LaneOf {
-    using Type = std::conditional_t<norm == Norm::Inf, Unsigned<Sample>,
-                                    std::conditional_t<sizeof(Sample) == 1 && norm == Norm::L1, std::uint16_t,
-                                                       std::conditional_t<sizeof(Sample) == 2 && norm == Norm::L2,
-                                                                          std::uint64_t, std::uint32_t>>>;
+    using Type = std::conditional_t<
+        norm == Norm::Inf, Unsigned<Sample>,
+        std::conditional_t<sizeof(Sample) == 1 && norm == Norm::L1, std::uint16_t,
+                           std::conditional_t<sizeof(Sample) == 2 && norm == Norm::L2, std::uint64_t, std::uint32_t>>>;
 };
 
 // Many lanes, of which the compiler makes a loop of vectors.
-template <Norm norm, class Sample, bool> struct Lanes {
+template <Norm norm, class Sample, bool oneChannel, bool differs> struct Lanes {
     using Term = typename TermOf<norm, Sample>::Type;
     using Lane = typename LaneOf<norm, Sample>::Type;
     static constexpr std::size_t samples = 16 * Places::count;

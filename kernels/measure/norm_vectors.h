@@ -37,6 +37,7 @@ template <class Value, class Of> inline void overLanes(Vector<Value> vector, Of 
 {
     Value values[perVector<Value>];
     __builtin_memcpy(values, &vector, sizeof vector);
+    __asm__("" : "+m"(values)); // memory is faster than to move the lanes one by one
     for (std::size_t lane = 0; lane < perVector<Value>; ++lane)
         of(lane, values[lane]);
 }
@@ -55,22 +56,24 @@ template <class Sample> struct WideSums {
         add(first, as<std::uint32_t>(interleaveLow<std::uint16_t>(words, U16s{})));
         add(first + 4, as<std::uint32_t>(interleaveHigh<std::uint16_t>(words, U16s{})));
     }
-    void foldInto(Places &places, std::uint64_t factor = 1) const
+    // Adds so many times each sum, less a constant.
+    void foldInto(Places &places, std::uint64_t factor = 1, std::uint64_t less = 0) const
     {
         for (std::size_t i = 0; i < period; ++i) {
             const std::size_t sum = i; // what a lambda may capture
             overLanes<std::uint32_t>(of[i], [&](std::size_t lane, std::uint32_t value) {
                 const std::size_t lower = lane / 4 * (sizeof(Lane) / sizeof(Sample));
-                places.join<Norm::L1>(4 * sum + lower + lane % 4, value * factor);
+                places.join<Norm::L1>(4 * sum + lower + lane % 4, value * factor - less);
             });
         }
     }
 };
 
-template <Norm norm, class Sample, bool oneChannel> struct Lanes;
+// Of one raster or of the difference of two. There are shorter ways for bytes of one channel.
+template <Norm norm, class Sample, bool oneChannel, bool differs> struct Lanes;
 
 // Maxima.
-template <class Sample> struct Lanes<Norm::Inf, Sample, false> {
+template <class Sample, bool differs> struct Lanes<Norm::Inf, Sample, false, differs> {
     static constexpr std::size_t samples = perStep * perVector<Sample>, mostSteps = ~std::size_t{0};
     Vector<Unsigned<Sample>> top[period] = {};
 
@@ -89,7 +92,7 @@ template <class Sample> struct Lanes<Norm::Inf, Sample, false> {
 };
 
 // Sums of bytes of one channel, by the instruction for these.
-template <> struct Lanes<Norm::L1, std::uint8_t, true> {
+template <bool differs> struct Lanes<Norm::L1, std::uint8_t, true, differs> {
     static constexpr std::size_t samples = perStep * perVector<std::uint8_t>, mostSteps = ~std::size_t{0};
     U64s sums[period] = {};
 
@@ -108,7 +111,7 @@ template <> struct Lanes<Norm::L1, std::uint8_t, true> {
 
 // Sums of bytes. Two neighbours are added as one word, which wraps, and the odd one on its own. What both say together
 // is exact for as many steps as the sum of either fits a word.
-template <> struct Lanes<Norm::L1, std::uint8_t, false> {
+template <bool differs> struct Lanes<Norm::L1, std::uint8_t, false, differs> {
     static constexpr std::size_t samples = perStep * perVector<std::uint8_t>, mostSteps = 128;
     U16s both[period] = {}, odd[period] = {};
 
@@ -136,7 +139,7 @@ template <> struct Lanes<Norm::L1, std::uint8_t, false> {
 
 // Sums of words. Words wrap too soon, but tell the last bits of a sum; how often they wrap follows from the upper bytes
 // of means of two. A sum of two is at least 512 times that byte less 1, and less than 512 more than that.
-template <> struct Lanes<Norm::L1, std::int16_t, false> {
+template <bool differs> struct Lanes<Norm::L1, std::int16_t, false, differs> {
     static constexpr std::size_t samples = perStep * perVector<std::int16_t>;
     static constexpr std::uint16_t mostSteps = 127; // 512 times it fits a word
     U16s sums[period] = {}, upper[period] = {};
@@ -165,8 +168,44 @@ template <> struct Lanes<Norm::L1, std::int16_t, false> {
     }
 };
 
+// Sums of squares of bytes of one channel, whose neighbours are multiplied and added up at once.
+template <bool differs> struct Lanes<Norm::L2, std::uint8_t, true, differs> {
+    static constexpr std::size_t samples = perStep * perVector<std::uint8_t>;
+    static constexpr std::size_t mostSteps = 8192; // of four times two squares each
+    U32s sums[period] = {};
+
+    void add(std::size_t v, S16s values) { sums[v % period] += as<std::uint32_t>(pairSums(values, values)); }
+    template <class... Source> void take(std::size_t, const Source *...in)
+    {
+        for (std::size_t v = 0; v < perStep; ++v)
+            takeVector(v, loadVectorOnce<std::uint8_t>(in, v * perVector<std::uint8_t>)...);
+    }
+    void takeVector(std::size_t v, U8s a)
+    {
+        add(v, as<std::int16_t>(interleaveLow<std::uint8_t>(a, U8s{})));
+        add(v, as<std::int16_t>(interleaveHigh<std::uint8_t>(a, U8s{})));
+    }
+    void takeVector(std::size_t v, U8s a, U8s b)
+    {
+#if ORV_SHUFFLES
+        constexpr std::int16_t signs = 1 - (1 << 8);
+        const S8s difference = as<std::int8_t>(everywhere(signs));
+        add(v, pairSums(interleaveLow<std::uint8_t>(a, b), difference));
+        add(v, pairSums(interleaveHigh<std::uint8_t>(a, b), difference));
+#else
+        takeVector(v, magnitudesOf(a, b));
+#endif
+    }
+    void fold(Places &places)
+    {
+        for (U32s &sum : sums)
+            overLanes<std::uint32_t>(sum, [&](std::size_t, std::uint32_t value) { places.join<Norm::L2>(0, value); });
+        *this = {};
+    }
+};
+
 // Sums of squares of bytes: the same samples of two periods side by side are multiplied and added up at once.
-template <> struct Lanes<Norm::L2, std::uint8_t, false> {
+template <bool differs> struct Lanes<Norm::L2, std::uint8_t, false, differs> {
     static constexpr std::size_t samples = perStep * perVector<std::uint8_t>;
     static constexpr std::size_t mostSteps = 8192; // of four times two squares each
     WideSums<std::uint8_t> sums;
@@ -196,35 +235,27 @@ template <> struct Lanes<Norm::L2, std::uint8_t, false> {
     }
 };
 
-// Squares of words fill 32 bits. Their sums wrap; those of their upper halves do not, and tell how often.
-template <> struct Lanes<Norm::L2, std::int16_t, false> {
+// Sums of squares of words. Two squares fit 32 bits. Their sums wrap; those of their upper halves do not, and tell how
+// often.
+template <> struct Lanes<Norm::L2, std::int16_t, false, false> {
     static constexpr std::size_t samples = perStep * perVector<std::int16_t>;
-    static constexpr std::size_t mostSteps = 16384; // of four squares each
+    static constexpr std::size_t mostSteps = 32768; // of two sums each
     WideSums<std::int16_t> sums, upper;
 
-    void add(std::size_t first, U32s squares)
+    void add(std::size_t first, S16s pairs)
     {
+        const U32s squares = as<std::uint32_t>(pairSums(pairs, pairs));
         sums.add(first, squares);
         upper.add(first, squares >> 16);
     }
-    // Two squares of signed words fit 32 bits, and so does one of a difference.
     void take(std::size_t, const unsigned char *in)
     {
         for (std::size_t v = 0; v < period; ++v) {
             const std::size_t first = v * perVector<std::int16_t>;
-            const S16s a = loadVector<std::int16_t>(in, first);
-            const S16s b = loadVector<std::int16_t>(in, first + samples / 2);
-            const S16s low = interleaveLow<std::int16_t>(a, b), high = interleaveHigh<std::int16_t>(a, b);
-            add(first, as<std::uint32_t>(pairSums(low, low)));
-            add(first + 4, as<std::uint32_t>(pairSums(high, high)));
-        }
-    }
-    void take(std::size_t, const unsigned char *one, const unsigned char *other)
-    {
-        for (std::size_t v = 0; v < perStep; ++v) {
-            const U16s a = magnitudesAt<std::int16_t>(v, one, other), low = a * a, high = highProducts(a, a);
-            add(v * perVector<std::int16_t>, as<std::uint32_t>(interleaveLow<std::uint16_t>(low, high)));
-            add(v * perVector<std::int16_t> + 4, as<std::uint32_t>(interleaveHigh<std::uint16_t>(low, high)));
+            const S16s a = loadVectorOnce<std::int16_t>(in, first);
+            const S16s b = loadVectorOnce<std::int16_t>(in, first + samples / 2);
+            add(first, interleaveLow<std::int16_t>(a, b));
+            add(first + 4, interleaveHigh<std::int16_t>(a, b));
         }
     }
     void fold(Places &places)
@@ -233,6 +264,44 @@ template <> struct Lanes<Norm::L2, std::int16_t, false> {
             sums.of[i] -= upper.of[i] << 16;
         sums.foldInto(places);
         upper.foldInto(places, 65536);
+        *this = {};
+    }
+};
+
+// One square of a difference fills 32 bits. How often sums wrap follows from the upper bytes of means, as it does for
+// sums of words, but of means of the upper halves of squares.
+template <> struct Lanes<Norm::L2, std::int16_t, false, true> {
+    static constexpr std::size_t samples = perStep * perVector<std::int16_t>;
+    static constexpr std::uint32_t mostSteps = 63; // with two means a sum each: twice 2 to the power of 25 fits
+    WideSums<std::int16_t> sums;
+    U16s upper[period] = {};
+
+    U16s add(std::size_t first, U16s a)
+    {
+        const U16s low = a * a, high = highProducts(a, a);
+        sums.add(first, as<std::uint32_t>(interleaveLow<std::uint16_t>(low, high)));
+        sums.add(first + 4, as<std::uint32_t>(interleaveHigh<std::uint16_t>(low, high)));
+        return high;
+    }
+    void take(std::size_t, const unsigned char *one, const unsigned char *other)
+    {
+        for (std::size_t v = 0; v < period; ++v) {
+            const std::size_t first = v * perVector<std::int16_t>;
+            const U16s high = add(first, magnitudesAt<std::int16_t>(v, one, other));
+            const U16s next = add(first, magnitudesAt<std::int16_t>(v + period, one, other));
+            upper[v] += roundedMeans(high, next) >> 8;
+        }
+    }
+    void fold(Places &places)
+    {
+        constexpr std::uint32_t least = 2 * mostSteps << 16; // by which a sum may be below its multiple
+        WideSums<std::int16_t> multiples;
+        for (std::size_t v = 0; v < period; ++v)
+            multiples.addWords(v * perVector<std::int16_t>, upper[v]);
+        for (std::size_t i = 0; i < period; ++i)
+            sums.of[i] += least - (multiples.of[i] << 25);
+        sums.foldInto(places, 1, least);
+        multiples.foldInto(places, std::uint64_t{1} << 25);
         *this = {};
     }
 };
