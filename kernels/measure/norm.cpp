@@ -1,5 +1,5 @@
 // Norms of integers. Maxima, sums and sums of squares of bytes are exact, so their order is free: rows without padding
-// are one row, and totals are doubles at the end only.
+// are one row, and totals become doubles at the end. Sums of squares of words are exact while doubles hold them.
 #include "external.h"
 #include "signatures.h"
 

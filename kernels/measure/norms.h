@@ -5,7 +5,7 @@
 
 enum class Norm { Inf, L1, L2 };
 
-// The totals of integers of 32 bits hold the sum of so many samples, or of squares of bytes.
+// A double holds the sum of so many squares, whatever the integers.
 constexpr std::size_t mostPixels = 32768;
 
 // Below it the denominator of the Euclidean norm counts as 0: the smallest double of full precision.
