@@ -207,10 +207,28 @@ template <Norm norm, class Sample, class... Source>
     });
 }
 
+// The relative maximum of bytes ends where it can grow no more. A look at it is worth so many samples.
+constexpr std::int32_t samplesOfLook = 65536;
+
+inline void takeUntilLargest(double *totals, std::int32_t width, std::int32_t height, ConstRaster first,
+                             ConstRaster second)
+{
+    const std::int32_t atOnce = width < samplesOfLook ? samplesOfLook / width : 1;
+    for (; height > 0 && totals[0] + totals[firstDenominator] < 510; height -= atOnce) {
+        takeBoth<Norm::Inf, std::uint8_t, false>(1, totals, static_cast<std::size_t>(width),
+                                                 height < atOnce ? height : atOnce, first, second);
+        first = first.fromRow(atOnce);
+        second = second.fromRow(atOnce);
+    }
+}
+
 template <Norm norm, class Sample>
 [[gnu::noinline]] void measureBoth(std::size_t channels, double *totals, std::int32_t width, std::int32_t height,
                                    ConstRaster first, ConstRaster second)
 {
+    if constexpr (norm == Norm::Inf && sizeof(Sample) == 1)
+        if (channels == 1)
+            return takeUntilLargest(totals, width, height, first, second);
     withOneChannel<norm, Sample>(channels, [=](auto oneChannel) {
         const auto take = [=](std::size_t samples, std::int32_t rows, ConstRaster one, ConstRaster other) {
             takeBoth<norm, Sample, decltype(oneChannel)::value>(channels, totals, samples, rows, one, other);
