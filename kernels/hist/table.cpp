@@ -11,13 +11,16 @@ namespace {
 
 #include "points.h"
 
-constexpr std::size_t levelCountOfBytes = 256, mostChannels = 4;
+#include "table_blocks.h"
 
-struct Table {
-    std::uint8_t of[levelCountOfBytes];
+#if ORV_VECTOR_BYTES > 0
+#include "table_steps.h"
+#endif
+#if ORV_SHUFFLES
+#include "table_shuffles.h"
+#endif
 
-    void make(const std::int32_t *values, const std::int32_t *levels, std::int32_t levelCount);
-};
+constexpr std::size_t mostChannels = 4;
 
 // Levels outside all intervals stay.
 void Table::make(const std::int32_t *values, const std::int32_t *levels, std::int32_t levelCount)
@@ -33,17 +36,96 @@ void Table::make(const std::int32_t *values, const std::int32_t *levels, std::in
     }
 }
 
-void lookUpRow(std::size_t channels, std::size_t written, std::size_t pixels, const Table *tables, unsigned char *out,
-               const unsigned char *in)
+// Samples are taken from words and put into words, since there are loads enough. The table of a channel comes again
+// after so many samples; a fourth sample without a table stays as it was.
+template <std::size_t channels, std::size_t written>
+void lookUpRow(std::size_t pixels, const Table *tables, unsigned char *out, const unsigned char *in)
 {
-    for (std::size_t i = 0; i < pixels; ++i)
+    constexpr std::size_t atOnce = channels == 3 ? 12 : 4;
+    const std::size_t samples = pixels * channels;
+    std::size_t at = 0;
+    for (; at + atOnce <= samples; at += atOnce) {
+        ORV_UNROLLED
+        for (std::size_t first = 0; first < atOnce; first += 4) {
+            const std::uint32_t word = load<std::uint32_t>(in + at + first, 0);
+            std::uint32_t result = written < channels ? load<std::uint32_t>(out + at + first, 0) & 0xFF000000 : 0;
+            ORV_UNROLLED
+            for (std::size_t i = 0; i < 4; ++i)
+                if ((first + i) % channels < written)
+                    result |= std::uint32_t{tables[(first + i) % channels].of[word >> 8 * i & 0xFF]} << 8 * i;
+            store(out + at + first, 0, result);
+        }
+    }
+    for (; at < samples; at += channels)
         for (std::size_t channel = 0; channel < written; ++channel)
-            out[i * channels + channel] = tables[channel].of[in[i * channels + channel]];
+            out[at + channel] = tables[channel].of[in[at + channel]];
 }
 
-KrnStatus lookUp(std::size_t channels, std::size_t written, ConstRaster source, Raster destination, std::int32_t width,
-                 std::int32_t height, const std::int32_t *const *values, const std::int32_t *const *levels,
-                 const std::int32_t *levelCounts)
+// Runs over the rows. Pixels of one table are `together` pixels of one channel.
+template <std::size_t channels, std::size_t written> struct Rectangle {
+    ConstRaster source;
+    Raster destination;
+    std::int32_t width, height;
+    std::size_t together;
+
+    template <class Row> KrnStatus run(Row row) const
+    {
+        const auto joined = [&](std::size_t pixels, unsigned char *out, const unsigned char *in) {
+            row(pixels * together, out, in);
+        };
+        return overRows(width, height, joined, Pixels{destination, channels * together},
+                        Pixels{source, channels * together});
+    }
+
+    KrnStatus lookUp(const Table *tables) const
+    {
+#if ORV_VECTOR_BYTES > 0
+        // Of fewer samples, finding the runs of a table takes longer than it saves.
+        constexpr std::size_t manySamples = 1024;
+        if (static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * together * channels >= manySamples) {
+            Runs runs[written];
+            bool few = true, rises = false;
+            for (std::size_t channel = 0; few && channel < written; ++channel) {
+                few = runs[channel].find(tables[channel]);
+                rises = rises || runs[channel].risesSomewhere;
+            }
+            if (few)
+                return rises ? lookUpSteps<true>(runs, tables) : lookUpSteps<false>(runs, tables);
+#if ORV_SHUFFLES
+            return lookUpBlocks<channels>(ShuffledTables<channels, written>(tables), tables);
+#endif
+        }
+#endif
+        return run([tables](std::size_t pixels, unsigned char *out, const unsigned char *in) {
+            lookUpRow<channels, written>(pixels, tables, out, in);
+        });
+    }
+
+#if ORV_VECTOR_BYTES > 0
+    template <bool rises> KrnStatus lookUpSteps(const Runs *runs, const Table *tables) const
+    {
+        constexpr std::size_t period = channels == 3 ? 3 : 1;
+        Steps<period> steps;
+        steps.make(runs, written);
+        const auto block = [&steps](auto samples) { return steps.template lookUp<rises>(samples); };
+        return lookUpBlocks < channels == 3 ? 3 : 4 > (block, tables);
+    }
+
+    template <std::size_t count, class LookUp> KrnStatus lookUpBlocks(const LookUp &block, const Table *tables) const
+    {
+        return run([&block, tables](std::size_t pixels, unsigned char *out, const unsigned char *in) {
+            if (pixels * channels >= Block<count>::bytes)
+                overBlocks < count, written<channels>(pixels * channels, block, out, in);
+            else
+                lookUpRow<channels, written>(pixels, tables, out, in);
+        });
+    }
+#endif
+};
+
+template <std::size_t channels, std::size_t written>
+KrnStatus lookUp(ConstRaster source, Raster destination, std::int32_t width, std::int32_t height,
+                 const std::int32_t *const *values, const std::int32_t *const *levels, const std::int32_t *levelCounts)
 {
     if (source.data == nullptr || destination.data == nullptr || values == nullptr || levels == nullptr ||
         levelCounts == nullptr)
@@ -56,27 +138,29 @@ KrnStatus lookUp(std::size_t channels, std::size_t written, ConstRaster source, 
     for (std::size_t channel = 0; channel < written; ++channel)
         if (levelCounts[channel] < 2)
             return KRN_BAD_TABLE_LEVELS;
-    Table tables[mostChannels];
-    for (std::size_t channel = 0; channel < written; ++channel)
+    Table tables[written];
+    bool same = true;
+    for (std::size_t channel = 0; channel < written; ++channel) {
         tables[channel].make(values[channel], levels[channel], levelCounts[channel]);
-    const auto row = [&](std::size_t pixels, unsigned char *out, const unsigned char *in) {
-        lookUpRow(channels, written, pixels, tables, out, in);
-    };
-    return overRows(width, height, row, Pixels{destination, channels}, Pixels{source, channels});
+        same = same && tables[channel] == tables[0];
+    }
+    if (same && channels == written)
+        return Rectangle<1, 1>{source, destination, width, height, channels}.lookUp(tables);
+    return Rectangle<channels, written>{source, destination, width, height, 1}.lookUp(tables);
 }
 
 } // namespace
 
 KRN_KERNEL(TableKernel, krnLUT8uC1)
 {
-    return lookUp(1, 1, from(source, sourceStep), to(destination, step), width, height, &values, &levels, &levelCount);
+    return lookUp<1, 1>(from(source, sourceStep), to(destination, step), width, height, &values, &levels, &levelCount);
 }
 
 #define ORV_LUT(layout, written)                                                                                  \
     KRN_KERNEL(TablesKernel, krnLUT8u##layout)                                                                    \
     {                                                                                                             \
-        return lookUp(samplesOf(layout), written, from(source, sourceStep), to(destination, step), width, height, \
-                      values, levels, levelCounts);                                                               \
+        return lookUp<samplesOf(layout), written>(from(source, sourceStep), to(destination, step), width, height, \
+                                                  values, levels, levelCounts);                                   \
     }
 
 ORV_LUT(C3, 3)

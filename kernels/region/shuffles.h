@@ -27,6 +27,12 @@ inline U16s reversedWords(U16s words)
 
 #if ORV_SHUFFLES
 
+// In each lane, the bytes at the places that the lower four bits of the indices tell; 0 for those with the top bit.
+inline U8s bytesAt(U8s bytes, U8s indices)
+{
+    return as<std::uint8_t>(ORV_VECTOR(shuffle_epi8)(bitsOf(bytes), bitsOf(indices)));
+}
+
 // A vector has one item of so many bytes for each of as many pixels. These are as many vectors of the pixels' own bytes
 // as a pixel has items, of which the one of this number gets each pixel's item over and over, at all its places.
 template <std::size_t itemBytes, std::size_t items, std::size_t number> struct SpreadOrigin {
@@ -63,15 +69,21 @@ template <std::size_t pixelBytes, std::size_t moved, std::size_t number = 0> inl
     return loadVector<std::uint8_t>(bits.bytes);
 }
 
+// Byte by byte: `yes` where all bits of the mask's byte are set, `no` where none is.
+inline U8s chosenBytes(U8s mask, U8s yes, U8s no)
+{
+#if ORV_SSE41
+    return as<std::uint8_t>(ORV_VECTOR(blendv_epi8)(bitsOf(no), bitsOf(yes), bitsOf(mask)));
+#else
+    return chosen<std::uint8_t>(mask, yes, no);
+#endif
+}
+
 // The result, with the fourth samples of what was there before.
 template <class Sample> inline Vector<Sample> keepingFourth(Vector<Sample> result, Vector<Sample> before)
 {
-    const Vector<Sample> bits = as<Sample>(movedBits<4 * sizeof(Sample), 3 * sizeof(Sample)>());
-#if ORV_SSE41
-    return as<Sample>(ORV_VECTOR(blendv_epi8)(bitsOf(before), bitsOf(result), bitsOf(bits)));
-#else
-    return chosen<Sample>(bits, result, before);
-#endif
+    const U8s bits = movedBits<4 * sizeof(Sample), 3 * sizeof(Sample)>();
+    return as<Sample>(chosenBytes(bits, as<std::uint8_t>(result), as<std::uint8_t>(before)));
 }
 
 // The bytes that lie `by` places further in a row, of which these are two neighbouring vectors.
