@@ -22,17 +22,27 @@ namespace {
 
 constexpr std::size_t mostChannels = 4;
 
-// Levels outside all intervals stay.
+inline std::uint8_t clampedSample(std::int32_t value)
+{
+    return static_cast<std::uint8_t>(value < 0 ? 0 : value > 255 ? 255 : value);
+}
+
+// Levels outside all intervals stay. Most intervals have one level, or a table has few.
 void Table::make(const std::int32_t *values, const std::int32_t *levels, std::int32_t levelCount)
 {
     for (std::size_t level = 0; level < levelCountOfBytes; ++level)
         of[level] = static_cast<std::uint8_t>(level);
+    std::int32_t begin = clampedLevel(levels[0]);
     for (std::int32_t i = 0; i + 1 < levelCount; ++i) {
-        const std::int32_t end = clampedLevel(levels[i + 1]), value = values[i] < 0     ? 0
-                                                                      : values[i] > 255 ? 255
-                                                                                        : values[i];
-        for (std::int32_t level = clampedLevel(levels[i]); level < end; ++level)
-            of[level] = static_cast<std::uint8_t>(value);
+        const std::int32_t end = clampedLevel(levels[i + 1]);
+        const std::uint8_t value = clampedSample(values[i]);
+        if (begin < end)
+            of[begin] = value;
+        for (std::int32_t level = begin + 1; level < end; ++level) {
+            ORV_NOT_VECTORIZED;
+            of[level] = value;
+        }
+        begin = end;
     }
 }
 

@@ -37,7 +37,7 @@ template <std::size_t count> struct Block {
 // A row of at least one block. The last block overlaps its neighbour where blocks do not divide the row. It is looked
 // up before anything is written, so that the row may be its own source.
 template <std::size_t count, bool keepsFourth, class LookUp>
-inline void overBlocks(std::size_t bytes, const LookUp &lookUp, unsigned char *out, const unsigned char *in)
+[[gnu::noinline]] void overBlocks(std::size_t bytes, const LookUp &lookUp, unsigned char *out, const unsigned char *in)
 {
     const std::size_t tail = bytes - Block<count>::bytes;
     const Block<count> last = lookUp(Block<count>::from(in + tail));

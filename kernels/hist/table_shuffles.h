@@ -29,10 +29,14 @@ inline U8s ShuffledTable::lookUp(U8s samples) const
 {
     const U8s low = samples & std::uint8_t{0x8F}, high = low ^ std::uint8_t{0x80};
     const U8s by16 = bitAsMask<3>(samples), by32 = bitAsMask<2>(samples), by64 = bitAsMask<1>(samples);
-    const auto one = [&](std::size_t i) { return bytesAt(entries[i], low) | bytesAt(entries[i + 8], high); };
-    const auto two = [&](std::size_t i) { return chosenBytes(by16, one(i + 1), one(i)); };
-    const auto four = [&](std::size_t i) { return chosenBytes(by32, two(i + 2), two(i)); };
-    return chosenBytes(by64, four(4), four(0));
+    U8s chosen[8];
+    for (std::size_t i = 0; i < 8; ++i)
+        chosen[i] = bytesAt(entries[i], low) | bytesAt(entries[i + 8], high);
+    for (std::size_t i = 0; i < 8; i += 2)
+        chosen[i] = chosenBytes(by16, chosen[i + 1], chosen[i]);
+    for (std::size_t i = 0; i < 8; i += 4)
+        chosen[i] = chosenBytes(by32, chosen[i + 2], chosen[i]);
+    return chosenBytes(by64, chosen[4], chosen[0]);
 }
 
 // Blocks with a vector of each channel, and back.
