@@ -16,11 +16,9 @@ namespace {
 #if ORV_VECTOR_BYTES > 0
 #include "table_steps.h"
 #endif
-#if ORV_SHUFFLES
+#if ORV_SSE41
 #include "table_shuffles.h"
 #endif
-
-constexpr std::size_t mostChannels = 4;
 
 inline std::uint8_t clampedSample(std::int32_t value)
 {
@@ -46,7 +44,7 @@ void Table::make(const std::int32_t *values, const std::int32_t *levels, std::in
     }
 }
 
-// Samples are taken from words and put into words, since there are loads enough. The table of a channel comes again
+// Results are put into words: a processor can load more often than it can store. The table of a channel comes again
 // after so many samples; a fourth sample without a table stays as it was.
 template <std::size_t channels, std::size_t written>
 void lookUpRow(std::size_t pixels, const Table *tables, unsigned char *out, const unsigned char *in)
@@ -57,12 +55,11 @@ void lookUpRow(std::size_t pixels, const Table *tables, unsigned char *out, cons
     for (; at + atOnce <= samples; at += atOnce) {
         ORV_UNROLLED
         for (std::size_t first = 0; first < atOnce; first += 4) {
-            const std::uint32_t word = load<std::uint32_t>(in + at + first, 0);
             std::uint32_t result = written < channels ? load<std::uint32_t>(out + at + first, 0) & 0xFF000000 : 0;
             ORV_UNROLLED
             for (std::size_t i = 0; i < 4; ++i)
                 if ((first + i) % channels < written)
-                    result |= std::uint32_t{tables[(first + i) % channels].of[word >> 8 * i & 0xFF]} << 8 * i;
+                    result |= std::uint32_t{tables[(first + i) % channels].of[in[at + first + i]]} << 8 * i;
             store(out + at + first, 0, result);
         }
     }
@@ -92,17 +89,12 @@ template <std::size_t channels, std::size_t written> struct Rectangle {
 #if ORV_VECTOR_BYTES > 0
         // Of fewer samples, finding the runs of a table takes longer than it saves.
         constexpr std::size_t manySamples = 1024;
-        if (static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * together * channels >= manySamples) {
-            Runs runs[written];
-            bool few = true, rises = false;
-            for (std::size_t channel = 0; few && channel < written; ++channel) {
-                few = runs[channel].find(tables[channel]);
-                rises = rises || runs[channel].risesSomewhere;
-            }
-            if (few)
-                return rises ? lookUpSteps<true>(runs, tables) : lookUpSteps<false>(runs, tables);
-#if ORV_SHUFFLES
-            return lookUpBlocks<channels>(ShuffledTables<channels, written>(tables), tables);
+        if (static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * together >= manySamples) {
+            RunsOfChannels runs;
+            if (runs.find(tables, written))
+                return runs.rises ? lookUpSteps<true>(runs, tables) : lookUpSteps<false>(runs, tables);
+#if ORV_SSE41
+            return lookUpBlocks<channels, channels>(ShuffledTables<channels, written>(tables), tables);
 #endif
         }
 #endif
@@ -112,20 +104,27 @@ template <std::size_t channels, std::size_t written> struct Rectangle {
     }
 
 #if ORV_VECTOR_BYTES > 0
-    template <bool rises> KrnStatus lookUpSteps(const Runs *runs, const Table *tables) const
+    template <bool rises> KrnStatus lookUpSteps(const RunsOfChannels &runs, const Table *tables) const
     {
         constexpr std::size_t period = channels == 3 ? 3 : 1;
         Steps<period> steps;
         steps.make(runs, written);
         const auto block = [&steps](auto samples) { return steps.template lookUp<rises>(samples); };
-        return lookUpBlocks < channels == 3 ? 3 : 4 > (block, tables);
+        constexpr std::size_t atOnce = channels == 3 ? 3 : 4;
+        return lookUpBlocks<atOnce, period>(block, tables);
     }
 
-    template <std::size_t count, class LookUp> KrnStatus lookUpBlocks(const LookUp &block, const Table *tables) const
+    // Rows may be too short for as many vectors at once, and for any.
+    template <std::size_t atOnce, std::size_t atLeast, class LookUp>
+    KrnStatus lookUpBlocks(const LookUp &block, const Table *tables) const
     {
+        constexpr bool keepsFourth = written < channels;
         return run([&block, tables](std::size_t pixels, unsigned char *out, const unsigned char *in) {
-            if (pixels * channels >= Block<count>::bytes)
-                overBlocks < count, written<channels>(pixels * channels, block, out, in);
+            const std::size_t bytes = pixels * channels;
+            if (bytes >= Block<atOnce>::bytes)
+                overBlocks<atOnce, keepsFourth>(bytes, block, out, in);
+            else if (atLeast < atOnce && bytes >= Block<atLeast>::bytes)
+                overBlocks<atLeast, keepsFourth>(bytes, block, out, in);
             else
                 lookUpRow<channels, written>(pixels, tables, out, in);
         });

@@ -35,9 +35,11 @@ template <std::size_t count> struct Block {
 };
 
 // A row of at least one block. The last block overlaps its neighbour where blocks do not divide the row. It is looked
-// up before anything is written, so that the row may be its own source.
+// up before anything is written, so that the row may be its own source. No row lies over what is looked up in: without
+// that promise, all of it is loaded again after each store.
 template <std::size_t count, bool keepsFourth, class LookUp>
-[[gnu::noinline]] void overBlocks(std::size_t bytes, const LookUp &lookUp, unsigned char *out, const unsigned char *in)
+[[gnu::noinline]] void overBlocks(std::size_t bytes, const LookUp &__restrict lookUp, unsigned char *out,
+                                  const unsigned char *in)
 {
     const std::size_t tail = bytes - Block<count>::bytes;
     const Block<count> last = lookUp(Block<count>::from(in + tail));

@@ -1,5 +1,5 @@
 // Any table by shuffles: 16 vectors hold 16 entries each. To be included after table_blocks.h, in builds that have
-// shuffles.
+// shuffles and choices of bytes: with shuffles alone, loads from the table are faster.
 
 struct ShuffledTable {
     U8s entries[16];
@@ -12,15 +12,10 @@ struct ShuffledTable {
     U8s lookUp(U8s samples) const;
 };
 
-// Moves a bit to the top, for a choice of bytes.
-template <int by> inline U8s bitAsMask(U8s samples)
+// Moves a bit to the top of each byte, where choices look for it.
+template <int by> inline U8s bitOnTop(U8s samples)
 {
-    const U8s shifted = as<std::uint8_t>(as<std::uint16_t>(samples) << by);
-#if ORV_SSE41
-    return shifted;
-#else
-    return as<std::uint8_t>(as<std::int8_t>(shifted) < 0);
-#endif
+    return as<std::uint8_t>(as<std::uint16_t>(samples) << by);
 }
 
 // The lower four bits are an index. Shuffles give 0 for indices with the top bit set, which tells the halves of the
@@ -28,7 +23,7 @@ template <int by> inline U8s bitAsMask(U8s samples)
 inline U8s ShuffledTable::lookUp(U8s samples) const
 {
     const U8s low = samples & std::uint8_t{0x8F}, high = low ^ std::uint8_t{0x80};
-    const U8s by16 = bitAsMask<3>(samples), by32 = bitAsMask<2>(samples), by64 = bitAsMask<1>(samples);
+    const U8s by16 = bitOnTop<3>(samples), by32 = bitOnTop<2>(samples), by64 = bitOnTop<1>(samples);
     U8s chosen[8];
     for (std::size_t i = 0; i < 8; ++i)
         chosen[i] = bytesAt(entries[i], low) | bytesAt(entries[i + 8], high);

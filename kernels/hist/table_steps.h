@@ -1,7 +1,8 @@
 // Tables of few runs, by comparisons. In a run, either all levels have one value, or values go up with the levels. To
 // be included after table_blocks.h, in builds with vectors.
 
-constexpr std::size_t mostRuns = ORV_SHUFFLES ? 14 : 24;
+// With more runs, other ways are faster (measured on Zen 3).
+constexpr std::size_t mostRuns = ORV_SSE41 ? 14 : 18;
 
 // Where each run begins, and its values: (level & mask) + constant.
 struct Runs {
@@ -37,11 +38,30 @@ bool Runs::find(const Table &table)
     return begin == levelCountOfBytes;
 }
 
+// Finds the runs of all channels, and tells whether steps are the fastest way. A step takes five operations instead of
+// three where values rise.
+struct RunsOfChannels {
+    Runs channels[4];
+    std::size_t steps = 0; // of the channel that has most
+    bool rises = false;
+
+    bool find(const Table *tables, std::size_t count)
+    {
+        for (std::size_t channel = 0; channel < count; ++channel) {
+            if (!channels[channel].find(tables[channel]))
+                return false;
+            steps = channels[channel].count - 1 > steps ? channels[channel].count - 1 : steps;
+            rises = rises || channels[channel].risesSomewhere;
+        }
+        return steps * (rises ? 5 : 3) <= (mostRuns - 1) * 3;
+    }
+};
+
 // Vectors with a byte of each channel in turn: as many as it takes until a vector starts with the first channel again.
 template <std::size_t count> struct Pattern {
     U8s vectors[count];
 
-    // The channels of pixels of one sample, of two and of four fill a word; those of three fill three.
+    // Pixels of three samples repeat after three words, others after one.
     void spread(const std::uint8_t (&channels)[4])
     {
         const std::uint32_t first = channels[0], second = channels[1], third = channels[2], fourth = channels[3];
@@ -66,22 +86,19 @@ template <std::size_t period> struct Steps {
     Step steps[mostRuns - 1];
     std::size_t count;
 
-    void make(const Runs *channels, std::size_t channelCount);
+    void make(const RunsOfChannels &runs, std::size_t channelCount);
 
     template <bool rises, std::size_t vectors> Block<vectors> lookUp(Block<vectors> samples) const;
 };
 
 // Channels of fewer runs than others have steps that no sample reaches.
-template <std::size_t period> void Steps<period>::make(const Runs *channels, std::size_t channelCount)
+template <std::size_t period> void Steps<period>::make(const RunsOfChannels &runs, std::size_t channelCount)
 {
-    count = 0;
-    for (std::size_t channel = 0; channel < channelCount; ++channel)
-        if (channels[channel].count - 1 > count)
-            count = channels[channel].count - 1;
+    count = runs.steps;
     for (std::size_t i = 0; i <= count; ++i) {
         std::uint8_t below[4], constants[4], masks[4];
         for (std::size_t place = 0; place < 4; ++place) {
-            const Runs &of = channels[place % channelCount];
+            const Runs &of = runs.channels[place % channelCount];
             const Runs::Run none = {}, run = i < of.count ? of.runs[i] : none, last = i > 0 ? of.runs[i - 1] : none;
             below[place] = static_cast<std::uint8_t>(i < of.count ? (run.begin - 1) ^ 0x80 : 0x7F);
             constants[place] = static_cast<std::uint8_t>(run.constant - last.constant);

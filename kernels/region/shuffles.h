@@ -69,11 +69,11 @@ template <std::size_t pixelBytes, std::size_t moved, std::size_t number = 0> inl
     return loadVector<std::uint8_t>(bits.bytes);
 }
 
-// Byte by byte: `yes` where all bits of the mask's byte are set, `no` where none is.
+// Byte by byte: `yes` where all bits of the mask's byte are set, `no` where none is. SSE4.1 asks the top bit alone.
 inline U8s chosenBytes(U8s mask, U8s yes, U8s no)
 {
 #if ORV_SSE41
-    return as<std::uint8_t>(ORV_VECTOR(blendv_epi8)(bitsOf(no), bitsOf(yes), bitsOf(mask)));
+    return chosenBySigns(mask, yes, no);
 #else
     return chosen<std::uint8_t>(mask, yes, no);
 #endif

@@ -177,6 +177,17 @@ testing::AssertionResult tryOnce(const Row &row, Form form, Random &random)
     return hold(trial, formulaOf(row));
 }
 
+std::vector<Place> placesOf(const Row &row)
+{
+    const bool moves = row.windowed() || row.takes(FLIP | RESULTS) || row.layout.source != row.layout.destination;
+    std::vector<Place> places = {Place::Disjoint};
+    if (row.takes(FIRST) && !row.takes(ONTO) && !moves && row.source.kind == row.destination.kind)
+        places.push_back(Place::OverFirst);
+    if (row.takes(SECOND) && !row.takes(RESULTS))
+        places.push_back(Place::OverSecond);
+    return places;
+}
+
 // Forms of more rows, or of longer ones, than a kernel takes at once.
 std::vector<Form> largerForms(const Row &row, Random &random)
 {
@@ -187,6 +198,8 @@ std::vector<Form> largerForms(const Row &row, Random &random)
         forms.push_back({41, 70});
     for (int i = 0; i < 4 && row.takes(CONTINUED); ++i) // groups of rows
         forms.push_back({i == 0 ? 408 / row.layout.source : 16 * i, 18 + below(random, 20)});
+    for (int i = 0; i < 8 && row.takes(INTERVALS | TABLE); ++i) // counted by place in a block, or by a table's runs
+        forms.push_back({1 + below(random, 400), 35 + below(random, 30), oneOf(placesOf(row), random)});
     if (row.is("MaxFilter") || row.is("MinFilter")) { // rows that high windows share, and blocks of columns
         for (int i = 0; i < 4; ++i)
             forms.push_back({1 + below(random, 20),
@@ -197,17 +210,6 @@ std::vector<Form> largerForms(const Row &row, Random &random)
         forms.push_back({width, 3, Place::Disjoint, {7, 2, 3, 1}});
     }
     return forms;
-}
-
-std::vector<Place> placesOf(const Row &row)
-{
-    const bool moves = row.windowed() || row.takes(FLIP | RESULTS) || row.layout.source != row.layout.destination;
-    std::vector<Place> places = {Place::Disjoint};
-    if (row.takes(FIRST) && !row.takes(ONTO) && !moves && row.source.kind == row.destination.kind)
-        places.push_back(Place::OverFirst);
-    if (row.takes(SECOND) && !row.takes(RESULTS))
-        places.push_back(Place::OverSecond);
-    return places;
 }
 
 // Beyond two of the widest vectors of the smallest samples by one, and some pieces of a row.
