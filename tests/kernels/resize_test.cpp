@@ -92,7 +92,7 @@ float newton(float p0, float p1, float p2, float p3, const float *factor)
 
 double roundedTo(const SampleType &type, float value)
 {
-    return type.isFloat() ? value : std::clamp(std::trunc(f(double{value} + 0.5)), 0.0, type.highest);
+    return type.isFloat() ? value : std::clamp<double>(std::trunc(f(double{value} + 0.5)), 0, type.highest);
 }
 
 // Two or four samples and their weights, as a table or a row of the image has them.
