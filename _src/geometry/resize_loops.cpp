@@ -167,8 +167,9 @@ KrnStatus BoxMeans::addRow(const Work &work, std::int32_t sourceRow, std::int32_
                                                                                  pixels_ * bytes, pixels_, 1);
         row = channel_;
     }
-    return status != KRN_OK ? status
-                            : meansOf(source.depth, integers_).add(row, sums_, pixels_ * samples, weight, starts);
+    return status != KRN_OK
+               ? status
+               : meansOf(source.depth, integers_).add(row, sums_, pixels_ * samples, weight, starts ? 1 : 0);
 }
 
 KrnStatus BoxMeans::run(const Work &work)

@@ -13,8 +13,8 @@ struct RectangleCall {
     const Size *sourceSizes; // of what is read of each source, or null where that is the same size
     // The loop takes all rows of a rectangle at once, and must not write where it still reads.
     bool whole = false;
-    // The loop reads where it likes: sources are neither gathered nor cut into strips. They start at their rectangle, one
-    // channel of interleaved pixels at its first sample. Work::rowsAbove tells the rows of a strip.
+    // The loop reads where it likes: sources are neither gathered nor cut into strips. They start at their rectangle,
+    // one channel of interleaved pixels at its first sample. Work::rowsAbove tells the rows of a strip.
     bool freeSources = false;
     // Where a straight call has one raster for the first source and the destination, the loop is given the
     // destination's rectangle as that source.
