@@ -1,4 +1,4 @@
-// Copies under a byte mask, and the combination of masks.
+// Copies under a byte mask, which leave the other pixels alone or zero them, and the combination of masks.
 #include "external.h"
 #include "signatures.h"
 
@@ -11,8 +11,10 @@ namespace {
 
 #include "points.h"
 
+enum class Others { Kept, Zeroed };
+
 // Every sample is stored, the unselected ones with the value they have: a loop without branches.
-template <class Sample, std::size_t channels, std::size_t moved>
+template <class Sample, std::size_t channels, std::size_t moved, Others others>
 void copySelected(std::size_t first, std::size_t pixels, const unsigned char *in, const unsigned char *select,
                   unsigned char *out)
 {
@@ -21,7 +23,8 @@ void copySelected(std::size_t first, std::size_t pixels, const unsigned char *in
         const Sample taken = static_cast<Sample>(select[i] != 0 ? ~Sample{0} : 0);
         for (std::size_t channel = 0; channel < moved; ++channel) {
             const std::size_t at = i * channels + channel;
-            store(out, at, static_cast<Sample>((load<Sample>(in, at) & taken) | (load<Sample>(out, at) & ~taken)));
+            const Sample other = others == Others::Kept ? load<Sample>(out, at) : Sample{0};
+            store(out, at, static_cast<Sample>((load<Sample>(in, at) & taken) | (other & ~taken)));
         }
     }
 }
@@ -58,21 +61,36 @@ inline void copyVectors(const unsigned char *in, U8s select, unsigned char *out,
      ...);
 }
 
+template <std::size_t pixelBytes, std::size_t... number>
+inline void zeroVectors(const unsigned char *in, U8s select, unsigned char *out, std::index_sequence<number...>)
+{
+    constexpr std::size_t step = ORV_VECTOR_BYTES;
+    const U8s unselected = as<std::uint8_t>(select == 0);
+    (storeVector<std::uint8_t>(
+         out, step * number, loadVector<std::uint8_t>(in, step * number) & ~spread<1, pixelBytes, number>(unselected)),
+     ...);
+}
+
 // Returns how many pixels it has done.
-template <std::size_t pixelBytes, std::size_t moved>
+template <std::size_t pixelBytes, std::size_t moved, Others others>
 inline std::size_t copyByVectors(std::size_t pixels, const unsigned char *in, const unsigned char *select,
                                  unsigned char *out)
 {
     std::size_t i = 0;
-    for (; i + ORV_VECTOR_BYTES <= pixels; i += ORV_VECTOR_BYTES)
-        copyVectors<pixelBytes, moved>(in + i * pixelBytes, loadVector<std::uint8_t>(select + i), out + i * pixelBytes,
-                                       std::make_index_sequence<pixelBytes>());
+    for (; i + ORV_VECTOR_BYTES <= pixels; i += ORV_VECTOR_BYTES) {
+        const U8s bytes = loadVector<std::uint8_t>(select + i);
+        constexpr std::make_index_sequence<pixelBytes> numbers;
+        if constexpr (others == Others::Kept)
+            copyVectors<pixelBytes, moved>(in + i * pixelBytes, bytes, out + i * pixelBytes, numbers);
+        else
+            zeroVectors<pixelBytes>(in + i * pixelBytes, bytes, out + i * pixelBytes, numbers);
+    }
     return i;
 }
 
 #else
 
-template <std::size_t, std::size_t>
+template <std::size_t, std::size_t, Others>
 inline std::size_t copyByVectors(std::size_t, const unsigned char *, const unsigned char *, unsigned char *)
 {
     return 0;
@@ -80,13 +98,13 @@ inline std::size_t copyByVectors(std::size_t, const unsigned char *, const unsig
 
 #endif
 
-template <class Sample, std::size_t channels, std::size_t moved>
+template <class Sample, std::size_t channels, std::size_t moved, Others others>
 KrnStatus copyMasked(ConstRaster source, Raster destination, std::int32_t width, std::int32_t height, ConstRaster mask)
 {
     constexpr std::size_t bytes = sizeof(Sample);
     const auto row = [](std::size_t pixels, const unsigned char *in, const unsigned char *select, unsigned char *out) {
-        const std::size_t done = copyByVectors<channels * bytes, moved * bytes>(pixels, in, select, out);
-        copySelected<Sample, channels, moved>(done, pixels, in, select, out);
+        const std::size_t done = copyByVectors<channels * bytes, moved * bytes, others>(pixels, in, select, out);
+        copySelected<Sample, channels, moved, others>(done, pixels, in, select, out);
     };
     return overRows(width, height, row, Pixels{source, channels * bytes}, Pixels{mask, std::size_t{1}},
                     Pixels{destination, channels * bytes});
@@ -99,18 +117,21 @@ struct And {
 
 } // namespace
 
-#define ORV_COPY_MASKED(name, Sample, channels, moved)                                                             \
-    KRN_KERNEL(CopyMaskedKernel, name)                                                                             \
-    {                                                                                                              \
-        return copyMasked<Sample, channels, moved>(from(source, sourceStep), to(destination, step), width, height, \
-                                                   from(mask, maskStep));                                          \
+#define ORV_COPY_MASKED(name, Sample, channels, moved, others)                                                      \
+    KRN_KERNEL(CopyMaskedKernel, name)                                                                              \
+    {                                                                                                               \
+        return copyMasked<Sample, channels, moved, Others::others>(from(source, sourceStep), to(destination, step), \
+                                                                   width, height, from(mask, maskStep));            \
     }
 
-#define ORV_COPY_MASKED_LAYOUTS(samples, Sample)              \
-    ORV_COPY_MASKED(krnCopyMasked##samples##C1, Sample, 1, 1) \
-    ORV_COPY_MASKED(krnCopyMasked##samples##C3, Sample, 3, 3) \
-    ORV_COPY_MASKED(krnCopyMasked##samples##C4, Sample, 4, 4) \
-    ORV_COPY_MASKED(krnCopyMasked##samples##AC4, Sample, 4, 3)
+#define ORV_COPY_MASKED_LAYOUTS(samples, Sample)                     \
+    ORV_COPY_MASKED(krnCopyMasked##samples##C1, Sample, 1, 1, Kept)  \
+    ORV_COPY_MASKED(krnCopyMasked##samples##C3, Sample, 3, 3, Kept)  \
+    ORV_COPY_MASKED(krnCopyMasked##samples##C4, Sample, 4, 4, Kept)  \
+    ORV_COPY_MASKED(krnCopyMasked##samples##AC4, Sample, 4, 3, Kept) \
+    ORV_COPY_MASKED(krnSelect##samples##C1, Sample, 1, 1, Zeroed)    \
+    ORV_COPY_MASKED(krnSelect##samples##C3, Sample, 3, 3, Zeroed)    \
+    ORV_COPY_MASKED(krnSelect##samples##C4, Sample, 4, 4, Zeroed)
 
 ORV_COPY_MASKED_LAYOUTS(8u, std::uint8_t)
 ORV_COPY_MASKED_LAYOUTS(16u, std::uint16_t)

@@ -336,6 +336,10 @@ const Entry entries[] = {
      [](const Trial &t, int x, int y) {
          return (t.mask.get(x / t.row.layout.destination, y) != 0 ? t.first : t.out).get(x, y);
      }},
+    {{"Select"},
+     [](const Trial &t, int x, int y) {
+         return t.mask.get(x / t.row.layout.destination, y) != 0 ? t.first.get(x, y) : 0;
+     }},
     {{"Min"}, pointwise([](const Trial &, double a, double b) { return a < b ? a : b; })},
     {{"Max"}, pointwise([](const Trial &, double a, double b) { return a > b ? a : b; })},
     {{"Sqrt"}, pointwise([](const Trial &, double a, double) { return std::sqrt(a); })},

@@ -12,6 +12,7 @@ namespace orv {
 struct ChannelKernels {
     LayoutKernels<CopyKernel> copy;
     LayoutKernels<CopyMaskedKernel> copyMasked;
+    const Kernel<CopyMaskedKernel> &selectC1, &selectC3, &selectC4;
     LayoutKernels<MirrorKernel> mirror;
     const Kernel<MirrorInPlaceKernel> &mirrorInPlaceC1;
     const Kernel<CopyKernel> &copyC3AC4, &copyAC4C3;

@@ -101,12 +101,12 @@ bool StripReader::takeScratch()
 KrnStatus StripReader::zeroUnselected(std::size_t index, Size strip, ConstRaster mask, ConstRaster &source) const
 {
     const ChannelKernels &kernels = channelKernels(operands_[index].sampleBytes);
+    const Kernel<CopyMaskedKernel> &select = layout_ == Layout::C1   ? kernels.selectC1
+                                             : layout_ == Layout::C3 ? kernels.selectC3
+                                                                     : kernels.selectC4;
     const Raster zeroed = zeroedBuffers_[index].in(scratch_, stripRows_);
-    KrnStatus status =
-        kernels.fillC1(0, zeroed.data, zeroed.step, strip.width * samplesPerPixel(layout_), strip.height);
-    if (status == KRN_OK)
-        status = kernels.copyMasked[withAllSamples(layout_)](source.data, source.step, zeroed.data, zeroed.step,
-                                                             strip.width, strip.height, mask.data, mask.step);
+    const KrnStatus status =
+        select(source.data, source.step, zeroed.data, zeroed.step, strip.width, strip.height, mask.data, mask.step);
     source = zeroed;
     return status;
 }
