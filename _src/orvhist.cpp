@@ -89,7 +89,7 @@ OrvStatus resultOf(Call &call, KrnStatus status)
     return status;
 }
 
-KrnStatus statusOfFrame(OrvStatus status, Size size)
+KrnStatus kernelStatusOf(OrvStatus status, Size size)
 {
     return status == ORV_STATUS_NO_MEMORY ? KRN_NO_MEMORY : size.empty() ? KRN_BAD_SIZE : KRN_OK;
 }
@@ -110,7 +110,7 @@ void storeCounts(const LevelCounts &counts, const Records &records, std::int32_t
     for (std::int32_t i = 0; i < channels && records.first + i < records.end; ++i) {
         const OrvLUT &record = *records.of[records.first + i];
         counts.store(i, record);
-        // They have been counted as level 0.
+        // Unselected pixels have been counted as level 0.
         if (record.key[0] == 0)
             record.value[0] -= unselected;
     }
@@ -136,7 +136,7 @@ KrnStatus computeHistogram(const OrvImage &image, const Records &records)
     const OrvStatus status = runMeasure({.image = &image, .size = size, .masks = {image.maskROI}}, {.run = count});
     if (status == ORV_STATUS_OK && counts.any())
         storeCounts(counts, records, channels, unselected);
-    return statusOfFrame(status, size);
+    return kernelStatusOf(status, size);
 }
 
 KrnStatus stretchContrast(const OrvImage &source, const OrvImage &destination, const Records &records)
@@ -148,7 +148,7 @@ KrnStatus stretchContrast(const OrvImage &source, const OrvImage &destination, c
     const CallImages images = {{&source}, &destination};
     const OrvStatus status =
         runPointwise(images, {.run = [&](const Work &work) { return lookUp(records, stretchLevels, work); }});
-    return statusOfFrame(status, images.commonSize());
+    return kernelStatusOf(status, images.commonSize());
 }
 
 // The results of all pixels are counted, also of those that no mask selects.
@@ -183,7 +183,7 @@ KrnStatus equalize(const OrvImage &source, const OrvImage &destination, const Re
         status = runPointwise(images, {.run = equalizeAndCount});
     if (status == ORV_STATUS_OK && counts.any())
         storeCounts(counts, records, channels, unselected);
-    return statusOfFrame(status, size);
+    return kernelStatusOf(status, size);
 }
 
 } // namespace

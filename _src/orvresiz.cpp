@@ -31,6 +31,7 @@ template <class Loops> OrvStatus runLoops(const ResizeCall &call, const CallImag
 {
     Loops loops(call);
     const bool wholePixels = !images.inPlanes() && channelsToProcess(images.destination()) > 1;
+    // Exhausted memory is a failure on every path, whichever memory it was.
     if (loops.prepare(wholePixels ? 4 : 1) != KRN_OK)
         return ORV_STATUS_NO_MEMORY;
     return runRows(images, {call.x.count, call.y.count}, {.run = [&](const Work &work) { return loops.run(work); }});
@@ -49,8 +50,16 @@ OrvStatus run(const OrvImage &source, const OrvImage &destination, std::int32_t 
         return images.masked() ? ORV_STATUS_NO_MEMORY : ORV_STATUS_OK;
     const OrvROI *const roi = source.roi;
     ResizeCall call = {.source = source,
-                       .x = {from.width, roi != nullptr ? roi->xOffset : 0, source.width, xDst, xSrc},
-                       .y = {from.height, roi != nullptr ? roi->yOffset : 0, source.height, yDst, ySrc},
+                       .x = {.length = from.width,
+                             .offset = roi != nullptr ? roi->xOffset : 0,
+                             .whole = source.width,
+                             .to = xDst,
+                             .from = xSrc},
+                       .y = {.length = from.height,
+                             .offset = roi != nullptr ? roi->yOffset : 0,
+                             .whole = source.height,
+                             .to = yDst,
+                             .from = ySrc},
                        .mode = modeFor(interpolate, source)};
     const bool boxes = interpolate == ORV_INTERPOLATE_SUPER;
     // Enlarging boxes, and a rectangle beside the image, are no failure.

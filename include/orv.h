@@ -1164,17 +1164,19 @@ enum {
  * - **Linear**: p(x) = x * (w - 1) / (w * f - 1), so the last column of the whole result is the last one of the source.
  *   With i = trunc(p) and t = p - i it is s(i) * (1 - t) + s(i + 1) * t. Integers take t as a multiple of 1 / 16384,
  *   truncated, and round to nearest, ties up, after the row and again after the column. 32F is computed in floats.
- * - **Cubic**: the same positions, and the polynomial through s(i - 1), s(i), s(i + 1) and s(i + 2), in floats
- * (Newton's form of the interpolating polynomial). At the ends of the image the four pixels are those nearest to the
- * end. Integers are rounded to nearest, ties up, and saturate.
+ * - **Cubic**: the same positions, and the polynomial through s(i - 1), s(i), s(i + 1) and s(i + 2), in floats and
+ *   in Newton's form. At the ends of the image the four pixels are those nearest to the end. Integers are rounded to
+ *   nearest, ties up, and saturate.
  * - **Super-sampling**: the mean of the pixels of the box from x / f to (x + 1) / f, in which pixels count by the part
  *   that is covered. Integers are rounded to nearest, ties up; their sums are exact as long as w, h and the factors are
  *   so small that 65535 * (xSrc / g) * (ySrc / g) < 2^52, with g as the common divisor of each fraction, and double
- *   otherwise. Means of 32F are computed in double. If a factor is above 1, nothing is written, and that is no failure.
+ *   otherwise. Means of 32F are computed in double. A box that passes the end of the rectangle has what lies inside. A
+ *   factor above 1 writes nothing, and is no failure.
  *
- * 1e-7 is added to positions and counts before they are truncated. Linear and cubic results may depend on pixels beside
- * the source's rectangle, but never outside the image. Images less than 4 pixels wide or high are scaled by the linear
- * method instead of the cubic one, and less than 2 by the nearest pixel.
+ * 1e-7 is added to positions and counts before they are truncated. Results of the first three methods may depend on
+ * pixels beside the source's rectangle, but never outside the image. A source's rectangle beside its image is no
+ * failure: nothing is written. Images less than 4 pixels wide or high are scaled by the linear method instead of the
+ * cubic one, and less than 2 by the nearest pixel.
  *
  * If source and destination overlap, the call is safe and the result unspecified.
  *
@@ -1252,16 +1254,17 @@ ORV_API int32_t krnCpuCode(void);
 /** @defgroup histograms Histograms, look-up tables and thresholds
  *  Functions that look at the level of each sample.
  *
- *  orvComputeHisto(), orvContrastStretch() and orvHistoEqualize() share these rules. Depth 8U. Pixel and plane order,
- * 1, 3 and 4 channels (any number in plane order), rectangles, channels of interest and masks. They take an array of
- *  pointers to records, one a channel, of which channel c, counted from 0, uses `lut[c]`:
+ *  orvComputeHisto(), orvContrastStretch() and orvHistoEqualize() share these rules. Depth 8U. Pixel order with one,
+ *  three or four channels, plane order with any number; rectangles, channels of interest and masks. They take an array
+ *  of pointers to records, one a channel, of which channel c, counted from 0, uses `lut[c]`:
  *  - with a `coi`, `lut[coi - 1]` alone;
  *  - of four channels with a non-zero `alphaChannel` and without a `roi`, `lut[0]` to `lut[2]`;
- *  - otherwise one for each of `nChannels`. An alpha channel of a header with a `roi` needs a valid record too, though
- * it is neither counted nor changed.
+ *  - otherwise one for each of `nChannels`. An alpha channel of a header with a `roi` needs a valid record too,
+ *    though it is neither counted nor changed.
  *
- *  The records follow the source. A channel of the destination without a record is copied. Records may share arrays,
- * and may be the same; the library stays within them, but their counts are then unspecified.
+ *  The records follow the source. A channel of the destination without a record is copied. Several
+ *  channels may have one record, and records may share arrays. The library stays within them, but their counts are then
+ *  unspecified. Tables are made from the records as they were passed.
  *
  *  The first checks report a failure and let the call go on. Then a negative stored status ends it, **also one of an
  *  earlier call**: clear it by orvSetErrStatus() first. Statuses, in this order:

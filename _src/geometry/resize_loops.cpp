@@ -128,7 +128,9 @@ KrnStatus Interpolation::blendRow(const Work &work, std::int32_t row)
 
 KrnStatus Interpolation::run(const Work &work)
 {
-    std::fill_n(held_, mostTaps, -1); // another plane, perhaps
+    if (plane_ != work.sources[0].data)
+        std::fill_n(held_, mostTaps, -1);
+    plane_ = work.sources[0].data;
     KrnStatus status = KRN_OK;
     for (std::int32_t row = 0; row < work.size.height && status == KRN_OK; ++row)
         status = taps() == 0 ? gatherRow(work, row) : blendRow(work, row);
@@ -149,9 +151,9 @@ KrnStatus BoxMeans::prepare(std::int32_t samplesPerPixel)
     channel_ = sums_ + sumBytes;
     pixels_ = columns_.last[call_.x.count - 1] + 1;
     // Sums of a column must fit 32 bits, and those of a box the whole numbers of doubles.
-    const double most = call_.source.depth == ORV_DEPTH_8U ? 255 : 65535, ofColumn = most * rows_.width;
+    const double most = call_.source.depth == ORV_DEPTH_8U ? 255 : 65535, ofColumn = most * rows_.boxUnits;
     integers_ = call_.source.depth != ORV_DEPTH_32F && ofColumn < 4294967296.0 &&
-                ofColumn * columns_.width < 4503599627370496.0;
+                ofColumn * columns_.boxUnits < 4503599627370496.0;
     return KRN_OK;
 }
 
@@ -175,7 +177,7 @@ KrnStatus BoxMeans::addRow(const Work &work, std::int32_t sourceRow, std::int32_
 KrnStatus BoxMeans::run(const Work &work)
 {
     const BoxesOfRow boxes = {columns_.first, columns_.last, columns_.firstWeight, columns_.lastWeight,
-                              columns_.weight};
+                              columns_.sourceUnits};
     KrnStatus status = KRN_OK;
     for (std::int32_t row = 0; row < work.size.height && status == KRN_OK; ++row) {
         const std::int32_t y = work.rowsAbove + row, first = rows_.first[y], last = rows_.last[y];
@@ -183,7 +185,7 @@ KrnStatus BoxMeans::run(const Work &work)
             status = addRow(work, sourceRow,
                             sourceRow == first  ? rows_.firstWeight[y]
                             : sourceRow == last ? rows_.lastWeight[y]
-                                                : rows_.weight,
+                                                : rows_.sourceUnits,
                             sourceRow == first);
         if (status == KRN_OK)
             status = meansOf(call_.source.depth, integers_)

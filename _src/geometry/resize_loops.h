@@ -27,6 +27,7 @@ class Interpolation {
 public:
     explicit Interpolation(const ResizeCall &call) : call_(call) {}
 
+    // For pixels of so many samples at most.
     KrnStatus prepare(std::int32_t samplesPerPixel);
     KrnStatus run(const Work &work);
 
@@ -43,7 +44,8 @@ private:
     Scratch scratch_;
     ResizeTable columns_, rows_;
     std::uint8_t *buffers_[mostTaps] = {};
-    std::int32_t held_[mostTaps] = {}; // the source row in each buffer, counted from the image's first; -1 for none
+    std::int32_t held_[mostTaps] = {};    // the source row in each buffer, counted from the image's first; -1 for none
+    const std::uint8_t *plane_ = nullptr; // whose rows they are; strips of one plane share them
 };
 
 // Means of boxes.

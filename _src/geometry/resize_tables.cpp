@@ -7,7 +7,7 @@
 namespace orv {
 namespace {
 
-constexpr double slack = 1e-7; // what positions may fall short by
+constexpr double slack = 1e-7; // what counts may fall short by, as positions may in the kernels
 
 // Rounded to a double, also where the processor calculates with more bits.
 double stored(double value)
@@ -42,28 +42,28 @@ KrnStatus ResizeTable::fill(const ResizeAxis &axis, std::int32_t mode, bool floa
 void BoxTable::fill(const ResizeAxis &axis, std::uint8_t *memory)
 {
     const std::int32_t divisor = std::gcd(axis.to, axis.from);
-    weight = axis.to / divisor;
-    width = axis.from / divisor;
+    sourceUnits = axis.to / divisor;
+    boxUnits = axis.from / divisor;
     first = reinterpret_cast<std::int32_t *>(memory);
     last = first + axis.count;
     firstWeight = last + axis.count;
     lastWeight = firstWeight + axis.count;
-    const std::int64_t most = std::int64_t{axis.length} * weight;
+    const std::int64_t most = std::int64_t{axis.length} * sourceUnits;
     for (std::int32_t box = 0; box < axis.count; ++box) {
-        const std::int64_t start = std::min(std::int64_t{box} * width, most - 1);
-        const std::int64_t end = std::min(start + width, most);
-        const std::int64_t firstEnd = std::min((start / weight + 1) * weight, end);
-        first[box] = static_cast<std::int32_t>(start / weight);
-        last[box] = static_cast<std::int32_t>((end - 1) / weight);
+        const std::int64_t start = std::min(std::int64_t{box} * boxUnits, most - 1);
+        const std::int64_t end = std::min(start + boxUnits, most);
+        const std::int64_t firstEnd = std::min((start / sourceUnits + 1) * sourceUnits, end);
+        first[box] = static_cast<std::int32_t>(start / sourceUnits);
+        last[box] = static_cast<std::int32_t>((end - 1) / sourceUnits);
         firstWeight[box] = static_cast<std::int32_t>(firstEnd - start);
-        lastWeight[box] = static_cast<std::int32_t>((end - 1) % weight + 1);
+        lastWeight[box] = static_cast<std::int32_t>((end - 1) % sourceUnits + 1);
     }
 }
 
 double BoxTable::weightsOf(std::int32_t box) const
 {
     const std::int32_t pixels = last[box] - first[box];
-    return pixels == 0 ? firstWeight[box] : double{1} * firstWeight[box] + (pixels - 1.0) * weight + lastWeight[box];
+    return pixels == 0 ? firstWeight[box] : firstWeight[box] + (pixels - 1.0) * sourceUnits + lastWeight[box];
 }
 
 } // namespace orv

@@ -30,10 +30,10 @@ struct ResizeTable {
     KrnStatus fill(const ResizeAxis &axis, std::int32_t mode, bool floats, std::uint8_t *memory);
 };
 
-// The boxes of an axis. Where sources are `weight` units wide and boxes an integer number of them, all are integers.
+// The boxes of an axis, in units of which sources and boxes have whole numbers.
 struct BoxTable {
     std::int32_t *first = nullptr, *last = nullptr, *firstWeight = nullptr, *lastWeight = nullptr;
-    std::int32_t weight = 0, width = 0; // of a source, and of a box
+    std::int32_t sourceUnits = 0, boxUnits = 0;
 
     static std::int64_t bytes(std::int32_t count) { return 4 * std::int64_t{count} * 4; }
     void fill(const ResizeAxis &axis, std::uint8_t *memory);

@@ -48,7 +48,7 @@ KRN_SIGNATURE(BlendRowsKernel)
 KRN_SIGNATURE(AddRowKernel)
 
 // One row of the means of boxes. A box goes from the sums of one pixel to those of another; these two have weights of
-// their own, those between them `weight`. It is one pixel if they are the same, which the first weight is for.
+// their own, those between them `weight`. A box of one pixel has the first weight alone.
 struct BoxesOfRow {
     const std::int32_t *first, *last, *firstWeight, *lastWeight;
     std::int32_t weight;

@@ -1,7 +1,6 @@
 // Walking rectangles row by row, and samples at any address. To be included inside the unnamed namespace of whoever
 // uses it: a kernel's region, so that each build compiles these for its own processor, or a source of the front end.
-// The includer has <cstddef>, <cstdint> and
-// raster.h.
+// The includer has <cstddef>, <cstdint> and raster.h.
 
 // Rows are independent of each other and so are a row's samples. A loop over them may therefore run in vectors even
 // where source and destination are the same raster.

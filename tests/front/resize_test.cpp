@@ -57,9 +57,9 @@ double linear(const Axis &axis, std::int32_t k, bool isFloat, const Line &sample
         t = 1;
     }
     if (isFloat) {
-        const float weight = static_cast<float>(t);
-        return static_cast<float>(static_cast<float>(sample(i) * static_cast<double>(1 - weight)) +
-                                  static_cast<float>(sample(i + 1) * static_cast<double>(weight)));
+        const double weight = static_cast<float>(t), rest = static_cast<float>(1 - weight);
+        const double first = static_cast<float>(sample(i) * rest), second = static_cast<float>(sample(i + 1) * weight);
+        return static_cast<float>(first + second); // of doubles, which the x87 rounds where it keeps floats as they are
     }
     const double weight = std::trunc(t * 16384 + 1e-7);
     return std::floor((sample(i) * (16384 - weight) + sample(i + 1) * weight + 8192) / 16384);
