@@ -253,10 +253,33 @@ double cut(int value, const SampleType &type)
     return low > type.highest ? low - range : low;
 }
 
+// The x87 unit goes on with more bits than a double has, and a root that is rounded twice may differ.
+class RoundingToDoubles {
+public:
+#if defined(__i386__)
+    RoundingToDoubles()
+    {
+        __asm__ volatile("fnstcw %0" : "=m"(saved_));
+        const unsigned short doubles = static_cast<unsigned short>((saved_ & ~0x300) | 0x200);
+        __asm__ volatile("fldcw %0" : : "m"(doubles));
+    }
+    ~RoundingToDoubles()
+    {
+        __asm__ volatile("fldcw %0" : : "m"(saved_));
+    }
+
+private:
+    unsigned short saved_ = 0;
+#else
+    RoundingToDoubles() {}
+#endif
+};
+
 // Doubles hold the sums of the walk's integers, but for those of squares of differences of words, which are added up
 // row by row.
 double norm(const Trial &t, int channel, int)
 {
+    const RoundingToDoubles doubles;
     const std::string name = t.row.operation;
     const bool differs = t.row.takes(SECOND), relative = name.starts_with("NormRel"), squares = name.ends_with("L2");
     const auto of = [&](auto value) {
