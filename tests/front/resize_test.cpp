@@ -30,11 +30,12 @@ struct Axis {
     // Steps are added up.
     double position(std::int32_t k, bool nearest) const
     {
-        const double scaled = length * scale();
-        const double step = nearest ? 1 / scale() : scaled > 1 ? (length - 1) / (scaled - 1) : 0;
-        double at = nearest ? step / 2 : 0;
+        // Through memory, since the x87 goes on with more bits than a double has.
+        const volatile double factor = scale(), scaled = length * factor, less = scaled - 1;
+        const volatile double step = nearest ? 1 / factor : scaled > 1 ? (length - 1) / less : 0;
+        volatile double at = nearest ? step / 2 : 0;
         for (std::int32_t i = 0; i < k; ++i)
-            at += step;
+            at = at + step;
         return at;
     }
 };
@@ -57,9 +58,11 @@ double linear(const Axis &axis, std::int32_t k, bool isFloat, const Line &sample
         t = 1;
     }
     if (isFloat) {
-        const double weight = static_cast<float>(t), rest = static_cast<float>(1 - weight);
-        const double first = static_cast<float>(sample(i) * rest), second = static_cast<float>(sample(i + 1) * weight);
-        return static_cast<float>(first + second); // of doubles, which the x87 rounds where it keeps floats as they are
+        // Through memory, since the x87 goes on with more bits than a float has too.
+        const volatile float weight = static_cast<float>(t), rest = 1 - weight;
+        const volatile float first = static_cast<float>(sample(i)) * rest;
+        const volatile float second = static_cast<float>(sample(i + 1)) * weight, sum = first + second;
+        return sum;
     }
     const double weight = std::trunc(t * 16384 + 1e-7);
     return std::floor((sample(i) * (16384 - weight) + sample(i + 1) * weight + 8192) / 16384);
