@@ -27,7 +27,7 @@ class Interpolation {
 public:
     explicit Interpolation(const ResizeCall &call) : call_(call) {}
 
-    // For pixels of so many samples at most.
+    // Takes memory for pixels of at most this many samples.
     KrnStatus prepare(std::int32_t samplesPerPixel);
     KrnStatus run(const Work &work);
 

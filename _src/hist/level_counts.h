@@ -28,7 +28,7 @@ constexpr AllLevels allLevels = [] {
 // Channels count from 0. Up to four of them need no memory.
 class LevelCounts {
 public:
-    // For so many channels. False on exhausted memory.
+    // Makes room for the channels of a call. False on exhausted memory.
     bool take(std::int32_t channels);
 
     // Counts the samples of a raster whose first channel is the given one.
