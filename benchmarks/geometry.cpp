@@ -23,7 +23,7 @@ Case mirror(int depth, int channels, int axis, bool inPlace)
 // The destination has the size of the table; the source the one that gives it.
 Case resize(const char *name, int method, int to, int from, int depth, int channels)
 {
-    return {std::string("orvResize ") + name + " x" + std::to_string(to) + "/" + std::to_string(from) + " " +
+    return {std::string("orvResize ") + name + " " + std::to_string(to) + ":" + std::to_string(from) + " " +
                 depthName(depth) + " C" + std::to_string(channels),
             [=](int side) {
                 const Image source = image(depth, channels, side * from / to);
