@@ -31,8 +31,8 @@ struct Axis {
     double position(std::int32_t k, bool nearest) const
     {
         // Through memory, since the x87 goes on with more bits than a double has.
-        const volatile double factor = scale(), scaled = length * factor, less = scaled - 1;
-        const volatile double step = nearest ? 1 / factor : scaled > 1 ? (length - 1) / less : 0;
+        const volatile double ratio = scale(), scaled = length * ratio, less = scaled - 1;
+        const volatile double step = nearest ? 1 / ratio : scaled > 1 ? (length - 1) / less : 0;
         volatile double at = nearest ? step / 2 : 0;
         for (std::int32_t i = 0; i < k; ++i)
             at = at + step;
