@@ -50,6 +50,7 @@ OrvStatus run(const OrvImage &source, const OrvImage &destination, std::int32_t 
         return images.masked() ? ORV_STATUS_NO_MEMORY : ORV_STATUS_OK;
     const OrvROI *const roi = source.roi;
     ResizeCall call = {.source = source,
+                       .operand = resolve(source, false),
                        .x = {.length = from.width,
                              .offset = roi != nullptr ? roi->xOffset : 0,
                              .whole = source.width,

@@ -5,7 +5,7 @@
 #include <cstddef>
 #include <cstring>
 
-#include "channel_kernels.h"
+#include "delivery.h"
 #include "kernels.h"
 
 namespace orv {
@@ -78,18 +78,19 @@ KrnStatus Interpolation::prepare(std::int32_t samplesPerPixel)
     for (std::int32_t i = 0; i < taps(); ++i)
         buffers_[i] = memory + rowBytes + i * bufferBytes;
     for (std::int32_t i = 0; i < call_.x.count; ++i)
-        columns_.indices[i] *= call_.pixelBytes();
+        columns_.indices[i] *= call_.operand.pixelBytes;
     return status;
 }
 
 KrnStatus Interpolation::gatherRow(const Work &work, std::int32_t row) const
 {
-    const std::int32_t bytes = sampleBytes(call_.source.depth);
+    const std::int32_t bytes = call_.operand.sampleBytes;
     const LayoutKernels<ResizeRowKernel> &kernels = bytes == 1   ? nearestBytes
                                                     : bytes == 2 ? nearestWords
                                                                  : nearestLongWords;
-    return kernels[work.layout](work.sources[0].fromRow(rows_.indices[work.rowsAbove + row]).data, call_.pixelBytes(),
-                                work.destination.fromRow(row).data, work.size.width, columns_.indices, nullptr);
+    return kernels[work.layout](work.sources[0].fromRow(rows_.indices[work.rowsAbove + row]).data,
+                                call_.operand.pixelBytes, work.destination.fromRow(row).data, work.size.width,
+                                columns_.indices, nullptr);
 }
 
 // Rows that follow each other have buffers of their own.
@@ -101,7 +102,7 @@ KrnStatus Interpolation::interpolateRow(const Work &work, std::int32_t sourceRow
         return KRN_OK;
     held_[place] = ofImage;
     return methodOf(call_.mode, call_.source.depth)
-        .rows(work.layout)(work.sources[0].fromRow(sourceRow).data, call_.pixelBytes(), buffers_[place],
+        .rows(work.layout)(work.sources[0].fromRow(sourceRow).data, call_.operand.pixelBytes, buffers_[place],
                            work.size.width, columns_.indices, columns_.weights);
 }
 
@@ -159,19 +160,16 @@ KrnStatus BoxMeans::prepare(std::int32_t samplesPerPixel)
 
 KrnStatus BoxMeans::addRow(const Work &work, std::int32_t sourceRow, std::int32_t weight, bool starts)
 {
-    const OrvImage &source = call_.source;
-    const void *row = work.sources[0].fromRow(sourceRow).data;
-    const std::int32_t bytes = sampleBytes(source.depth), samples = samplesPerPixel(work.layout);
+    ConstRaster row = work.sources[0].fromRow(sourceRow);
     KrnStatus status = KRN_OK;
-    if (call_.pixelBytes() != bytes * samples) { // one channel of interleaved pixels
-        const ChannelKernels &kernels = channelKernels(bytes);
-        status = (source.nChannels == 3 ? kernels.extractC3 : kernels.extractC4)(row, source.widthStep, channel_,
-                                                                                 pixels_ * bytes, pixels_, 1);
-        row = channel_;
+    if (call_.operand.interleaved) {
+        const Raster channel = {channel_, pixels_ * call_.operand.sampleBytes};
+        status = gather(call_.operand, row, channel, {pixels_, 1});
+        row = channel;
     }
-    return status != KRN_OK
-               ? status
-               : meansOf(source.depth, integers_).add(row, sums_, pixels_ * samples, weight, starts ? 1 : 0);
+    return status != KRN_OK ? status
+                            : meansOf(call_.source.depth, integers_)
+                                  .add(row.data, sums_, pixels_ * samplesPerPixel(work.layout), weight, starts ? 1 : 0);
 }
 
 KrnStatus BoxMeans::run(const Work &work)

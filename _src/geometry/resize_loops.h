@@ -5,6 +5,7 @@
 
 #include "geometry/resize_tables.h"
 #include "loop.h"
+#include "operand.h"
 #include "orv.h"
 
 namespace orv {
@@ -12,14 +13,9 @@ namespace orv {
 // What a loop must know of a call.
 struct ResizeCall {
     const OrvImage &source;
+    Operand operand; // the same
     ResizeAxis x, y;
     std::int32_t mode; // of kernels
-
-    std::int32_t pixelBytes() const
-    {
-        const bool planes = source.dataOrder == ORV_DATA_ORDER_PLANE;
-        return sampleBytes(source.depth) * (planes ? 1 : source.nChannels);
-    }
 };
 
 // The nearest pixel, or two or four of them in both directions.
