@@ -30,9 +30,8 @@ std::int32_t modeFor(std::int32_t interpolate, const OrvImage &source)
 template <class Loops> OrvStatus runLoops(const ResizeCall &call, const CallImages &images)
 {
     Loops loops(call);
-    const bool wholePixels = !images.inPlanes() && channelsToProcess(images.destination()) > 1;
     // Exhausted memory is a failure on every path, whichever memory it was.
-    if (loops.prepare(wholePixels ? 4 : 1) != KRN_OK)
+    if (loops.prepare(images.inPlanes() ? 1 : channelsToProcess(images.destination())) != KRN_OK)
         return ORV_STATUS_NO_MEMORY;
     return runRows(images, {call.x.count, call.y.count}, {.run = [&](const Work &work) { return loops.run(work); }});
 }

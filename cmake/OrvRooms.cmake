@@ -39,8 +39,11 @@ set(ORV_KERNEL_SOURCES
   kernels/filter/fixed_floats.cpp
   kernels/filter/median.cpp
   kernels/geometry/mirror.cpp
-  kernels/geometry/resize.cpp
+  kernels/geometry/resize_axis.cpp
   kernels/geometry/resize_box.cpp
+  kernels/geometry/resize_cubic.cpp
+  kernels/geometry/resize_linear.cpp
+  kernels/geometry/resize_nearest.cpp
   kernels/hist/histogram.cpp
   kernels/hist/scale.cpp
   kernels/hist/table.cpp

@@ -7,6 +7,7 @@
 #include "loop.h"
 #include "operand.h"
 #include "orv.h"
+#include "scratch.h"
 
 namespace orv {
 
@@ -21,27 +22,21 @@ struct ResizeCall {
 // The nearest pixel, or two or four of them in both directions.
 class Interpolation {
 public:
-    explicit Interpolation(const ResizeCall &call) : call_(call) {}
+    explicit Interpolation(const ResizeCall &call) : call_(call), method_(methodOf(call.mode, call.source.depth)) {}
 
-    // Takes memory for pixels of at most this many samples.
+    // Takes memory for pixels of so many samples.
     KrnStatus prepare(std::int32_t samplesPerPixel);
     KrnStatus run(const Work &work);
 
 private:
-    std::int32_t taps() const { return call_.mode == KRN_NEAREST ? 0 : call_.mode == KRN_LINEAR ? 2 : 4; }
-    bool floats() const { return call_.mode == KRN_CUBIC || call_.source.depth == ORV_DEPTH_32F; }
-    KrnStatus gatherRow(const Work &work, std::int32_t row) const;
-    KrnStatus interpolateRow(const Work &work, std::int32_t sourceRow, const void *&buffer);
-    KrnStatus blendRow(const Work &work, std::int32_t row);
-
-    static constexpr std::int32_t mostTaps = 4;
+    static const ResizeMethod &methodOf(std::int32_t mode, std::int32_t depth);
 
     const ResizeCall &call_;
+    const ResizeMethod &method_;
     Scratch scratch_;
-    ResizeTable columns_, rows_;
-    std::uint8_t *buffers_[mostTaps] = {};
-    std::int32_t held_[mostTaps] = {};    // the source row in each buffer, counted from the image's first; -1 for none
-    const std::uint8_t *plane_ = nullptr; // whose rows they are; strips of one plane share them
+    ResizeColumns columns_ = {};
+    ResizeRows rows_ = {};
+    const std::uint8_t *plane_ = nullptr; // whose rows are buffered; strips of one plane share them
 };
 
 // Means of boxes.

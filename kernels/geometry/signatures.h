@@ -17,30 +17,59 @@ KRN_SIGNATURE(MirrorInPlaceKernel)
 
 // One axis of a resize: where each result lies among the sources. Positions start at `start` and grow by `step`, which
 // is added up. `count` is the number of results, `offset` that of the rectangle's first source in the image, and `last`
-// that of the image's last one. Gives for each result the index of a source, counted from the rectangle's first: the
-// nearest one, the first of two, or the second of four.
+// that of the image's last one. Gives for each result the index of its first source, counted from the rectangle's
+// first, and what its sources weigh.
+// Positions and counts that fall short of a whole number by rounding count as that number.
+constexpr double resizeSlack = 1e-7;
 enum : std::int32_t { KRN_NEAREST = 1, KRN_LINEAR = 2, KRN_CUBIC = 4 };
 #define KRN_PARAMETERS_ResizeAxisKernel                                                                       \
     double start, double step, std::int32_t count, std::int32_t mode, std::int32_t offset, std::int32_t last, \
         std::int32_t *indices, void *weights
 KRN_SIGNATURE(ResizeAxisKernel)
 
-// What the sources of a result weigh. For two of integers it is the weight of the second, of which resizeOne is the
-// whole; for two floats the same as a float. For four it is three factors, each in an array of `count` floats.
+// Between two integers, the second weighs so many parts of resizeOne. Bytes have twice that, negative: from -32768 to
+// 0. Words have both weights, that of the second in the upper half. Two floats have the weight of the second. Four
+// samples have three factors as floats, each in an array of `count`.
 constexpr std::int32_t resizeOne = 16384;
 constexpr std::int32_t cubicFactors = 3;
 
-// One row of pixels, each from the source at its offset in bytes, or from there and its neighbours, `pixelBytes` apart.
-// Cubic rows start one pixel before the offset.
-#define KRN_PARAMETERS_ResizeRowKernel                                                                               \
-    const void *source, std::int32_t pixelBytes, void *destination, std::int32_t width, const std::int32_t *offsets, \
-        const void *weights
-KRN_SIGNATURE(ResizeRowKernel)
+// The columns of a resize, sample by sample: all channels of a pixel one after the other. The sources of a sample are
+// `pixelBytes` apart.
+struct ResizeColumns {
+    std::int32_t samples, pixelBytes;
+    const std::int32_t *offsets; // of first sources, in bytes from the row's start
+    const void *weights;         // as above, those of bytes as words
+    const void *shuffles;        // from krnResizeShuffles
+};
+// Its rows. `buffers` hold source rows that were interpolated along themselves, a row where its number divided by the
+// number of buffers leaves a remainder; `held` are their numbers, or noRow.
+constexpr std::int32_t mostResizeTaps = 4;
+constexpr std::int32_t noRow = INT32_MIN;
+struct ResizeRows {
+    std::int32_t count;
+    const std::int32_t *indices; // of first source rows
+    const void *weights;
+    void *buffers[mostResizeTaps];
+    std::int32_t held[mostResizeTaps];
+};
 
-// One row of pixels from two such rows, or from four; `weights` are those of one result.
-#define KRN_PARAMETERS_BlendRowsKernel \
-    const void *const *rows, void *destination, std::int32_t width, const void *weights
-KRN_SIGNATURE(BlendRowsKernel)
+// Prepares the gathering of samples of so many bytes, each to a place in a vector: with as many of its sources, one
+// after the other, as `taps` says. What it writes serves the build that wrote it.
+#define KRN_PARAMETERS_ResizeShufflesKernel \
+    const ResizeColumns *columns, std::int32_t sampleBytes, std::int32_t taps, std::int32_t placeBytes, void *shuffles
+KRN_SIGNATURE(ResizeShufflesKernel)
+constexpr std::int32_t mostWindows = 4; // of 16 bytes, from which a lane is gathered
+constexpr std::int64_t shufflesBytes(std::int64_t samples, std::int32_t placeBytes)
+{
+    const std::int64_t lanes = samples * placeBytes / 16 + 2;
+    return 64 + lanes * (4 + 16 * mostWindows);
+}
+
+// So many rows of results, from `firstRow` on.
+#define KRN_PARAMETERS_ResizeKernel                                                                           \
+    const void *source, std::int32_t sourceStep, void *destination, std::int32_t step, std::int32_t firstRow, \
+        std::int32_t height, const ResizeColumns *columns, ResizeRows *rows
+KRN_SIGNATURE(ResizeKernel)
 
 // Adds the weighted samples of a row to sums, or starts them.
 #define KRN_PARAMETERS_AddRowKernel \

@@ -260,12 +260,17 @@ inline S32s pairSums(S16s a, S16s b)
 {
     return as<std::int32_t>(ORV_VECTOR(madd_epi16)(bitsOf(a), bitsOf(b)));
 }
-#if ORV_SHUFFLES
 // The products of words as fractions of 32768, rounded to nearest with ties up.
 inline S16s roundedProducts(S16s a, S16s b)
 {
+#if ORV_SHUFFLES
     return as<std::int16_t>(ORV_VECTOR(mulhrs_epi16)(bitsOf(a), bitsOf(b)));
+#else
+    const S16s high = highProducts(a, b);
+    return high + high + as<std::int16_t>(((as<std::uint16_t>(a * b) >> 14) + 1) >> 1);
+#endif
 }
+#if ORV_SHUFFLES
 // The sums of the products of bytes and signed bytes two by two; they saturate.
 inline S16s pairSums(U8s a, S8s b)
 {

@@ -95,102 +95,112 @@ double roundedTo(const SampleType &type, float value)
     return type.isFloat() ? value : std::clamp<double>(std::trunc(f(double{value} + 0.5)), 0, type.highest);
 }
 
-// Two or four samples and their weights, as a table or a row of the image has them.
+// Weights of results, with the form of the sources as bytes, words or floats have them.
 struct Weights {
-    std::vector<std::int32_t> integers;
-    std::vector<float> floats; // three arrays, of which linear rows use the first
+    std::vector<std::int32_t> parts; // of resizeOne
+    std::vector<std::int32_t> packed;
+    std::vector<std::int16_t> words; // for the columns of bytes
+    std::vector<float> floats;       // three arrays, of which linear methods use the first
 
-    Weights(int count, Random &random)
+    Weights(int count, int bytes, Random &random)
     {
-        for (int i = 0; i < count; ++i)
-            integers.push_back(random() % 6 == 0 ? 0 : random() % 6 == 0 ? resizeOne : below(random, resizeOne + 1));
+        for (int i = 0; i < count; ++i) {
+            parts.push_back(random() % 6 == 0 ? 0 : random() % 6 == 0 ? resizeOne : below(random, resizeOne + 1));
+            packed.push_back(bytes == 1 ? -2 * parts.back() : parts.back() * 65536 + resizeOne - parts.back());
+            words.push_back(static_cast<std::int16_t>(-2 * parts.back()));
+        }
         for (int i = 0; i < 3 * count; ++i)
             floats.push_back(static_cast<float>(below(random, 4097)) / 2048 - (i < count ? 0 : 1));
     }
-    const void *of(bool asFloats) const
-    {
-        return asFloats ? static_cast<const void *>(floats.data()) : integers.data();
-    }
-    double between(bool asFloats, std::size_t i, double a, double b) const
+    double linear(bool asFloats, std::size_t i, double a, double b) const
     {
         if (!asFloats)
-            return std::floor((a * (resizeOne - integers[i]) + b * integers[i] + resizeOne / 2) / resizeOne);
+            return std::floor((a * (resizeOne - parts[i]) + b * parts[i] + resizeOne / 2) / resizeOne);
         const double t = floats[i];
         return f(double{f(a * f(1 - t))} + f(b * t));
     }
+    float cubic(std::size_t i, const float *taps) const
+    {
+        const std::size_t count = parts.size();
+        const float factor[] = {floats[i], floats[count + i], floats[2 * count + i]};
+        return newton(taps[0], taps[1], taps[2], taps[3], factor);
+    }
 };
 
-void tryRow(const Row &row, Random &random)
+// Samples at ascending places, dense or sparse or all over the row, of pixels of any size; and so rows.
+void tryResize(const Row &row, Random &random)
 {
     static Guarded memory[2];
-    const int channels = row.layout.source, written = row.layout.written,
-              width = 1 + below(random, random() % 4 == 0 ? 300 : 40);
-    const bool linear = row.is("ResizeLinear"), cubic = row.is("ResizeCubic");
-    const int taps = linear ? 2 : cubic ? 4 : 1, before = cubic ? 1 : 0;
-    // One channel of several is read where it is.
-    const int stride = channels == 1 && random() % 4 == 0 ? 1 + below(random, 4) : channels;
-    const int pixels = taps + below(random, 200), first = stride > channels ? below(random, stride) : 0;
-    const Line in(memory[0], row.source, (pixels - 1) * stride + (stride > channels ? first + 1 : channels), random);
-    const Line out(memory[1], row.destination, width * channels, random);
+    const bool linear = row.is("ResizeLinear"), cubic = row.is("ResizeCubic"), fours = row.layout.written == 3;
+    const SampleType &type = row.source;
+    const int channels = fours ? 4 : 1 + below(random, 4),
+              stride = channels + (random() % 4 == 0 ? below(random, 3) : 0);
+    const int width = 1 + below(random, random() % 4 == 0 ? 60 : 16), samples = width * channels;
+    const int height = 1 + below(random, 5), sourceRows = 4 + below(random, 4), above = below(random, 3);
+    const int taps = linear ? 2 : cubic ? 4 : 1, pixels = taps + below(random, random() % 2 == 0 ? 20 : 200);
+    const int sourceStep = (pixels - 1) * stride + channels + below(random, 3), step = samples + below(random, 3);
+    const Line in(memory[0], type, sourceStep * (sourceRows - 1) + (pixels - 1) * stride + channels, random);
+    const Line out(memory[1], row.destination, step * (height - 1) + samples, random);
     in.fill(random);
     out.fill(random);
-    std::vector<std::int32_t> offsets;
-    const bool ascends = random() % 2 == 0;
-    for (int i = 0; i < width; ++i) {
-        const int any = ascends ? static_cast<int>(std::int64_t{i} * (pixels - taps + 1) / width)
-                                : below(random, pixels - taps + 1);
-        offsets.push_back((any + before) * stride * row.source.bytes);
-    }
-    const Weights weights(width, random);
-    const bool floats = cubic || row.source.isFloat();
-    const std::uint8_t *const start = in.start + first * row.source.bytes;
-    const auto call = [&] {
-        return (*static_cast<const Kernel<ResizeRowKernel> *>(row.kernel))(start, stride * row.source.bytes, out.start,
-                                                                           width, offsets.data(), weights.of(floats));
+    const bool ascends = random() % 4 != 0;
+    const auto place = [&](int i, int of, int bound) {
+        return ascends ? static_cast<int>(std::int64_t{i} * bound / of) : below(random, bound);
     };
-    const auto expected = [&](int i) -> double {
-        const std::size_t pixel = static_cast<std::size_t>(i / channels);
-        const auto tap = [&](int number) {
-            return in.get(offsets[pixel] / row.source.bytes + first + i % channels + (number - before) * stride);
+    std::vector<std::int32_t> offsets, indices;
+    for (int i = 0; i < width; ++i)
+        for (int first = place(i, width, pixels - taps + 1), channel = 0; channel < channels; ++channel)
+            offsets.push_back((first * stride + channel) * type.bytes);
+    for (int i = 0; i < above + height; ++i)
+        indices.push_back(place(i, above + height, sourceRows - taps + 1));
+    const bool floats = cubic || type.isFloat();
+    const Weights across(samples, type.bytes, random), down(above + height, type.bytes, random);
+    const int bufferBytes = floats ? 4 : 2, placeBytes = taps == 1 ? type.bytes : std::max(type.bytes, bufferBytes);
+    // Words for vectors, and no byte beyond what is promised.
+    const std::size_t shufflesSize = static_cast<std::size_t>(shufflesBytes(samples, placeBytes));
+    alignas(32) static std::uint8_t shuffles[32000], buffers[4][1024];
+    ASSERT_LT(shufflesSize, sizeof shuffles);
+    ASSERT_LE(samples * bufferBytes, 1024);
+    ResizeColumns columns = {samples, stride * type.bytes, offsets.data(), across.floats.data(), shuffles};
+    ResizeRows rows = {above + height, indices.data(), down.floats.data(), {}, {}};
+    if (!floats) {
+        columns.weights = type.bytes == 1 ? static_cast<const void *>(across.words.data()) : across.packed.data();
+        rows.weights = down.packed.data();
+    }
+    const auto call = [&] {
+        shuffles[shufflesSize] = 0x77;
+        EXPECT_EQ(krnResizeShuffles(&columns, type.bytes, type.bytes == 1 ? taps : 1, placeBytes, shuffles), KRN_OK);
+        EXPECT_EQ(shuffles[shufflesSize], 0x77);
+        for (std::size_t i = 0; i < 4; ++i) {
+            rows.buffers[i] = buffers[i];
+            rows.held[i] = noRow;
+        }
+        return (*static_cast<const Kernel<ResizeKernel> *>(row.kernel))(
+            in.start, sourceStep * type.bytes, out.start, step * type.bytes, above, height, &columns, &rows);
+    };
+    const auto expected = [&](int at) -> double {
+        if (at % step >= samples || (fours && at % step % 4 == 3))
+            return out.get(at);
+        const std::size_t x = static_cast<std::size_t>(at % step), y = static_cast<std::size_t>(above + at / step);
+        const auto sample = [&](int right, int lower) {
+            return in.get((indices[y] + lower) * sourceStep + offsets[x] / type.bytes + right * stride);
         };
+        double between[4];
+        for (int tap = 0; tap < taps; ++tap) {
+            if (linear)
+                between[tap] = across.linear(floats, x, sample(0, tap), sample(1, tap));
+            else if (cubic) {
+                const float line[] = {f(sample(0, tap)), f(sample(1, tap)), f(sample(2, tap)), f(sample(3, tap))};
+                between[tap] = across.cubic(x, line);
+            } else
+                between[tap] = sample(0, tap);
+        }
         if (linear)
-            return weights.between(floats, pixel, tap(0), tap(1));
-        if (!cubic)
-            return tap(0);
-        const std::size_t count = static_cast<std::size_t>(width);
-        const float factor[] = {weights.floats[pixel], weights.floats[count + pixel],
-                                weights.floats[2 * count + pixel]};
-        return newton(f(tap(0)), f(tap(1)), f(tap(2)), f(tap(3)), factor);
+            return down.linear(floats, y, between[0], between[1]);
+        const float column[] = {f(between[0]), f(between[1]), f(between[2]), f(between[3])};
+        return cubic ? roundedTo(type, down.cubic(y, column)) : between[0];
     };
-    ASSERT_TRUE(holdRow(row, out, written, channels, call, expected));
-}
-
-void tryBlend(const Row &row, Random &random)
-{
-    static Guarded memory[5];
-    const bool cubic = row.is("ResizeRowsCubic"), fours = row.layout.written == 3;
-    const int width = 1 + below(random, random() % 4 == 0 ? 300 : 70), pixel = fours ? 4 : 1;
-    std::vector<Line> in;
-    const void *rows[4] = {};
-    for (std::size_t i = 0; i < (cubic ? 4 : 2); ++i) {
-        in.emplace_back(memory[i], row.source, width * pixel, random);
-        in.back().fill(random);
-        rows[i] = in.back().start;
-    }
-    const Line out(memory[4], row.destination, width * pixel, random);
-    out.fill(random);
-    const Weights weights(1, random);
-    const bool floats = row.source.isFloat();
-    const auto call = [&] {
-        return (*static_cast<const Kernel<BlendRowsKernel> *>(row.kernel))(rows, out.start, width, weights.of(floats));
-    };
-    const auto expected = [&](int i) -> double {
-        if (!cubic)
-            return weights.between(floats, 0, in[0].get(i), in[1].get(i));
-        return roundedTo(row.destination, newton(f(in[0].get(i)), f(in[1].get(i)), f(in[2].get(i)), f(in[3].get(i)),
-                                                 weights.floats.data()));
-    };
-    ASSERT_TRUE(holdRow(row, out, fours ? 3 : 1, pixel, call, expected));
+    ASSERT_TRUE(holdRow(row, out, 1, 1, call, expected));
 }
 
 void tryAdd(const Row &row, Random &random)
@@ -257,8 +267,7 @@ TEST(ResizeRows, EveryBuildComputesTheFormula)
         const std::string name = row.name;
         std::seed_seq seed(name.begin(), name.end());
         Random random(seed);
-        const auto attempt = row.is("ResizeNearest") || row.is("ResizeLinear") || row.is("ResizeCubic") ? tryRow
-                             : row.is("ResizeRowsLinear") || row.is("ResizeRowsCubic")                  ? tryBlend
+        const auto attempt = row.is("ResizeNearest") || row.is("ResizeLinear") || row.is("ResizeCubic") ? tryResize
                              : row.is("AddRow")                                                         ? tryAdd
                              : row.is("MeanRow")                                                        ? tryMean
                                                                                                         : nullptr;
@@ -266,7 +275,7 @@ TEST(ResizeRows, EveryBuildComputesTheFormula)
         for (int i = 0; i < 150 && attempt != nullptr && !testing::Test::HasFatalFailure(); ++i)
             attempt(row, random);
     }
-    EXPECT_EQ(rows, 12 + 18 + 12 + 5 + 20);
+    EXPECT_EQ(rows, 18 + 5 + 20);
 }
 
 // Both kinds of tables, from positions that are added up: builds agree to the last bit.
@@ -278,11 +287,10 @@ TEST(ResizeRows, TablesAreTheSameInAllBuilds)
         const int offset = below(random, whole - length + 1);
         const double step = (length - 1) / (count + below(random, 1000) / 1000.0), start = below(random, 2) * step / 2;
         for (const std::int32_t mode : {KRN_NEAREST, KRN_LINEAR, KRN_CUBIC})
-            for (const bool floats : {false, true}) {
+            for (const auto *axis : {&krnResizeAxis8u, &krnResizeAxis16u, &krnResizeAxis32f}) {
                 std::vector<std::int32_t> kept, indices(static_cast<std::size_t>(count)), weights(3 * indices.size());
                 for (krnDispatchIndex = 0; krnDispatchIndex < carriedBuilds(); ++krnDispatchIndex) {
-                    ASSERT_EQ((floats ? krnResizeAxis32f : krnResizeAxis32s)(start, step, count, mode, offset,
-                                                                             whole - 1, indices.data(), weights.data()),
+                    ASSERT_EQ((*axis)(start, step, count, mode, offset, whole - 1, indices.data(), weights.data()),
                               KRN_OK);
                     std::vector<std::int32_t> all = indices;
                     all.insert(all.end(), weights.begin(), weights.end());
@@ -290,8 +298,8 @@ TEST(ResizeRows, TablesAreTheSameInAllBuilds)
                         kept = all;
                     ASSERT_EQ(all, kept);
                     const auto [least, most] = std::minmax_element(indices.begin(), indices.end());
-                    ASSERT_GE(*least + offset, mode == KRN_CUBIC ? 1 : 0);
-                    ASSERT_LE(*most + offset, whole - 1 - (mode == KRN_CUBIC ? 2 : mode == KRN_LINEAR ? 1 : 0));
+                    ASSERT_GE(*least + offset, 0);
+                    ASSERT_LE(*most + offset, whole - (mode == KRN_CUBIC ? 4 : mode == KRN_LINEAR ? 2 : 1));
                 }
             }
     }

@@ -43,6 +43,7 @@ private:
     }
     bool planBuffers();
     std::int64_t loopBytes(std::int32_t rows) const;
+    KrnStatus runStrips(std::int32_t firstPlane, std::int32_t endOfPlanes);
     KrnStatus runStrip(std::int32_t row, Size strip, std::int32_t plane, ConstRaster mask);
 
     const Operand &destination() const { return operands_[call_.images.sourceCount()]; }
@@ -181,12 +182,24 @@ KrnStatus ScratchCall::run()
     if (bytes > 0 && !scratch_.take(bytes))
         return KRN_NO_MEMORY;
 
-    Size strip = {size.width, 0};
-    for (std::int32_t row = 0; row < size.height; row += strip.height) {
-        strip.height = std::min(stripRows_, size.height - row);
+    // Loops that read where they like keep rows of a plane from strip to strip. A single strip reads its mask once,
+    // since the mask may lie in what is written.
+    if (!call_.freeSources || !strips)
+        return runStrips(0, planes_);
+    KrnStatus status = KRN_OK;
+    for (std::int32_t plane = 0; plane < planes_ && status == KRN_OK; ++plane)
+        status = runStrips(plane, plane + 1);
+    return status;
+}
+
+KrnStatus ScratchCall::runStrips(std::int32_t firstPlane, std::int32_t endOfPlanes)
+{
+    Size strip = {call_.size.width, 0};
+    for (std::int32_t row = 0; row < call_.size.height; row += strip.height) {
+        strip.height = std::min(stripRows_, call_.size.height - row);
         ConstRaster mask;
         KrnStatus status = masks_.ofStrip(row, strip, scratch_, stripRows_, mask);
-        for (std::int32_t plane = 0; plane < planes_ && status == KRN_OK; ++plane)
+        for (std::int32_t plane = firstPlane; plane < endOfPlanes && status == KRN_OK; ++plane)
             status = runStrip(row, strip, plane, mask);
         if (status != KRN_OK)
             return status;
