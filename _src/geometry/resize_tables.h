@@ -30,14 +30,4 @@ struct ResizeTable {
     KrnStatus fill(const ResizeAxis &axis, std::int32_t mode, bool floats, std::uint8_t *memory);
 };
 
-// The boxes of an axis, in units of which sources and boxes have whole numbers.
-struct BoxTable {
-    std::int32_t *first = nullptr, *last = nullptr, *firstWeight = nullptr, *lastWeight = nullptr;
-    std::int32_t sourceUnits = 0, boxUnits = 0;
-
-    static std::int64_t bytes(std::int32_t count) { return 4 * std::int64_t{count} * 4; }
-    void fill(const ResizeAxis &axis, std::uint8_t *memory);
-    double weightsOf(std::int32_t box) const;
-};
-
 } // namespace orv
