@@ -121,6 +121,7 @@ template <std::size_t chunks, class Sum> inline Vector<Sum> sumsOfBoxes(const Bo
     constexpr std::size_t taken = laneTaps<Sum>;
     const std::size_t taps = chunks == 0 ? boxes.taps : chunks * taken;
     U8s partial[taken];
+    ORV_UNROLLED
     for (std::size_t k = 0; k < taken; ++k) {
         const std::size_t box = first + k, further = ORV_VECTOR_BYTES == 32 ? box + taken : box;
         const unsigned char *const lower = boxes.at(box), *const upper = boxes.at(further);
@@ -208,6 +209,7 @@ template <class Out, class Means> inline bool storeMeans(std::size_t samples, un
     constexpr std::size_t groups = perVector<Out> / perVector<float>;
     const auto storeAt = [&](std::size_t i) {
         decltype(means(i)) results[groups];
+        ORV_UNROLLED
         for (std::size_t k = 0; k < groups; ++k)
             results[k] = means(i + k * perVector<float>);
         storeNarrowed(out, i, results, Out{});
