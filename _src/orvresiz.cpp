@@ -3,6 +3,7 @@
 #include <cstdint>
 
 #include "call.h"
+#include "geometry/box_means.h"
 #include "geometry/resize_loops.h"
 #include "kernels.h"
 #include "planes.h"

@@ -42,8 +42,10 @@ set(ORV_KERNEL_SOURCES
   kernels/geometry/resize_axis.cpp
   kernels/geometry/resize_box.cpp
   kernels/geometry/resize_cubic.cpp
+  kernels/geometry/resize_halve.cpp
   kernels/geometry/resize_linear.cpp
   kernels/geometry/resize_nearest.cpp
+  kernels/geometry/resize_sums.cpp
   kernels/hist/histogram.cpp
   kernels/hist/scale.cpp
   kernels/hist/table.cpp
@@ -83,6 +85,8 @@ set(ORV_FRONT_SOURCES
   _src/filter/coefficients.cpp
   _src/hist/level_counts.cpp
   _src/hist/lookup_tables.cpp
+  _src/geometry/box_means.cpp
+  _src/geometry/box_table.cpp
   _src/geometry/resize_loops.cpp
   _src/geometry/resize_tables.cpp
   _src/morph/morphology.cpp

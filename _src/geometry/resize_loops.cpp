@@ -3,7 +3,6 @@
 
 #include <algorithm>
 
-#include "delivery.h"
 #include "kernels.h"
 
 namespace orv {
@@ -23,23 +22,6 @@ constexpr ResizeMethod nearestBytes = ORV_METHOD(krnResizeAxis32f, krnResizeNear
                        cubicBytes = ORV_METHOD(krnResizeAxis32f, krnResizeCubic8u, KRN_CUBIC, 4, 4),
                        cubicWords = ORV_METHOD(krnResizeAxis32f, krnResizeCubic16u, KRN_CUBIC, 4, 1),
                        cubicFloats = ORV_METHOD(krnResizeAxis32f, krnResizeCubic32f, KRN_CUBIC, 4, 1);
-
-struct MeanKernels {
-    const Kernel<AddRowKernel> &add;
-    LayoutKernels<MeanRowKernel> means;
-};
-constexpr MeanKernels meansOfBytes = {krnAddRow8u32s, ORV_LAYOUT_KERNELS(krnMeanRow32s8u)},
-                      meansOfWords = {krnAddRow16u32s, ORV_LAYOUT_KERNELS(krnMeanRow32s16u)},
-                      wideMeansOfBytes = {krnAddRow8u64f, ORV_LAYOUT_KERNELS(krnMeanRow64f8u)},
-                      wideMeansOfWords = {krnAddRow16u64f, ORV_LAYOUT_KERNELS(krnMeanRow64f16u)},
-                      meansOfFloats = {krnAddRow32f64f, ORV_LAYOUT_KERNELS(krnMeanRow64f32f)};
-
-const MeanKernels &meansOf(std::int32_t depth, bool integers)
-{
-    return depth == ORV_DEPTH_8U    ? integers ? meansOfBytes : wideMeansOfBytes
-           : depth == ORV_DEPTH_16U ? integers ? meansOfWords : wideMeansOfWords
-                                    : meansOfFloats;
-}
 
 } // namespace
 
@@ -79,61 +61,6 @@ KrnStatus Interpolation::run(const Work &work)
     return (work.layout == Layout::AC4 ? method_.ac4 : method_.c1)(source.data, source.step, work.destination.data,
                                                                    work.destination.step, work.rowsAbove,
                                                                    work.size.height, &columns_, &rows_);
-}
-
-KrnStatus BoxMeans::prepare(std::int32_t samplesPerPixel)
-{
-    const std::int64_t columnBytes = roundedUp(BoxTable::bytes(call_.x.count));
-    const std::int64_t rowBytes = roundedUp(BoxTable::bytes(call_.y.count));
-    const std::int64_t sumBytes = roundedUp(8 * std::int64_t{call_.x.length} * samplesPerPixel);
-    const std::int64_t channelBytes = roundedUp(4 * std::int64_t{call_.x.length});
-    if (!scratch_.take(columnBytes + rowBytes + sumBytes + channelBytes))
-        return KRN_NO_MEMORY;
-    columns_.fill(call_.x, scratch_.data());
-    rows_.fill(call_.y, scratch_.data() + columnBytes);
-    sums_ = scratch_.data() + columnBytes + rowBytes;
-    channel_ = sums_ + sumBytes;
-    pixels_ = columns_.last[call_.x.count - 1] + 1;
-    // Sums of a column must fit 32 bits, and those of a box the whole numbers of doubles.
-    const double most = call_.source.depth == ORV_DEPTH_8U ? 255 : 65535, ofColumn = most * rows_.boxUnits;
-    integers_ = call_.source.depth != ORV_DEPTH_32F && ofColumn < 4294967296.0 &&
-                ofColumn * columns_.boxUnits < 4503599627370496.0;
-    return KRN_OK;
-}
-
-KrnStatus BoxMeans::addRow(const Work &work, std::int32_t sourceRow, std::int32_t weight, bool starts)
-{
-    ConstRaster row = work.sources[0].fromRow(sourceRow);
-    KrnStatus status = KRN_OK;
-    if (call_.operand.interleaved) {
-        const Raster channel = {channel_, pixels_ * call_.operand.sampleBytes};
-        status = gather(call_.operand, row, channel, {pixels_, 1});
-        row = channel;
-    }
-    return status != KRN_OK ? status
-                            : meansOf(call_.source.depth, integers_)
-                                  .add(row.data, sums_, pixels_ * samplesPerPixel(work.layout), weight, starts ? 1 : 0);
-}
-
-KrnStatus BoxMeans::run(const Work &work)
-{
-    const BoxesOfRow boxes = {columns_.first, columns_.last, columns_.firstWeight, columns_.lastWeight,
-                              columns_.sourceUnits};
-    KrnStatus status = KRN_OK;
-    for (std::int32_t row = 0; row < work.size.height && status == KRN_OK; ++row) {
-        const std::int32_t y = work.rowsAbove + row, first = rows_.first[y], last = rows_.last[y];
-        for (std::int32_t sourceRow = first; sourceRow <= last && status == KRN_OK; ++sourceRow)
-            status = addRow(work, sourceRow,
-                            sourceRow == first  ? rows_.firstWeight[y]
-                            : sourceRow == last ? rows_.lastWeight[y]
-                                                : rows_.sourceUnits,
-                            sourceRow == first);
-        if (status == KRN_OK)
-            status = meansOf(call_.source.depth, integers_)
-                         .means[work.layout](sums_, work.destination.fromRow(row).data, work.size.width, &boxes,
-                                             rows_.weightsOf(y));
-    }
-    return status;
 }
 
 } // namespace orv

@@ -39,23 +39,4 @@ private:
     const std::uint8_t *plane_ = nullptr; // whose rows are buffered; strips of one plane share them
 };
 
-// Means of boxes.
-class BoxMeans {
-public:
-    explicit BoxMeans(const ResizeCall &call) : call_(call) {}
-
-    KrnStatus prepare(std::int32_t samplesPerPixel);
-    KrnStatus run(const Work &work);
-
-private:
-    KrnStatus addRow(const Work &work, std::int32_t sourceRow, std::int32_t weight, bool starts);
-
-    const ResizeCall &call_;
-    Scratch scratch_;
-    BoxTable columns_, rows_;
-    std::uint8_t *sums_ = nullptr, *channel_ = nullptr;
-    std::int32_t pixels_ = 0; // of a source row, up to the last box
-    bool integers_ = false;
-};
-
 } // namespace orv

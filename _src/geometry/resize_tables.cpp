@@ -2,7 +2,6 @@
 #include "geometry/resize_tables.h"
 
 #include <algorithm>
-#include <numeric>
 #include <type_traits>
 
 #include "scratch.h"
@@ -66,35 +65,6 @@ KrnStatus ColumnTable::fill(const ResizeAxis &axis, std::uint8_t *memory, Resize
         spread(weights);
     columns = {samples, pixelBytes, offsets, weights, shuffles};
     return krnResizeShuffles(&columns, source.sampleBytes, method.tapsInPlace, placeBytes(), shuffles);
-}
-
-// With the factor as a reduced fraction, a source has as many units as its numerator and a box as many as its
-// denominator. The last boxes may pass the end of the rectangle: they have what lies inside.
-void BoxTable::fill(const ResizeAxis &axis, std::uint8_t *memory)
-{
-    const std::int32_t divisor = std::gcd(axis.to, axis.from);
-    sourceUnits = axis.to / divisor;
-    boxUnits = axis.from / divisor;
-    first = reinterpret_cast<std::int32_t *>(memory);
-    last = first + axis.count;
-    firstWeight = last + axis.count;
-    lastWeight = firstWeight + axis.count;
-    const std::int64_t most = std::int64_t{axis.length} * sourceUnits;
-    for (std::int32_t box = 0; box < axis.count; ++box) {
-        const std::int64_t start = std::min(std::int64_t{box} * boxUnits, most - 1);
-        const std::int64_t end = std::min(start + boxUnits, most);
-        const std::int64_t firstEnd = std::min((start / sourceUnits + 1) * sourceUnits, end);
-        first[box] = static_cast<std::int32_t>(start / sourceUnits);
-        last[box] = static_cast<std::int32_t>((end - 1) / sourceUnits);
-        firstWeight[box] = static_cast<std::int32_t>(firstEnd - start);
-        lastWeight[box] = static_cast<std::int32_t>((end - 1) % sourceUnits + 1);
-    }
-}
-
-double BoxTable::weightsOf(std::int32_t box) const
-{
-    const std::int32_t pixels = last[box] - first[box];
-    return pixels == 0 ? firstWeight[box] : firstWeight[box] + (pixels - 1.0) * sourceUnits + lastWeight[box];
 }
 
 } // namespace orv

@@ -51,14 +51,4 @@ private:
     }
 };
 
-// The boxes of an axis, in units of which sources and boxes have whole numbers.
-struct BoxTable {
-    std::int32_t *first = nullptr, *last = nullptr, *firstWeight = nullptr, *lastWeight = nullptr;
-    std::int32_t sourceUnits = 0, boxUnits = 0;
-
-    static std::int64_t bytes(std::int32_t count) { return 4 * std::int64_t{count} * 4; }
-    void fill(const ResizeAxis &axis, std::uint8_t *memory);
-    double weightsOf(std::int32_t box) const;
-};
-
 } // namespace orv

@@ -71,20 +71,36 @@ constexpr std::int64_t shufflesBytes(std::int64_t samples, std::int32_t placeByt
         std::int32_t height, const ResizeColumns *columns, ResizeRows *rows
 KRN_SIGNATURE(ResizeKernel)
 
-// Adds the weighted samples of a row to sums, or starts them.
-#define KRN_PARAMETERS_AddRowKernel \
-    const void *source, void *sums, std::int32_t samples, std::int32_t weight, std::int32_t starts
-KRN_SIGNATURE(AddRowKernel)
-
-// One row of the means of boxes. A box goes from the sums of one pixel to those of another; these two have weights of
-// their own, those between them `weight`. A box of one pixel has the first weight alone.
-struct BoxesOfRow {
-    const std::int32_t *first, *last, *firstWeight, *lastWeight;
-    std::int32_t weight;
+// The rows of a box: the first and the last have weights of their own, those between them `weight`. A single row has
+// the first weight.
+struct RowsOfBox {
+    std::int32_t rows, firstWeight, weight, lastWeight;
 };
-// Divided by the weights of a box in its row and by `rowWeights`, that of the rows that were added.
+// Adds the weighted samples of rows to sums, or starts them.
+#define KRN_PARAMETERS_SumRowsKernel \
+    const void *source, std::int32_t step, const RowsOfBox *box, void *sums, std::int32_t samples, std::int32_t starts
+KRN_SIGNATURE(SumRowsKernel)
+
+// The boxes along a row of sums, in numbers of the sums' type. The sums of a box start at an offset in samples. Each
+// box has `taps` weights, of which those behind its last pixel are 0, and their total.
+struct BoxesOfRow {
+    const std::int32_t *offsets;
+    const void *weights, *totals;
+    std::int32_t taps;
+};
+// So many weights of one channel are taken at once, and the taps are a multiple of that. Pixels of several channels
+// have whole pairs of doubles. All taps of a box are read, and a pixel's fourth sample where it has three.
+constexpr std::int32_t floatTaps = 4, doubleTaps = 2;
+
+// One row of the means of boxes, which are divided by `rowWeights` too, that of the rows that were added.
 #define KRN_PARAMETERS_MeanRowKernel \
     const void *sums, void *destination, std::int32_t width, const BoxesOfRow *boxes, double rowWeights
 KRN_SIGNATURE(MeanRowKernel)
+
+// The means of boxes of two by two pixels. The size is that of the destination.
+#define KRN_PARAMETERS_HalveKernel                                                                         \
+    const void *source, std::int32_t sourceStep, void *destination, std::int32_t step, std::int32_t width, \
+        std::int32_t height
+KRN_SIGNATURE(HalveKernel)
 
 } // namespace orv

@@ -121,6 +121,16 @@ template <class Sample> inline Vector<Sample> everywhere(Sample sample)
     return sample - Vector<Sample>{};
 }
 
+// A float everywhere in each lane; the second is for vectors of two lanes.
+inline Floats everywhereInLanes(float lower, [[maybe_unused]] float upper)
+{
+#if ORV_VECTOR_BYTES == 32
+    return reinterpret_cast<Floats>(_mm256_blend_ps(_mm256_set1_ps(lower), _mm256_set1_ps(upper), 0xF0));
+#else
+    return everywhere(lower);
+#endif
+}
+
 // Bit by bit: `yes` where the mask is set, else `no`.
 template <class Sample> inline Vector<Sample> chosen(Vector<Sample> mask, Vector<Sample> yes, Vector<Sample> no)
 {
@@ -446,6 +456,31 @@ inline Doubles upperDoubles(Floats a)
 {
     const __m128 bits = reinterpret_cast<__m128>(a);
     return reinterpret_cast<Doubles>(_mm_cvtps_pd(_mm_movehl_ps(bits, bits)));
+}
+#endif
+
+// Two vectors of doubles as one of floats, or as one of integers toward zero, across lanes.
+#if ORV_VECTOR_BYTES == 32
+inline Floats toFloats(Doubles low, Doubles high)
+{
+    return reinterpret_cast<Floats>(_mm256_set_m128(_mm256_cvtpd_ps(reinterpret_cast<__m256d>(high)),
+                                                    _mm256_cvtpd_ps(reinterpret_cast<__m256d>(low))));
+}
+inline S32s truncated(Doubles low, Doubles high)
+{
+    return as<std::int32_t>(_mm256_set_m128i(_mm256_cvttpd_epi32(reinterpret_cast<__m256d>(high)),
+                                             _mm256_cvttpd_epi32(reinterpret_cast<__m256d>(low))));
+}
+#else
+inline Floats toFloats(Doubles low, Doubles high)
+{
+    return reinterpret_cast<Floats>(
+        _mm_movelh_ps(_mm_cvtpd_ps(reinterpret_cast<__m128d>(low)), _mm_cvtpd_ps(reinterpret_cast<__m128d>(high))));
+}
+inline S32s truncated(Doubles low, Doubles high)
+{
+    return as<std::int32_t>(_mm_unpacklo_epi64(_mm_cvttpd_epi32(reinterpret_cast<__m128d>(low)),
+                                               _mm_cvttpd_epi32(reinterpret_cast<__m128d>(high))));
 }
 #endif
 

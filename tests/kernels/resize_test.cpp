@@ -203,46 +203,71 @@ void tryResize(const Row &row, Random &random)
     ASSERT_TRUE(holdRow(row, out, 1, 1, call, expected));
 }
 
-void tryAdd(const Row &row, Random &random)
+// Rows of a box, and sums that they start or are added to. Sums of bytes leave the range of 16 bits; none leaves the
+// whole numbers of floats.
+void trySum(const Row &row, Random &random)
 {
     static Guarded memory[2];
-    const int samples = 1 + below(random, random() % 4 == 0 ? 300 : 70), weight = 1 + below(random, 200);
+    const int samples = 1 + below(random, random() % 4 == 0 ? 300 : 70), most = row.source.bytes == 1 ? 90 : 40;
+    const int weights = random() % 3 == 0 ? most : 1;
+    const RowsOfBox box = {1 + below(random, 5), 1 + below(random, weights), weights, 1 + below(random, weights)};
     const bool starts = random() % 3 == 0;
-    const Line in(memory[0], row.source, samples, random), out(memory[1], row.destination, samples, random);
+    const Line in(memory[0], row.source, samples * box.rows, random), out(memory[1], row.destination, samples, random);
     in.fill(random);
-    out.fill(random);
+    for (int i = 0; i < samples; ++i)
+        out.set(i, below(random, 1000));
     const auto call = [&] {
-        return (*static_cast<const Kernel<AddRowKernel> *>(row.kernel))(in.start, out.start, samples, weight, starts);
+        return (*static_cast<const Kernel<SumRowsKernel> *>(row.kernel))(in.start, samples * row.source.bytes, &box,
+                                                                         out.start, samples, starts);
     };
     std::vector<double> before;
     for (int i = 0; i < samples; ++i)
-        before.push_back(out.get(i));
+        before.push_back(starts ? 0 : out.get(i));
     ASSERT_TRUE(holdRow(row, out, 1, 1, call, [&](int i) {
-        return in.get(i) * weight + (starts ? 0 : before[static_cast<std::size_t>(i)]);
+        double sum = before[static_cast<std::size_t>(i)];
+        for (int y = 0; y < box.rows; ++y)
+            sum += in.get(y * samples + i) * (y == 0              ? box.firstWeight
+                                              : y + 1 == box.rows ? box.lastWeight
+                                                                  : box.weight);
+        return sum;
     }));
 }
 
-void tryMean(const Row &row, Random &random)
+// Boxes of any number of pixels. What has no weight is not a number where sums are doubles, and counts for nothing.
+template <class Sum> void tryMeanOf(const Row &row, Random &random)
 {
     static Guarded memory[2];
-    const int channels = row.layout.source, width = 1 + below(random, random() % 4 == 0 ? 100 : 30);
-    const int weight = random() % 3 == 0 ? 1 : 1 + below(random, 20), rowWeights = 1 + below(random, 30);
-    const int size = 1 + below(random, 5) * weight + (random() % 2 == 0 ? weight - 1 : below(random, 9));
-    std::vector<std::int32_t> first, last, firstWeight, lastWeight;
-    for (int i = 0; i < width; ++i) {
-        const int start = i * size, end = start + size;
-        first.push_back(start / weight);
-        last.push_back((end - 1) / weight);
-        firstWeight.push_back(std::min((start / weight + 1) * weight, end) - start);
-        lastWeight.push_back((end - 1) % weight + 1);
-    }
-    const Line in(memory[0], row.source, (last.back() + 1) * channels, random);
+    const bool floats = sizeof(Sum) == sizeof(float);
+    const int channels = row.layout.source, width = 1 + below(random, random() % 4 == 0 ? 150 : 40);
+    const int together = !floats ? doubleTaps : channels == 1 ? floatTaps : 1;
+    const int taps = (1 + below(random, random() % 4 == 0 ? 11 : 4) + together - 1) / together * together;
+    const int most = 3, rowWeights = 1 + below(random, 2);
+    const double top = row.destination.isFloat() ? 1000 : row.destination.highest;
+    const int pixels = taps + below(random, 200);
+    const Line in(memory[0], row.source, pixels * channels + (channels == 3), random);
     const Line out(memory[1], row.destination, width * channels, random);
     out.fill(random);
-    const double top = row.destination.isFloat() ? 65535 : row.destination.highest;
     for (int i = 0; i < in.samples; ++i)
-        in.set(i, below(random, static_cast<int>(top) * rowWeights + 1));
-    const BoxesOfRow boxes = {first.data(), last.data(), firstWeight.data(), lastWeight.data(), weight};
+        in.set(i, !floats && random() % 9 == 0 ? std::nan("") : below(random, static_cast<int>(top) * rowWeights + 1));
+    std::vector<std::int32_t> offsets;
+    std::vector<Sum> weights, totals;
+    for (int i = 0; i < width; ++i) {
+        offsets.push_back(below(random, pixels - taps + 1) * channels);
+        Sum total = 0;
+        for (int tap = 0; tap < taps; ++tap) {
+            bool counts = tap == 0 || random() % 3 != 0;
+            for (int channel = 0; channel < channels; ++channel) {
+                const int at = offsets.back() + tap * channels + channel;
+                if (tap == 0 && std::isnan(in.get(at)))
+                    in.set(at, 1);
+                counts = counts && !std::isnan(in.get(at));
+            }
+            weights.push_back(counts ? static_cast<Sum>(1 + below(random, most)) : 0);
+            total += weights.back();
+        }
+        totals.push_back(total);
+    }
+    const BoxesOfRow boxes = {offsets.data(), weights.data(), totals.data(), taps};
     const auto call = [&] {
         return (*static_cast<const Kernel<MeanRowKernel> *>(row.kernel))(in.start, out.start, width, &boxes,
                                                                          rowWeights);
@@ -250,12 +275,42 @@ void tryMean(const Row &row, Random &random)
     const auto expected = [&](int i) -> double {
         const std::size_t box = static_cast<std::size_t>(i / channels);
         double sum = 0;
-        for (int pixel = first[box]; pixel <= last[box]; ++pixel)
-            sum += in.get(pixel * channels + i % channels) * (pixel == first[box]  ? firstWeight[box]
-                                                              : pixel == last[box] ? lastWeight[box]
-                                                                                   : weight);
-        const double all = double{1} * size * rowWeights;
+        for (int tap = 0; tap < taps; ++tap)
+            if (const double weight = weights[box * static_cast<std::size_t>(taps) + static_cast<std::size_t>(tap)];
+                weight != 0)
+                sum += in.get(offsets[box] + tap * channels + i % channels) * weight;
+        const double all = double{totals[box]} * rowWeights;
         return row.destination.isFloat() ? sum / all : std::floor((2 * sum + all) / (2 * all));
+    };
+    ASSERT_TRUE(holdRow(row, out, row.layout.written, channels, call, expected));
+}
+
+void tryMean(const Row &row, Random &random)
+{
+    if (row.source.bytes == sizeof(float))
+        tryMeanOf<float>(row, random);
+    else
+        tryMeanOf<double>(row, random);
+}
+
+void tryHalve(const Row &row, Random &random)
+{
+    static Guarded memory[2];
+    const int channels = row.layout.source, width = 1 + below(random, random() % 4 == 0 ? 300 : 40);
+    const int step = 2 * width * channels; // of the source, in samples
+    const Line in(memory[0], row.source, 4 * step, random);
+    const Line out(memory[1], row.destination, step, random); // two rows
+    in.fill(random);
+    out.fill(random);
+    const auto call = [&] {
+        return (*static_cast<const Kernel<HalveKernel> *>(row.kernel))(in.start, step * row.source.bytes, out.start,
+                                                                       step / 2 * row.destination.bytes, width, 2);
+    };
+    const auto expected = [&](int i) -> double {
+        const int left = i / (step / 2) * 2 * step + i % (step / 2) / channels * 2 * channels + i % channels;
+        const double sum =
+            in.get(left) + in.get(left + channels) + in.get(left + step) + in.get(left + step + channels);
+        return row.destination.isFloat() ? sum / 4 : std::floor((sum + 2) / 4);
     };
     ASSERT_TRUE(holdRow(row, out, row.layout.written, channels, call, expected));
 }
@@ -268,14 +323,15 @@ TEST(ResizeRows, EveryBuildComputesTheFormula)
         std::seed_seq seed(name.begin(), name.end());
         Random random(seed);
         const auto attempt = row.is("ResizeNearest") || row.is("ResizeLinear") || row.is("ResizeCubic") ? tryResize
-                             : row.is("AddRow")                                                         ? tryAdd
+                             : row.is("SumRows")                                                        ? trySum
                              : row.is("MeanRow")                                                        ? tryMean
+                             : row.is("Halve")                                                          ? tryHalve
                                                                                                         : nullptr;
         rows += attempt != nullptr;
         for (int i = 0; i < 150 && attempt != nullptr && !testing::Test::HasFatalFailure(); ++i)
             attempt(row, random);
     }
-    EXPECT_EQ(rows, 18 + 5 + 20);
+    EXPECT_EQ(rows, 18 + 5 + 20 + 9);
 }
 
 // Both kinds of tables, from positions that are added up: builds agree to the last bit.
