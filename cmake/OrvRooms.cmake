@@ -50,7 +50,8 @@ set(ORV_KERNEL_SOURCES
   kernels/measure/minmax.cpp
   kernels/measure/norm.cpp
   kernels/measure/norm_floats.cpp
-  kernels/morph/morphology.cpp)
+  kernels/morph/morphology.cpp
+  kernels/transform/dct8.cpp)
 
 # The rooms of the front end's frame. A room sees itself, and those that its target names.
 set(ORV_FRAME ${PROJECT_SOURCE_DIR}/_src/frame)
@@ -59,6 +60,7 @@ set(ORV_FRAME_IMAGE_SOURCES
   _src/frame/image/call_images.cpp
   _src/frame/image/channel_kernels.cpp
   _src/frame/image/delivery.cpp
+  _src/frame/image/float_conversions.cpp
   _src/frame/image/operand.cpp
   _src/frame/image/rectangle_call.cpp)
 set(ORV_FRAME_CHECKS_SOURCES
@@ -83,6 +85,7 @@ set(ORV_FRONT_SOURCES
   _src/geometry/resize_loops.cpp
   _src/geometry/resize_tables.cpp
   _src/morph/morphology.cpp
+  _src/transform/plane_transform.cpp
   _src/orvBlur.cpp
   _src/orvCSep2.cpp
   _src/orvClone.cpp
@@ -100,6 +103,7 @@ set(ORV_FRONT_SOURCES
   _src/orvcnv2d.cpp
   _src/orvclose.cpp
   _src/orvcnv2d_records.cpp
+  _src/orvdct2d.cpp
   _src/orvdilat.cpp
   _src/orverode.cpp
   _src/orvgenim.cpp
