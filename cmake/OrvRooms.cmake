@@ -16,7 +16,10 @@ set(ORV_PLAIN_KERNEL_SOURCES
   kernels/dispatch/table.cpp
   kernels/services/memory.cpp
   kernels/copy/copy.cpp
-  kernels/copy/jaehne.cpp)
+  kernels/copy/jaehne.cpp
+  kernels/transform/plan_building.cpp
+  kernels/transform/plans.cpp
+  kernels/transform/roots.cpp)
 
 # Compiled once a slot.
 set(ORV_KERNEL_SOURCES
@@ -51,7 +54,9 @@ set(ORV_KERNEL_SOURCES
   kernels/measure/norm.cpp
   kernels/measure/norm_floats.cpp
   kernels/morph/morphology.cpp
-  kernels/transform/dct8.cpp)
+  kernels/transform/batch.cpp
+  kernels/transform/dct8.cpp
+  kernels/transform/sequence.cpp)
 
 # The rooms of the front end's frame. A room sees itself, and those that its target names.
 set(ORV_FRAME ${PROJECT_SOURCE_DIR}/_src/frame)

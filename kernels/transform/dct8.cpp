@@ -163,13 +163,13 @@ inline void storeTransposedBytes(FloatBlock &block, Raster destination)
 
 ORV_BLOCK_KERNEL(krnDct8x8Fwd8u16s, forwardFixed(in, out);)
 ORV_BLOCK_KERNEL(krnDct8x8Inv16s8u, inverseFixed(in, out);)
-ORV_BLOCK_KERNEL(krnDct8x8Fwd8u32f, FloatBlock block; loadTransposed(in, block); forwardFloats(block);
-                 storeBlock(block, out);)
-ORV_BLOCK_KERNEL(krnDct8x8Inv32f8u, FloatBlock block; loadBlock(in, block); inverseFloats(block);
-                 storeTransposedBytes(block, out);)
-ORV_BLOCK_KERNEL(krnDct8x8Fwd32f, FloatBlock block; loadBlock(in, block); transpose(block); forwardFloats(block);
-                 storeBlock(block, out);)
-ORV_BLOCK_KERNEL(krnDct8x8Inv32f, FloatBlock block; loadBlock(in, block); inverseFloats(block); transpose(block);
-                 storeBlock(block, out);)
+ORV_BLOCK_KERNEL(krnDct8x8Fwd8u32f, const SinglePrecision floats; FloatBlock block; loadTransposed(in, block);
+                 forwardFloats(block); storeBlock(block, out);)
+ORV_BLOCK_KERNEL(krnDct8x8Inv32f8u, const SinglePrecision floats; FloatBlock block; loadBlock(in, block);
+                 inverseFloats(block); storeTransposedBytes(block, out);)
+ORV_BLOCK_KERNEL(krnDct8x8Fwd32f, const SinglePrecision floats; FloatBlock block; loadBlock(in, block);
+                 transpose(block); forwardFloats(block); storeBlock(block, out);)
+ORV_BLOCK_KERNEL(krnDct8x8Inv32f, const SinglePrecision floats; FloatBlock block; loadBlock(in, block);
+                 inverseFloats(block); transpose(block); storeBlock(block, out);)
 
 #include "end.h"
