@@ -28,6 +28,14 @@ void runBlocks(const TransformImages &images, const Kernel<BlockKernel> &kernel,
         }});
 }
 
+void runPlan(const TransformImages &images, bool forward)
+{
+    constexpr std::int32_t hint = 1;
+    OrvDct2DPlan plan;
+    if (krnDct2DInitAlloc(&plan, images.size().width, images.size().height, hint) == KRN_OK)
+        transformPlanesBy(plan, images, krnDct2DWorkSize, krnDct2DFree, forward ? krnDct2DFwd32fC1 : krnDct2DInv32fC1);
+}
+
 void run(const OrvImage &source, const OrvImage &destination, bool forward)
 {
     const TransformImages images(source, destination);
@@ -39,6 +47,7 @@ void run(const OrvImage &source, const OrvImage &destination, bool forward)
         return runBlocks(images, forward ? krnDct8x8Fwd8u16s : krnDct8x8Inv16s8u, !byPlane);
     if (!words && byPlane && isBlock(source))
         return runBlocks(images, forward ? krnDct8x8Fwd8u32f : krnDct8x8Inv32f8u, false);
+    runPlan(images, forward);
 }
 
 bool isFloatOrWord(const OrvImage &image)

@@ -17,6 +17,7 @@ set(ORV_PLAIN_KERNEL_SOURCES
   kernels/services/memory.cpp
   kernels/copy/copy.cpp
   kernels/copy/jaehne.cpp
+  kernels/transform/cosine_plans.cpp
   kernels/transform/plan_building.cpp
   kernels/transform/plans.cpp
   kernels/transform/roots.cpp)
@@ -55,6 +56,7 @@ set(ORV_KERNEL_SOURCES
   kernels/measure/norm_floats.cpp
   kernels/morph/morphology.cpp
   kernels/transform/batch.cpp
+  kernels/transform/dct.cpp
   kernels/transform/dct8.cpp
   kernels/transform/sequence.cpp)
 

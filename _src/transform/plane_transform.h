@@ -56,4 +56,19 @@ struct PlaneTransform {
 // ties to even. Exhausted memory leaves the destination as it is.
 void transformPlanes(const TransformImages &images, const PlaneTransform &transform);
 
+// The same by a plan that has been built, and is released at the end. Kernels tell the work of a plan, release it, and
+// transform by it.
+template <class Plan, class WorkSize, class Free, class Transform>
+void transformPlanesBy(Plan &plan, const TransformImages &images, const Kernel<WorkSize> &workSize,
+                       const Kernel<Free> &release, const Kernel<Transform> &transform)
+{
+    std::int32_t bytes = 0;
+    const auto run = [&](ConstRaster source, Raster destination, void *work) {
+        return transform(source.data, source.step, destination.data, destination.step, &plan, work);
+    };
+    if (workSize(&plan, &bytes) == KRN_OK)
+        transformPlanes(images, {bytes, run});
+    release(&plan);
+}
+
 } // namespace orv

@@ -19,6 +19,8 @@ namespace {
 
 #include "dct8_rows.h"
 
+#include "float_block.h"
+
 #include "dct8_floats.h"
 
 inline Raster row(Raster block, std::size_t index)

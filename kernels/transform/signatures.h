@@ -4,6 +4,7 @@
 #pragma once
 
 #include "../dispatch/signatures.h"
+#include "cosine_plans.h"
 #include "plans.h"
 
 namespace orv {
@@ -61,5 +62,17 @@ KRN_SIGNATURE(Dft2DKernel)
 // Transforms a block of 8 x 8 samples.
 #define KRN_PARAMETERS_BlockKernel const void *source, std::int32_t sourceStep, void *destination, std::int32_t step
 KRN_SIGNATURE(BlockKernel)
+
+// Plans and transforms of an image by cosines.
+#define KRN_PARAMETERS_Dct2DInitKernel OrvDct2DPlan *plan, std::int32_t width, std::int32_t height, std::int32_t hint
+KRN_SIGNATURE(Dct2DInitKernel)
+#define KRN_PARAMETERS_Dct2DWorkSizeKernel const OrvDct2DPlan *plan, std::int32_t *size
+KRN_SIGNATURE(Dct2DWorkSizeKernel)
+#define KRN_PARAMETERS_Dct2DFreeKernel OrvDct2DPlan *plan
+KRN_SIGNATURE(Dct2DFreeKernel)
+#define KRN_PARAMETERS_Dct2DKernel                                                                               \
+    const void *source, std::int32_t sourceStep, void *destination, std::int32_t step, const OrvDct2DPlan *plan, \
+        void *work
+KRN_SIGNATURE(Dct2DKernel)
 
 } // namespace orv
