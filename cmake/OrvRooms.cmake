@@ -55,6 +55,7 @@ set(ORV_KERNEL_SOURCES
   kernels/measure/norm_floats.cpp
   kernels/morph/morphology.cpp
   kernels/transform/batch.cpp
+  kernels/transform/fft2d.cpp
   kernels/transform/sequence.cpp)
 
 # The rooms of the front end's frame. A room sees itself, and those that its target names.
