@@ -32,8 +32,9 @@ void runPlan(const TransformImages &images, bool forward)
 {
     constexpr std::int32_t hint = 1;
     OrvDct2DPlan plan;
-    if (krnDct2DInitAlloc(&plan, images.size().width, images.size().height, hint) == KRN_OK)
-        transformPlanesBy(plan, images, krnDct2DWorkSize, krnDct2DFree, forward ? krnDct2DFwd32fC1 : krnDct2DInv32fC1);
+    if (krnDct2DInitAlloc32f(&plan, images.size().width, images.size().height, hint) == KRN_OK)
+        transformPlanesBy(plan, images, krnDct2DWorkSize32f, krnDct2DFree32f,
+                          forward ? krnDct2DFwd32fC1 : krnDct2DInv32fC1);
 }
 
 void run(const OrvImage &source, const OrvImage &destination, bool forward)

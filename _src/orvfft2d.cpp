@@ -27,14 +27,15 @@ void runPlan(const TransformImages &images, bool forward)
     const std::int32_t orderX = orderOf(size.width), orderY = orderOf(size.height);
     if (orderX >= 0 && orderY >= 0) {
         OrvFft2DPlan plan;
-        if (krnFft2DInitAlloc(&plan, orderX, orderY, SCALE_INVERSE, hint) == KRN_OK)
-            transformPlanesBy(plan, images, krnFft2DWorkSize, krnFft2DFree,
+        if (krnFft2DInitAlloc32f(&plan, orderX, orderY, SCALE_INVERSE, hint) == KRN_OK)
+            transformPlanesBy(plan, images, krnFft2DWorkSize32f, krnFft2DFree32f,
                               forward ? krnFft2DFwd32fC1 : krnFft2DInv32fC1);
         return;
     }
     OrvDft2DPlan plan;
-    if (krnDft2DInitAlloc(&plan, size.width, size.height, SCALE_INVERSE, hint) == KRN_OK)
-        transformPlanesBy(plan, images, krnDft2DWorkSize, krnDft2DFree, forward ? krnDft2DFwd32fC1 : krnDft2DInv32fC1);
+    if (krnDft2DInitAlloc32f(&plan, size.width, size.height, SCALE_INVERSE, hint) == KRN_OK)
+        transformPlanesBy(plan, images, krnDft2DWorkSize32f, krnDft2DFree32f,
+                          forward ? krnDft2DFwd32fC1 : krnDft2DInv32fC1);
 }
 
 void run(const OrvImage &source, const OrvImage &destination, bool forward)

@@ -58,6 +58,7 @@ set(ORV_KERNEL_SOURCES
   kernels/transform/batch.cpp
   kernels/transform/dct.cpp
   kernels/transform/dct8.cpp
+  kernels/transform/fft2d.cpp
   kernels/transform/sequence.cpp)
 
 # The rooms of the front end's frame. A room sees itself, and those that its target names.
@@ -113,6 +114,7 @@ set(ORV_FRONT_SOURCES
   _src/orvdct2d.cpp
   _src/orvdilat.cpp
   _src/orverode.cpp
+  _src/orvfft2d.cpp
   _src/orvgenim.cpp
   _src/orvhist.cpp
   _src/orvlshs.cpp

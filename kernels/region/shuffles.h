@@ -182,18 +182,6 @@ inline Floats upperLanes(Floats a, Floats b)
 }
 #endif
 
-// The floats at the even and at the odd places of two neighbouring vectors, in order.
-inline Floats evenFloats(Floats a, Floats b)
-{
-    const FloatBits first = reinterpret_cast<FloatBits>(a), second = reinterpret_cast<FloatBits>(b);
-    return inOrderOfPairs(reinterpret_cast<Floats>(ORV_VECTOR(shuffle_ps)(first, second, 0x88)));
-}
-inline Floats oddFloats(Floats a, Floats b)
-{
-    const FloatBits first = reinterpret_cast<FloatBits>(a), second = reinterpret_cast<FloatBits>(b);
-    return inOrderOfPairs(reinterpret_cast<Floats>(ORV_VECTOR(shuffle_ps)(first, second, 0xDD)));
-}
-
 // What interleaving gave, one vector after the other in order.
 template <class Sample>
 inline void storeHalvesInOrder(void *row, std::size_t index, Vector<Sample> low, Vector<Sample> high)

@@ -65,7 +65,7 @@ KrnStatus testPlan(const OrvDct2DPlan *plan)
 
 namespace slot0 {
 
-KRN_KERNEL(Dct2DInitKernel, krnDct2DInitAlloc)
+KRN_KERNEL(Dct2DInitKernel, krnDct2DInitAlloc32f)
 {
     if (plan == nullptr)
         return KRN_NULL_POINTER;
@@ -83,7 +83,7 @@ KRN_KERNEL(Dct2DInitKernel, krnDct2DInitAlloc)
     return status;
 }
 
-KRN_KERNEL(Dct2DWorkSizeKernel, krnDct2DWorkSize)
+KRN_KERNEL(Dct2DWorkSizeKernel, krnDct2DWorkSize32f)
 {
     if (const KrnStatus status = testPlan(plan); status != KRN_OK)
         return status;
@@ -93,7 +93,7 @@ KRN_KERNEL(Dct2DWorkSizeKernel, krnDct2DWorkSize)
     return KRN_OK;
 }
 
-KRN_KERNEL(Dct2DFreeKernel, krnDct2DFree)
+KRN_KERNEL(Dct2DFreeKernel, krnDct2DFree32f)
 {
     if (const KrnStatus status = testPlan(plan); status != KRN_OK)
         return status;

@@ -5,11 +5,11 @@
 inline void loadElement(const unsigned char *in, float *re, float *im)
 {
 #if ORV_VECTOR_BYTES > 0
-    for (std::size_t part = 0; part < partCount; ++part) {
-        const std::size_t lane = part * partLanes;
-        const Floats a = loadVector<float>(in, 2 * lane), b = loadVector<float>(in, 2 * lane + partLanes);
-        storeVector<float>(re, lane, evenFloats(a, b));
-        storeVector<float>(im, lane, oddFloats(a, b));
+    for (std::size_t part = 0; part < partCount<float>; ++part) {
+        const std::size_t lane = part * partLanes<float>;
+        const Floats a = loadVector<float>(in, 2 * lane), b = loadVector<float>(in, 2 * lane + partLanes<float>);
+        storeVector<float>(re, lane, inOrderOfPairs(evenFloats(a, b)));
+        storeVector<float>(im, lane, inOrderOfPairs(oddFloats(a, b)));
     }
 #else
     for (std::size_t lane = 0; lane < batchLanes; ++lane) {
@@ -21,12 +21,12 @@ inline void loadElement(const unsigned char *in, float *re, float *im)
 inline void storeElement(unsigned char *out, const float *re, const float *im, float scale)
 {
 #if ORV_VECTOR_BYTES > 0
-    for (std::size_t part = 0; part < partCount; ++part) {
-        const std::size_t lane = part * partLanes;
-        const Floats a = forPairsInOrder(allLanes(scale) * loadVector<float>(re, lane));
-        const Floats b = forPairsInOrder(allLanes(scale) * loadVector<float>(im, lane));
+    for (std::size_t part = 0; part < partCount<float>; ++part) {
+        const std::size_t lane = part * partLanes<float>;
+        const Floats a = forPairsInOrder(allLanes<float>(scale) * loadVector<float>(re, lane));
+        const Floats b = forPairsInOrder(allLanes<float>(scale) * loadVector<float>(im, lane));
         storeVector<float>(out, 2 * lane, interleaveLow<float>(a, b));
-        storeVector<float>(out, 2 * lane + partLanes, interleaveHigh<float>(a, b));
+        storeVector<float>(out, 2 * lane + partLanes<float>, interleaveHigh<float>(a, b));
     }
 #else
     for (std::size_t lane = 0; lane < batchLanes; ++lane) {
@@ -41,16 +41,16 @@ inline void transposeElements(const float *in, float *out)
 {
 #if ORV_VECTOR_BYTES > 0
     for (std::size_t column = 0; column < batchElement; column += 4)
-        for (std::size_t part = 0; part < partCount; ++part) {
+        for (std::size_t part = 0; part < partCount<float>; ++part) {
             U8s rows[4];
             for (std::size_t i = 0; i < 4; ++i) {
-                const float *const from = in + batchElement * (partLanes * part + i) + column;
-                rows[i] = loadLanes<std::uint8_t>(from, from + (partCount == 1 ? 4 * batchElement : 0));
+                const float *const from = in + batchElement * (partLanes<float> * part + i) + column;
+                rows[i] = loadLanes<std::uint8_t>(from, from + (partCount<float> == 1 ? 4 * batchElement : 0));
             }
             transpose<4>(rows);
             for (std::size_t i = 0; i < 4; ++i)
                 storeVector<std::uint8_t>(out + batchElement * ((column + i) % batchLanes) +
-                                              column / batchLanes * batchLanes + partLanes * part,
+                                              column / batchLanes * batchLanes + partLanes<float> * part,
                                           0, rows[i]);
         }
 #else
@@ -60,23 +60,33 @@ inline void transposeElements(const float *in, float *out)
 #endif
 }
 
+// Turns elements by the twiddles of their lanes, and transforms across the lanes: element j gets result j of all of
+// them.
+template <class Sample>
+inline void crossElements(std::size_t count, const float *elements, const float *twiddles, float *block)
+{
+    alignas(32) float turned[batchLanes * batchElement] = {};
+    for (std::size_t i = 0; i < count; ++i)
+        for (std::size_t part = 0; part < partCount<Sample>; ++part)
+            Elements{turned}.store(
+                i, part,
+                product(ConstElements{elements}.load<Sample>(i, part), ConstElements{twiddles}.load<Sample>(i, part)));
+    transposeElements(turned, block);
+    runPassOf<Sample, batchLanes>({batchLanes, 1, 1, nullptr, nullptr}, Elements{block}, Elements{block});
+}
+
 // The last pass of a sequence whose elements are spread over the lanes. `re` and `im` are places in an element.
+template <class Sample>
 inline void crossLanes(const LinePlan &plan, const float *elements, unsigned char *out, float scale, std::size_t re,
                        std::size_t im)
 {
     const std::size_t count = plan.core.length;
-    alignas(32) float block[batchLanes * batchElement] = {}, turned[batchLanes * batchElement];
+    alignas(32) float block[batchLanes * batchElement];
     for (std::size_t k = 0; k < count; k += batchLanes) {
         const std::size_t some = count - k < batchLanes ? count - k : batchLanes;
-        for (std::size_t i = 0; i < some; ++i)
-            for (std::size_t part = 0; part < partCount; ++part)
-                Elements{block}.store(i, part,
-                                      product(ConstElements{elements}.load(k + i, part),
-                                              ConstElements{plan.laneTwiddles}.load(k + i, part)));
-        transposeElements(block, turned);
-        runPassOf<batchLanes>({batchLanes, 1, 1, nullptr, nullptr}, Elements{turned}, Elements{turned});
+        crossElements<Sample>(some, elements + batchElement * k, plan.laneTwiddles + batchElement * k, block);
         for (std::size_t i = 0; i < batchLanes; ++i) {
-            const float *const result = turned + batchElement * i;
+            const float *const result = block + batchElement * i;
             unsigned char *const to = out + 2 * sizeof(float) * (count * i + k);
             if (some == batchLanes)
                 storeElement(to, result + re, result + im, scale);
@@ -108,8 +118,12 @@ inline void transformLine(const LinePlan &plan, bool inverse, const unsigned cha
         element[im] = load<float>(in, 2 * i + 1);
     }
     const float *const result = transformBatch(plan.core, work, work + batchElement * plan.core.batchRoom);
+    if (!oneLane && plan.precise) {
+        const DoublePrecision doubles;
+        return crossLanes<double>(plan, result, out, scale, re, im);
+    }
     if (!oneLane)
-        return crossLanes(plan, result, out, scale, re, im);
+        return crossLanes<float>(plan, result, out, scale, re, im);
     for (std::size_t i = 0; i < count; ++i) {
         store<float>(out, 2 * i, scale * result[batchElement * i + re]);
         store<float>(out, 2 * i + 1, scale * result[batchElement * i + im]);

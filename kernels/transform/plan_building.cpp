@@ -10,8 +10,8 @@ namespace orv {
 namespace {
 
 constexpr std::int64_t longestInCache = 4096; // elements of a batch
-constexpr std::int64_t largestRadix = 127;    // of butterflies; larger prime factors are transformed by a chirp
 constexpr std::uintptr_t cacheLine = 64;
+constexpr std::int64_t floatBytes = sizeof(float), elementBytes = floatBytes * std::int64_t{batchElement};
 
 void put(float *table, std::int64_t index, Complex64 value)
 {
@@ -31,7 +31,7 @@ std::int64_t factorize(std::int64_t length, std::int32_t *radices, std::int32_t 
         radices[count++] = 8;
     for (; twos > 1; twos -= 2)
         radices[count++] = 4;
-    for (std::int32_t radix = 3; radix <= largestRadix; radix += 2)
+    for (std::int32_t radix = 3; radix <= mostRadix; radix += 2)
         for (; left % radix == 0; left /= radix)
             radices[count++] = radix;
     if (twos == 1)
@@ -48,6 +48,7 @@ KrnStatus buildPasses(FourierPlan &plan, const std::int32_t *radices, const Root
 {
     const std::int64_t length = static_cast<std::int64_t>(plan.length);
     std::int64_t span = 1;
+    plan.coded = true;
     for (std::int32_t i = 0; i < plan.passCount; ++i) {
         const std::int32_t radix = radices[i];
         const std::int64_t groups = length / span / radix;
@@ -59,6 +60,7 @@ KrnStatus buildPasses(FourierPlan &plan, const std::int32_t *radices, const Root
                 put(twiddles, p * (radix - 1) + k - 1, roots.power(span * p * k));
         float *own = nullptr;
         if (!hasCode(radix)) {
+            plan.coded = false;
             own = allocateBehind<float>(blocks, 2 * std::int64_t{radix});
             if (own == nullptr)
                 return KRN_NO_MEMORY;
@@ -93,9 +95,9 @@ KrnStatus buildMatrix(FourierPlan &plan, std::int64_t rowCount, const Roots &roo
     for (std::int64_t column = 0; column < columnCount; ++column)
         for (std::int64_t k = 0; k < rowCount; ++k)
             put(twiddles, column * rowCount + k, roots.power(column * k));
-    if (const KrnStatus status = buildFourierPlan(parts[0], rowCount, blocks); status != KRN_OK)
+    if (const KrnStatus status = buildFourierPlan(parts[0], rowCount, plan.precise, blocks); status != KRN_OK)
         return status;
-    if (const KrnStatus status = buildFourierPlan(parts[1], columnCount, blocks); status != KRN_OK)
+    if (const KrnStatus status = buildFourierPlan(parts[1], columnCount, plan.precise, blocks); status != KRN_OK)
         return status;
     plan.columns = &parts[0];
     plan.rows = &parts[1];
@@ -155,7 +157,7 @@ KrnStatus buildConvolution(FourierPlan &plan, PlanBlocks &blocks)
     FourierPlan *const convolution = allocateBehind<FourierPlan>(blocks, 1);
     if (convolution == nullptr)
         return KRN_NO_MEMORY;
-    if (const KrnStatus status = buildFourierPlan(*convolution, padded, blocks); status != KRN_OK)
+    if (const KrnStatus status = buildFourierPlan(*convolution, padded, true, blocks); status != KRN_OK)
         return status;
     plan.convolution = convolution;
     plan.batchRoom = convolution->batchRoom;
@@ -164,13 +166,14 @@ KrnStatus buildConvolution(FourierPlan &plan, PlanBlocks &blocks)
 }
 
 // Where eight divides the length, the core has an eighth of it.
-KrnStatus buildLine(LinePlan &line, std::int64_t length, PlanBlocks &blocks)
+KrnStatus buildLine(LinePlan &line, std::int64_t length, bool precise, PlanBlocks &blocks)
 {
+    line.precise = precise;
     line.length = static_cast<std::size_t>(length);
     line.laneTwiddles = nullptr;
     constexpr std::int64_t lanes = batchLanes;
     if (length % lanes != 0)
-        return buildFourierPlan(line.core, length, blocks);
+        return buildFourierPlan(line.core, length, line.precise, blocks);
     const std::int64_t count = length / lanes;
     float *const twiddles = allocateBehind<float>(blocks, 2 * length);
     Roots roots;
@@ -183,7 +186,7 @@ KrnStatus buildLine(LinePlan &line, std::int64_t length, PlanBlocks &blocks)
             twiddles[2 * lanes * k + lanes + lane] = static_cast<float>(root.im);
         }
     line.laneTwiddles = twiddles;
-    return buildFourierPlan(line.core, count, blocks);
+    return buildFourierPlan(line.core, count, line.precise, blocks);
 }
 
 bool needsChirp(std::int64_t length)
@@ -192,16 +195,25 @@ bool needsChirp(std::int64_t length)
     return factorize(length, radices, count) != 1;
 }
 
+// Two batches are the least that a transform needs: tells it before its tables are made.
+bool passesAllWork(std::int64_t elements)
+{
+    return 2 * elementBytes * elements > INT32_MAX;
+}
+
+std::int64_t workBytes(const FourierPlan &plan)
+{
+    return elementBytes * static_cast<std::int64_t>(plan.batchRoom + plan.scratchRoom);
+}
+
 KrnStatus buildSequence(SequencePlan &plan, bool isReal)
 {
-    constexpr std::int64_t floatBytes = sizeof(float), lanes = batchLanes;
+    constexpr std::int64_t lanes = batchLanes;
     const bool byHalf = isReal && plan.length % 2 == 0;
     const std::int64_t length = byHalf ? plan.length / 2 : plan.length;
     const bool byChirp = length % lanes != 0 && needsChirp(length);
     const std::int64_t lineLength = byChirp ? convolutionLength(length) : length;
-    // Two batches, to refuse a length before its tables are made.
-    const std::int64_t elementBytes = floatBytes * static_cast<std::int64_t>(batchElement);
-    if (2 * elementBytes * (lineLength % lanes == 0 ? lineLength / lanes : lineLength) > INT32_MAX)
+    if (passesAllWork(lineLength % lanes == 0 ? lineLength / lanes : lineLength))
         return KRN_NO_MEMORY;
     if (byHalf) {
         float *const twiddles = allocateBehind<float>(plan.blocks, 2 * (length / 2 + 1));
@@ -216,11 +228,45 @@ KrnStatus buildSequence(SequencePlan &plan, bool isReal)
         if (const KrnStatus status = buildChirp(length, lineLength, plan.chirp, plan.chirpSpectrum, plan.blocks);
             status != KRN_OK)
             return status;
-    if (const KrnStatus status = buildLine(plan.line, lineLength, plan.blocks); status != KRN_OK)
+    if (const KrnStatus status = buildLine(plan.line, lineLength, byChirp || lineLength > longestInFloats, plan.blocks);
+        status != KRN_OK)
         return status;
-    const std::int64_t elements = static_cast<std::int64_t>(plan.line.core.batchRoom + plan.line.core.scratchRoom);
     const std::int64_t sequenceFloats = 2 * (byChirp ? lineLength : 0) + 2 * (isReal ? length : 0);
-    return setWorkSize(plan.workSize, elementBytes * elements + floatBytes * sequenceFloats) ? KRN_OK : KRN_NO_MEMORY;
+    return setWorkSize(plan.workSize, workBytes(plan.line.core) + floatBytes * sequenceFloats) ? KRN_OK : KRN_NO_MEMORY;
+}
+
+// The plan of rows and that of columns, which are one where both are as long.
+KrnStatus buildAxes(ImagePlan &plan)
+{
+    if (passesAllWork(plan.width) || passesAllWork(plan.height))
+        return KRN_NO_MEMORY;
+    if (const KrnStatus status = buildFourierPlan(plan.row, plan.width, false, plan.blocks); status != KRN_OK)
+        return status;
+    plan.column = &plan.row;
+    if (plan.height != plan.width) {
+        FourierPlan *const column = allocateBehind<FourierPlan>(plan.blocks, 1);
+        if (column == nullptr)
+            return KRN_NO_MEMORY;
+        plan.column = column;
+        if (const KrnStatus status = buildFourierPlan(*column, plan.height, false, plan.blocks); status != KRN_OK)
+            return status;
+    }
+    const std::int64_t ofRow = workBytes(plan.row) + floatBytes * plan.width, ofColumn = workBytes(*plan.column);
+    return setWorkSize(plan.workSize, ofRow > ofColumn ? ofRow : ofColumn) ? KRN_OK : KRN_NO_MEMORY;
+}
+
+// A column is gathered behind the work of its transform.
+KrnStatus buildLineOfImage(ImagePlan &plan)
+{
+    const std::int32_t length = plan.width > plan.height ? plan.width : plan.height;
+    const KrnStatus status = buildSequencePlan(plan.line, length, true, plan.forwardScale, plan.inverseScale);
+    if (status != KRN_OK)
+        return status;
+    plan.blocks = plan.line.blocks;
+    plan.line.blocks = {};
+    plan.line.id = REAL_DFT_PLAN;
+    const std::int64_t gathered = floatBytes * length;
+    return setWorkSize(plan.workSize, plan.line.workSize + workAlignment + gathered) ? KRN_OK : KRN_NO_MEMORY;
 }
 
 } // namespace
@@ -248,9 +294,10 @@ void releaseBlocks(PlanBlocks &blocks)
     }
 }
 
-KrnStatus buildFourierPlan(FourierPlan &plan, std::int64_t length, PlanBlocks &blocks)
+KrnStatus buildFourierPlan(FourierPlan &plan, std::int64_t length, bool precise, PlanBlocks &blocks)
 {
     plan = {};
+    plan.precise = precise;
     plan.length = static_cast<std::size_t>(length);
     std::int32_t radices[64];
     if (factorize(length, radices, plan.passCount) != 1) {
@@ -275,6 +322,20 @@ KrnStatus buildSequencePlan(SequencePlan &plan, std::int32_t length, bool isReal
     plan.forwardScale = forwardScale;
     plan.inverseScale = inverseScale;
     const KrnStatus status = buildSequence(plan, isReal);
+    if (status != KRN_OK)
+        releaseBlocks(plan.blocks);
+    return status;
+}
+
+KrnStatus buildImagePlan(ImagePlan &plan, std::int32_t width, std::int32_t height, float forwardScale,
+                         float inverseScale)
+{
+    plan = {};
+    plan.width = width;
+    plan.height = height;
+    plan.forwardScale = forwardScale;
+    plan.inverseScale = inverseScale;
+    const KrnStatus status = width == 1 || height == 1 ? buildLineOfImage(plan) : buildAxes(plan);
     if (status != KRN_OK)
         releaseBlocks(plan.blocks);
     return status;

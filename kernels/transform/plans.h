@@ -21,6 +21,10 @@ struct PlanBlocks {
     void *first;
 };
 
+// Radices of more than 13 have no code of their own. They are odd, and at most this; larger prime factors are
+// transformed by a chirp.
+constexpr std::int32_t mostRadix = 127;
+
 // One pass of an autosorting transform (Stockham's; P. N. Swarztrauber, "FFT algorithms for vector computers", 1984).
 // The `radix` inputs of a butterfly lie `span * groups` elements apart. Its results lie `span` apart, and those of
 // group p are turned by p times the angle of their number: radix - 1 complex twiddles a group.
@@ -28,7 +32,7 @@ struct FourierPass {
     std::int32_t radix;
     std::size_t span, groups;
     const float *twiddles;
-    const float *roots; // of unity, cosine and sine in turn, for a radix without code of its own
+    const float *roots; // of unity: cosines and sines, for a radix without code of its own
 };
 
 // A complex transform of one length, in one of three ways: passes; rows and columns of a matrix, where the batch is too
@@ -40,8 +44,10 @@ struct FourierPlan {
     std::size_t length;
     // A transform needs room for so many elements in its batch and for so many elsewhere.
     std::size_t batchRoom, scratchRoom;
+    bool precise; // each pass rounds its results alone: its arithmetic is that of doubles
 
     std::int32_t passCount;
+    bool coded; // no pass has a radix without code
     FourierPass passes[mostPasses];
 
     // The matrix, row by row: a column is a transform with as many elements as there are rows.
@@ -56,6 +62,7 @@ struct FourierPlan {
 // a last pass goes across the lanes. Else one lane holds it all.
 struct LinePlan {
     std::size_t length;
+    bool precise;
     FourierPlan core;
     const float *laneTwiddles; // as elements of a batch; null for one lane
 };
@@ -76,7 +83,7 @@ struct OrvDftPlan : SequencePlan {};
 // A transform of a real image. Rows run in pairs, as real and imaginary parts.
 struct ImagePlan {
     std::int32_t id, width, height, workSize;
-    float forwardRowScale, forwardColumnScale, inverseRowScale, inverseColumnScale;
+    float forwardScale, inverseScale; // of both directions
     FourierPlan row;
     const FourierPlan *column; // the row's where both are as long
     OrvDftPlan line;           // of an image of one row or of one column, which uses nothing else

@@ -12,36 +12,36 @@ namespace {
 #include "rows.h"
 #include "vectors.h"
 
+#include "control_word.h"
+
 #include "butterflies.h"
 
 #include "passes.h"
 
 #include "line.h"
 
-#include "control_word.h"
-
 #include "work.h"
 
-// A complex number, and its place in memory.
+// A complex number of the plain loops, which round their results alone.
 struct Number {
-    float re, im;
+    double re, im;
 };
 inline Number times(Number a, const float *b)
 {
     return {a.re * b[0] - a.im * b[1], a.re * b[1] + a.im * b[0]};
 }
-inline Number exchanged(Number a, bool exchanges)
+inline Number exchangedIf(Number a, bool exchanges)
 {
     return exchanges ? Number{a.im, a.re} : a;
 }
-inline Number numberAt(const void *row, std::size_t index)
+inline Number numberOf(const void *row, std::size_t index)
 {
     return {load<float>(row, 2 * index), load<float>(row, 2 * index + 1)};
 }
 inline void putNumber(void *row, std::size_t index, Number value)
 {
-    store<float>(row, 2 * index, value.re);
-    store<float>(row, 2 * index + 1, value.im);
+    store<float>(row, 2 * index, static_cast<float>(value.re));
+    store<float>(row, 2 * index + 1, static_cast<float>(value.im));
 }
 
 std::size_t lineFloats(const LinePlan &line)
@@ -56,13 +56,13 @@ void transformByChirp(const SequencePlan &plan, std::size_t length, bool inverse
     unsigned char *const padded = reinterpret_cast<unsigned char *>(work + lineFloats(plan.line));
     for (std::size_t i = 0; i < plan.line.length; ++i)
         putNumber(padded, i,
-                  i < length ? times(exchanged(numberAt(in, i), inverse), plan.chirp + 2 * i) : Number{0, 0});
+                  i < length ? times(exchangedIf(numberOf(in, i), inverse), plan.chirp + 2 * i) : Number{0, 0});
     transformLine(plan.line, false, padded, padded, 1, work);
     for (std::size_t i = 0; i < plan.line.length; ++i)
-        putNumber(padded, i, times(numberAt(padded, i), plan.chirpSpectrum + 2 * i));
+        putNumber(padded, i, times(numberOf(padded, i), plan.chirpSpectrum + 2 * i));
     transformLine(plan.line, true, padded, padded, 1, work);
     for (std::size_t i = 0; i < length; ++i) {
-        const Number value = exchanged(times(numberAt(padded, i), plan.chirp + 2 * i), inverse);
+        const Number value = exchangedIf(times(numberOf(padded, i), plan.chirp + 2 * i), inverse);
         putNumber(out, i, {scale * value.re, scale * value.im});
     }
 }
@@ -80,22 +80,22 @@ inline Number packedAt(const unsigned char *spectrum, std::size_t k)
 {
     return {load<float>(spectrum, 2 * k - 1), load<float>(spectrum, 2 * k)};
 }
-inline void putPacked(unsigned char *spectrum, std::size_t k, float re, float im)
+inline void putPacked(unsigned char *spectrum, std::size_t k, double re, double im)
 {
-    store<float>(spectrum, 2 * k - 1, re);
-    store<float>(spectrum, 2 * k, im);
+    store<float>(spectrum, 2 * k - 1, static_cast<float>(re));
+    store<float>(spectrum, 2 * k, static_cast<float>(im));
 }
 
 // The spectrum of real numbers from that of as many complex ones, of which these are real and imaginary parts. Numbers
 // from both ends give results at both ends.
 void separate(const SequencePlan &plan, std::size_t half, const unsigned char *in, unsigned char *out, float scale)
 {
-    const Number first = numberAt(in, 0);
-    store<float>(out, 0, scale * (first.re + first.im));
-    store<float>(out, 2 * half - 1, scale * (first.re - first.im));
-    const float part = 0.5f * scale;
+    const Number first = numberOf(in, 0);
+    store<float>(out, 0, static_cast<float>(scale * (first.re + first.im)));
+    store<float>(out, 2 * half - 1, static_cast<float>(scale * (first.re - first.im)));
+    const double part = 0.5 * scale;
     for (std::size_t k = 1; k <= half - k; ++k) {
-        const Number a = numberAt(in, k), b = numberAt(in, half - k);
+        const Number a = numberOf(in, k), b = numberOf(in, half - k);
         const Number even = {a.re + b.re, a.im - b.im};
         const Number odd = times({a.im + b.im, b.re - a.re}, plan.halfTwiddles + 2 * k);
         putPacked(out, k, part * (even.re + odd.re), part * (even.im + odd.im));
@@ -107,7 +107,7 @@ void separate(const SequencePlan &plan, std::size_t half, const unsigned char *i
 // The reverse of it, but twice as large.
 void join(const SequencePlan &plan, std::size_t half, const unsigned char *in, unsigned char *out)
 {
-    const float first = load<float>(in, 0), last = load<float>(in, 2 * half - 1);
+    const double first = load<float>(in, 0), last = load<float>(in, 2 * half - 1);
     putNumber(out, 0, {first + last, first - last});
     for (std::size_t k = 1; k <= half - k; ++k) {
         const Number a = packedAt(in, k), b = packedAt(in, half - k);
@@ -141,7 +141,7 @@ void transformReal(const SequencePlan &plan, const unsigned char *in, unsigned c
         return separate(plan, length / 2, numbers, out, plan.forwardScale);
     }
     for (std::size_t i = 0; i < length; ++i)
-        putNumber(numbers, i, {load<float>(in, i), 0});
+        putNumber(numbers, i, Number{load<float>(in, i), 0});
     transformComplex(plan, length, false, numbers, numbers, plan.forwardScale, work);
     store<float>(out, 0, load<float>(numbers, 0));
     for (std::size_t i = 1; i < length; ++i)
@@ -181,7 +181,7 @@ KrnStatus runSequence(const void *source, void *destination, const SequencePlan 
     const Work work(plan->workSize, given);
     if (work.start() == nullptr)
         return KRN_NO_MEMORY;
-    const SinglePrecision floats;
+    const DoublePrecision doubles;
     transform(static_cast<const unsigned char *>(source), static_cast<unsigned char *>(destination), work.start());
     return KRN_OK;
 }

@@ -59,6 +59,12 @@ KRN_SIGNATURE(Fft2DKernel)
         void *work
 KRN_SIGNATURE(Dft2DKernel)
 
+// Likewise an image of which only the upper left part is given, and the rest is zero: no larger than the plan's.
+#define KRN_PARAMETERS_Dft2DPartKernel                                                                       \
+    const void *source, std::int32_t sourceStep, std::int32_t width, std::int32_t height, void *destination, \
+        std::int32_t step, const OrvDft2DPlan *plan, void *work
+KRN_SIGNATURE(Dft2DPartKernel)
+
 // Transforms a block of 8 x 8 samples.
 #define KRN_PARAMETERS_BlockKernel const void *source, std::int32_t sourceStep, void *destination, std::int32_t step
 KRN_SIGNATURE(BlockKernel)

@@ -203,8 +203,8 @@ void tryImage(int width, int height, bool inverse, bool inPlace, Random &random)
         in.set(i % width, i / width, below(random, 2001) - 1000);
     OrvDct2DPlan plan;
     std::int32_t bytes = 0;
-    ASSERT_EQ(krnDct2DInitAlloc(&plan, width, height, 1), KRN_OK);
-    ASSERT_EQ(krnDct2DWorkSize(&plan, &bytes), KRN_OK);
+    ASSERT_EQ(krnDct2DInitAlloc32f(&plan, width, height, 1), KRN_OK);
+    ASSERT_EQ(krnDct2DWorkSize32f(&plan, &bytes), KRN_OK);
     std::vector<std::uint8_t> work(std::size_t(bytes) + 1);
     ASSERT_NO_FATAL_FAILURE(runBuilds(out, [&] {
         void *const given = bytes > 0 && random() % 2 == 0 ? work.data() + random() % 2 : nullptr;
@@ -220,7 +220,7 @@ void tryImage(int width, int height, bool inverse, bool inPlace, Random &random)
         worst = std::max(worst, std::abs(samples[i] - right[i]));
     }
     EXPECT_LE(worst, 1.2e-6 * std::sqrt(squares / static_cast<double>(right.size()))) << width << " x " << height;
-    EXPECT_EQ(krnDct2DFree(&plan), KRN_OK);
+    EXPECT_EQ(krnDct2DFree32f(&plan), KRN_OK);
     EXPECT_EQ(kernel(in.start, in.step, out.start, out.step, &plan, nullptr), KRN_WRONG_PLAN);
 }
 
@@ -250,17 +250,17 @@ TEST(CosineImages, ArgumentsAreTestedInTheirOrder)
     OrvDct2DPlan plan, other = {};
     float image[9] = {};
     std::int32_t size = 0;
-    EXPECT_EQ(krnDct2DInitAlloc(nullptr, 0, 3, 1), KRN_NULL_POINTER);
-    EXPECT_EQ(krnDct2DInitAlloc(&plan, 0, 3, 1), KRN_BAD_SIZE);
-    EXPECT_EQ(krnDct2DInitAlloc(&plan, 3, -1, 1), KRN_BAD_SIZE);
-    EXPECT_EQ(krnDct2DInitAlloc(&plan, 3, 0x7FFFFFFF, 1), KRN_NO_MEMORY);
-    EXPECT_EQ(krnDct2DFree(&plan), KRN_WRONG_PLAN);
-    EXPECT_EQ(krnDct2DFree(nullptr), KRN_NULL_POINTER);
-    ASSERT_EQ(krnDct2DInitAlloc(&plan, 3, 3, 1), KRN_OK);
-    EXPECT_EQ(krnDct2DWorkSize(nullptr, nullptr), KRN_NULL_POINTER);
-    EXPECT_EQ(krnDct2DWorkSize(&other, nullptr), KRN_WRONG_PLAN);
-    EXPECT_EQ(krnDct2DWorkSize(&plan, nullptr), KRN_NULL_POINTER);
-    EXPECT_EQ(krnDct2DWorkSize(&plan, &size), KRN_OK);
+    EXPECT_EQ(krnDct2DInitAlloc32f(nullptr, 0, 3, 1), KRN_NULL_POINTER);
+    EXPECT_EQ(krnDct2DInitAlloc32f(&plan, 0, 3, 1), KRN_BAD_SIZE);
+    EXPECT_EQ(krnDct2DInitAlloc32f(&plan, 3, -1, 1), KRN_BAD_SIZE);
+    EXPECT_EQ(krnDct2DInitAlloc32f(&plan, 3, 0x7FFFFFFF, 1), KRN_NO_MEMORY);
+    EXPECT_EQ(krnDct2DFree32f(&plan), KRN_WRONG_PLAN);
+    EXPECT_EQ(krnDct2DFree32f(nullptr), KRN_NULL_POINTER);
+    ASSERT_EQ(krnDct2DInitAlloc32f(&plan, 3, 3, 1), KRN_OK);
+    EXPECT_EQ(krnDct2DWorkSize32f(nullptr, nullptr), KRN_NULL_POINTER);
+    EXPECT_EQ(krnDct2DWorkSize32f(&other, nullptr), KRN_WRONG_PLAN);
+    EXPECT_EQ(krnDct2DWorkSize32f(&plan, nullptr), KRN_NULL_POINTER);
+    EXPECT_EQ(krnDct2DWorkSize32f(&plan, &size), KRN_OK);
     for (const auto *const kernel : {&krnDct2DFwd32fC1, &krnDct2DInv32fC1}) {
         EXPECT_EQ((*kernel)(nullptr, 0, image, 0, nullptr, nullptr), KRN_NULL_POINTER);
         EXPECT_EQ((*kernel)(nullptr, 0, image, 0, &other, nullptr), KRN_WRONG_PLAN);
@@ -270,7 +270,7 @@ TEST(CosineImages, ArgumentsAreTestedInTheirOrder)
     }
     EXPECT_EQ(krnDct8x8Fwd8u16s(nullptr, 0, image, 0), KRN_NULL_POINTER);
     EXPECT_EQ(krnDct8x8Fwd8u16s(image, 8, image, 0), KRN_BAD_STEP);
-    EXPECT_EQ(krnDct2DFree(&plan), KRN_OK);
+    EXPECT_EQ(krnDct2DFree32f(&plan), KRN_OK);
 }
 
 } // namespace
