@@ -25,12 +25,14 @@ KrnStatus buildAxis(CosineAxis &axis, std::int64_t length, PlanBlocks &blocks)
     }
     axis.turns = turns;
     axis.first = static_cast<float>(1 / std::sqrt(count));
-    return buildFourierPlan(axis.core, length, blocks);
+    return buildFourierPlan(axis.core, length, false, blocks);
 }
 
-std::int64_t workBytes(std::size_t elements)
+// A batch, its scratch and a row.
+std::int64_t workBytes(const FourierPlan &core)
 {
-    return static_cast<std::int64_t>(elements * batchElement * sizeof(float));
+    const std::size_t elements = core.batchRoom + core.scratchRoom;
+    return static_cast<std::int64_t>((elements * batchElement + core.length) * sizeof(float));
 }
 
 KrnStatus build(OrvDct2DPlan &plan)
@@ -50,9 +52,7 @@ KrnStatus build(OrvDct2DPlan &plan)
             return status;
         plan.column = column;
     }
-    const FourierPlan &row = plan.row.core, &column = plan.column->core;
-    const std::int64_t ofRow = workBytes(row.batchRoom + row.scratchRoom);
-    const std::int64_t ofColumn = workBytes(column.batchRoom + column.scratchRoom);
+    const std::int64_t ofRow = workBytes(plan.row.core), ofColumn = workBytes(plan.column->core);
     return setWorkSize(plan.workSize, ofRow > ofColumn ? ofRow : ofColumn) ? KRN_OK : KRN_NO_MEMORY;
 }
 

@@ -15,140 +15,127 @@ namespace {
 #include "rows.h"
 #include "vectors.h"
 
-#include "butterflies.h"
-
 #include "control_word.h"
 
-#include "float_block.h"
+#include "butterflies.h"
 
 #include "passes.h"
+
+#include "image_rows.h"
 
 #include "cosine_batches.h"
 
 #include "work.h"
 
-// Turns the spectrum of a batch of numbers in folded order into cosine transforms. Numbers from both ends give results
-// at both ends, which may have their place.
-template <class In, class Out> inline void turnSpectrum(const CosineAxis &axis, In in, Out out)
+using Number = Complex<float>;
+
+// Turns the spectrum of folded numbers into their cosine transforms. Numbers from both ends give results at both ends.
+inline void turnSpectrum(const CosineAxis &axis, Elements batch)
 {
     const std::size_t length = axis.core.length;
-    for (std::size_t part = 0; part < partCount; ++part) {
-        const Complex first = in.load(0, part);
-        out.store(0, part, {first.re * axis.first, first.im * axis.first});
-    }
+    for (std::size_t part = 0; part < partCount<float>; ++part)
+        batch.store(0, part, scaled(allLanes(axis.first), batch.load<float>(0, part)));
     for (std::size_t k = 1; k <= length - k; ++k) {
-        const Part c = allLanes(axis.turns[2 * k]), s = allLanes(axis.turns[2 * k + 1]);
+        const Part<float> c = allLanes(axis.turns[2 * k]), s = allLanes(axis.turns[2 * k + 1]);
         ORV_INDEPENDENT
-        for (std::size_t part = 0; part < partCount; ++part) {
-            const Complex a = in.load(k, part), b = in.load(length - k, part);
-            const Complex p = {a.re + b.re, a.im + b.im}, q = {a.im - b.im, b.re - a.re};
-            out.store(length - k, part, {s * p.re - c * q.re, s * p.im - c * q.im});
-            out.store(k, part, {c * p.re + s * q.re, c * p.im + s * q.im});
+        for (std::size_t part = 0; part < partCount<float>; ++part) {
+            const Number a = batch.load<float>(k, part), b = batch.load<float>(length - k, part);
+            const Number p = sum(a, b), q = {a.im - b.im, b.re - a.re};
+            batch.store(length - k, part, difference(scaled(s, p), scaled(c, q)));
+            batch.store(k, part, sum(scaled(c, p), scaled(s, q)));
         }
     }
 }
 
 // The reverse. What it gives has its parts exchanged, so that a forward transform is an inverse one.
-template <class In, class Out> inline void turnCosines(const CosineAxis &axis, In in, Out out)
+inline void turnCosines(const CosineAxis &axis, Elements batch)
 {
     const std::size_t length = axis.core.length;
-    for (std::size_t part = 0; part < partCount; ++part) {
-        const Complex first = in.load(0, part);
-        out.store(0, part, {first.im * axis.first, first.re * axis.first});
-    }
+    for (std::size_t part = 0; part < partCount<float>; ++part)
+        batch.store(0, part, exchanged(scaled(allLanes(axis.first), batch.load<float>(0, part))));
     for (std::size_t k = 1; k <= length - k; ++k) {
-        const Part c = allLanes(axis.turns[2 * k]), s = allLanes(axis.turns[2 * k + 1]);
+        const Part<float> c = allLanes(axis.turns[2 * k]), s = allLanes(axis.turns[2 * k + 1]);
         ORV_INDEPENDENT
-        for (std::size_t part = 0; part < partCount; ++part) {
-            const Complex a = in.load(k, part), b = in.load(length - k, part);
-            const Complex p = {c * a.re + s * b.re, c * a.im + s * b.im};
-            const Complex q = {s * a.re - c * b.re, s * a.im - c * b.im};
-            out.store(length - k, part, {p.im - q.re, p.re + q.im});
-            out.store(k, part, {q.re + p.im, p.re - q.im});
+        for (std::size_t part = 0; part < partCount<float>; ++part) {
+            const Number a = batch.load<float>(k, part), b = batch.load<float>(length - k, part);
+            const Number p = sum(scaled(c, a), scaled(s, b)), q = difference(scaled(s, a), scaled(c, b));
+            batch.store(length - k, part, Number{p.im - q.re, p.re + q.im});
+            batch.store(k, part, Number{p.im + q.re, p.re - q.im});
         }
     }
 }
 
-// The batch and what the transform needs beside it.
+// The batch, what the transform needs beside it, and a row for those that a batch lacks.
 struct Buffers {
-    float *data, *scratch;
+    float *batch, *scratch, *spare;
+
+    Buffers(const CosineAxis &axis, float *work)
+        : batch(work), scratch(work + batchElement * axis.core.batchRoom),
+          spare(scratch + batchElement * axis.core.scratchRoom)
+    {
+    }
 };
 
-void forwardRows(const CosineAxis &axis, ConstRaster source, Raster destination, std::size_t count, Buffers work)
+// Sixteen rows, or fewer, in the order of their parts on one side of an inverse transform.
+RowsOfBatch rowsOf(const unsigned char *data, std::int32_t step, std::size_t count, float *spare, std::size_t first)
 {
-    const std::size_t length = axis.core.length;
-    loadRows(source, count, length, FoldedOrder{length}, work.data);
-    float *const spectrum = transformBatch(axis.core, work.data, work.scratch);
-    turnSpectrum(axis, Elements{spectrum}, Elements{spectrum});
-    storeRows(destination, count, length, NaturalOrder(), spectrum, 0);
+    RowsOfBatch rows;
+    Raster image = {const_cast<unsigned char *>(data), step};
+    for (std::size_t i = 0; i < batchRows; ++i)
+        rows.rows[i ^ first] =
+            i < count ? image.fromRow(static_cast<std::int64_t>(i)).data : reinterpret_cast<unsigned char *>(spare);
+    return rows;
 }
 
-void inverseRows(const CosineAxis &axis, ConstRaster source, Raster destination, std::size_t count, Buffers work)
+template <bool inverse>
+void transformRows(const CosineAxis &axis, ConstRaster source, Raster destination, std::size_t count, float *work)
 {
     const std::size_t length = axis.core.length;
-    loadRows(source, count, length, NaturalOrder(), work.data);
-    turnCosines(axis, Elements{work.data}, Elements{work.data});
-    float *const numbers = transformBatch(axis.core, work.data, work.scratch);
-    storeRows(destination, count, length, FoldedOrder{length}, numbers, batchLanes);
-}
-
-void forwardColumns(const CosineAxis &axis, Raster image, std::size_t count, Buffers work)
-{
-    const std::size_t length = axis.core.length;
-    const FoldedOrder order = {length};
-    const Columns columns = {image};
-    if (count < sequences)
-        loadColumns(image, count, length, order, work.data);
-    for (std::size_t i = 0; i < length && count == sequences; ++i)
-        for (std::size_t part = 0; part < partCount; ++part)
-            Elements{work.data}.store(order(i), part, columns.load(i, part));
-    float *const spectrum = transformBatch(axis.core, work.data, work.scratch);
-    if (count == sequences)
-        return turnSpectrum(axis, Elements{spectrum}, columns);
-    turnSpectrum(axis, Elements{spectrum}, Elements{spectrum});
-    storeColumns(image, count, length, NaturalOrder(), spectrum, 0);
-}
-
-void inverseColumns(const CosineAxis &axis, Raster image, std::size_t count, Buffers work)
-{
-    const std::size_t length = axis.core.length;
-    const FoldedOrder order = {length};
-    const Columns columns = {image};
-    if (count == sequences) {
-        turnCosines(axis, columns, Elements{work.data});
-    } else {
-        loadColumns(image, count, length, NaturalOrder(), work.data);
-        turnCosines(axis, Elements{work.data}, Elements{work.data});
+    const Buffers buffers(axis, work);
+    for (std::size_t i = 0; i < length && count < batchRows; ++i)
+        buffers.spare[i] = 0;
+    const RowsOfBatch from = rowsOf(source.data, source.step, count, buffers.spare, 0);
+    const RowsOfBatch to = rowsOf(destination.data, destination.step, count, buffers.spare, inverse ? batchLanes : 0);
+    if (!inverse) {
+        loadFolded(from, length, buffers.batch);
+        float *const spectrum = transformBatch(axis.core, buffers.batch, buffers.scratch);
+        turnSpectrum(axis, Elements{spectrum});
+        return storeColumns(spectrum, to, 0, length, 1);
     }
-    float *const numbers = transformBatch(axis.core, work.data, work.scratch);
-    if (count < sequences)
-        return storeColumns(image, count, length, order, numbers, batchLanes);
-    for (std::size_t i = 0; i < length; ++i)
-        for (std::size_t part = 0; part < partCount; ++part)
-            columns.store(i, part, exchanged(Elements{numbers}.load(order(i), part)));
+    loadColumns(from, 0, length, buffers.batch);
+    turnCosines(axis, Elements{buffers.batch});
+    storeFolded(transformBatch(axis.core, buffers.batch, buffers.scratch), length, to);
 }
 
-inline Buffers buffersOf(const CosineAxis &axis, float *work)
+template <bool inverse> void transformColumns(const CosineAxis &axis, const Columns &columns, float *work)
 {
-    return {work, work + batchElement * axis.core.batchRoom};
+    const std::size_t length = axis.core.length;
+    const Buffers buffers(axis, work);
+    const auto place = [=](std::size_t row, bool folds) { return batchElement * (folds ? folded(row, length) : row); };
+    for (std::size_t row = 0; row < length; ++row)
+        columns.loadElement(row, buffers.batch + place(row, !inverse));
+    if (inverse)
+        turnCosines(axis, Elements{buffers.batch});
+    float *const result = transformBatch(axis.core, buffers.batch, buffers.scratch);
+    if (!inverse)
+        turnSpectrum(axis, Elements{result});
+    for (std::size_t row = 0; row < length; ++row)
+        columns.storeElement(row, result + place(row, inverse), inverse ? batchLanes : 0);
 }
 
 template <bool inverse>
 void transformImage(const OrvDct2DPlan &plan, ConstRaster source, Raster destination, float *work)
 {
     const std::size_t width = static_cast<std::size_t>(plan.width), height = static_cast<std::size_t>(plan.height);
-    const auto rows = inverse ? inverseRows : forwardRows;
-    const auto columns = inverse ? inverseColumns : forwardColumns;
+    const auto some = [](std::size_t left) { return left < sequences ? left : sequences; };
     for (std::size_t row = 0; row < height; row += sequences) {
         const std::int64_t first = static_cast<std::int64_t>(row);
-        rows(plan.row, source.fromRow(first), destination.fromRow(first),
-             height - row < sequences ? height - row : sequences, buffersOf(plan.row, work));
+        transformRows<inverse>(plan.row, source.fromRow(first), destination.fromRow(first), some(height - row), work);
     }
-    if (height == 1)
-        return;
-    for (std::size_t column = 0; column < width; column += sequences)
-        columns(*plan.column, destination.fromByte(static_cast<std::int64_t>(sizeof(float) * column)),
-                width - column < sequences ? width - column : sequences, buffersOf(*plan.column, work));
+    for (std::size_t column = 0; column < width && height > 1; column += sequences)
+        transformColumns<inverse>(
+            *plan.column,
+            {destination.fromByte(static_cast<std::int64_t>(sizeof(float) * column)), some(width - column)}, work);
 }
 
 // Tests the arguments in their order.
