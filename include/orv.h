@@ -1391,8 +1391,8 @@ ORV_API OrvStatus orvThreshold(const OrvImage *srcImage, OrvImage *dstImage, int
  *
  *  If memory is exhausted, the destination stays as it is. That is not reported.
  *
- *  A null image, and every test before it, is reported at once. The call goes on after a null image, and then ends if the
- *  stored status is negative, be it that of an earlier call.
+ *  A null image is reported, and the call then ends if the stored status is negative, be it that of an earlier call.
+ *  Without a null image a stored status ends the call in silence, too.
  *  @{ */
 
 /** Flags of orvRealFft2D() and orvCcsFft2D(). Bits that are not listed have no effect. */
@@ -1432,12 +1432,12 @@ enum {
 ORV_API void orvRealFft2D(const OrvImage *srcImage, OrvImage *dstImage, int32_t flags);
 
 /**
- * Transforms a spectrum in packed form, as orvRealFft2D() stores it, back into real pixels. The result is divided by the
- * number of pixels, so that the inverse of a forward transform is the image.
+ * Transforms a spectrum in packed form, as orvRealFft2D() stores it, back into real pixels. The result is divided by
+ * the number of pixels, so that the inverse of a forward transform is the image.
  *
  * Depths: from 32S or 32F to 8U, from 16S to 16S, from 32F to 32F. The last pair only in plane order, or if both images
- * have one channel. Another depth of the destination is no failure: nothing is done. In pixel order, a call with another
- * number of channels than 1, 3 and 4 does nothing.
+ * have one channel. Another depth of the destination is no failure: nothing is done. In pixel order, a call with
+ * another number of channels than 1, 3 and 4 does nothing.
  *
  * Statuses: as for orvRealFft2D(), but the last test is #ORV_STATUS_NOT_IMPLEMENTED without #ORV_FFT_INVERSE, and for
  * other depths of the source.
@@ -1455,8 +1455,8 @@ enum {
 };
 
 /**
- * The orthonormal cosine transform, or its inverse. With n as the width or the height of the rectangles, a row and then a
- * column becomes
+ * The orthonormal cosine transform, or its inverse. With n as the width or the height of the rectangles, a row and then
+ * a column becomes
  *
  *     X(0) = sum of x(i) / sqrt(n)
  *     X(k) = sum of x(i) * cos((2 * i + 1) * k * pi / (2 * n)) * sqrt(2 / n)
@@ -1465,16 +1465,33 @@ enum {
  *
  * Depths: forward from 8U to 32F or 16S, inverse from 32F or 16S to 8U.
  *
- * **Blocks of 8 x 8.** From 8U to 16S and back, images of 8 x 8 pixels are transformed in integers. A rectangle must be
- * the whole image for that. Results are within one unit of the definition. Rows come first, with constants of 12
- * fractional bits and rounded results of 16 bits, which are 8 * sqrt(8) times those of the definition. Columns are
+ * **Blocks of 8 x 8.** From 8U to 16S and back, images of 8 x 8 pixels are transformed in integers. Rectangles must be
+ * whole images for that. Results are within one unit of the definition. All other transforms are made in floats.
  *
- *     X(k) = (sum of x(i) * c(i, k) + 2^19) >> 20
+ * The forward transform starts with rows. With s(i) and d(i) as the sums and the differences of x(i) and x(7 - i),
+ * and with >> 12 as a division by 4096 that rounds ties up:
  *
- * with c(i, k) = cos((2 * i + 1) * k * pi / 16) / 2, for k = 0 divided by sqrt(2), times sqrt(2^31) and rounded: 22725,
- * 21407, 19266, 16384, 12873, 8867, 4520. The inverse starts with columns: (sum of X(k) * c(i, k) + 2^12) >> 13. Rows are
- * (sum of X(k) * c(i, k) + 2^17) >> 18, saturated to 0 and 255. If the magnitudes of the coefficients add up to more than
- * 11584, constants and shifts of the inverse have 16 bits more. All other transforms are made in floats.
+ *     e0 = s0 + s3, e1 = s1 + s2, e2 = s1 - s2, e3 = s0 - s3
+ *     a = 8 * (d1 + d2), b = 8 * (d1 - d2), c = 46341 * d0 >> 12, d = 46341 * d3 >> 12
+ *     p = b + d, q = a + c, r = c - a, t = d - b
+ *     X(0) = 8 * (e0 + e1)
+ *     X(1) = 3218 * q + 799 * (p + q) >> 12
+ *     X(2) = 25080 * e3 + 17734 * (e2 + e3) >> 12
+ *     X(3) = -5681 * t + 3406 * (r + t) >> 12
+ *     X(4) = 8 * (e0 - e1)
+ *     X(5) = -1130 * r + 3406 * (r + t) >> 12
+ *     X(6) = -60547 * e2 + 17734 * (e2 + e3) >> 12
+ *     X(7) = -4816 * p + 799 * (p + q) >> 12
+ *
+ * Columns, and both passes of the inverse, are sums of products, divided by a power of 2 with ties up. Their factors
+ * are c(i, k) = cos((2 * i + 1) * k * pi / 16) / 2 (divided by sqrt(2) for k = 0), times sqrt(2^31) and rounded: 22725,
+ * 21407, 19266, 16384, 12873, 8867 and 4520.
+ *
+ *     forward, columns:  X(k) = sum of x(i) * c(i, k) >> 20
+ *     inverse, columns:  x(i) = sum of X(k) * c(i, k) >> 13
+ *     inverse, rows:     x(i) = sum of X(k) * c(i, k) >> 18, saturated to 0 and 255
+ *
+ * If the magnitudes of all coefficients add up to more than 11584, factors and shifts of the inverse have 16 bits more.
  *
  * Statuses, in this order:
  * - #ORV_STATUS_BAD_ARGUMENT if `flags` have neither #ORV_DCT_FORWARD nor #ORV_DCT_INVERSE, or both;
