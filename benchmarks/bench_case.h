@@ -32,6 +32,7 @@ std::vector<Case> measureCases();
 std::vector<Case> neighbourhoodCases();
 std::vector<Case> filterCases();
 std::vector<Case> levelCases();
+std::vector<Case> transformCases();
 std::vector<Case> kernelCases();
 
 } // namespace bench

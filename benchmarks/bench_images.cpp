@@ -30,8 +30,13 @@ void fillRandom(OrvImage &target)
 
 Image image(int depth, int channels, int side, bool planes)
 {
+    return rectangle(depth, channels, side, side, planes);
+}
+
+Image rectangle(int depth, int channels, int width, int height, bool planes)
+{
     OrvImage *target = orvCreateImageHeader(channels, 0, depth, "RGBA", "RGBA", planes ? 1 : 0, ORV_ORIGIN_TL,
-                                            ORV_ALIGN_32BYTES, side, side, nullptr, nullptr, nullptr, nullptr);
+                                            ORV_ALIGN_32BYTES, width, height, nullptr, nullptr, nullptr, nullptr);
     if (depth == ORV_DEPTH_32F)
         orvAllocateImageFP(target, 0, 0);
     else

@@ -16,6 +16,7 @@ using Image = std::shared_ptr<OrvImage>;
 
 // An image of random samples, whose rows are aligned to 32 bytes.
 Image image(int depth, int channels, int side, bool planes = false);
+Image rectangle(int depth, int channels, int width, int height, bool planes = false);
 
 // The same with a mask: the largest ellipse that fits.
 Image maskedImage(int depth, int channels, int side);

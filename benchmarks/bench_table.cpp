@@ -169,7 +169,7 @@ std::vector<Case> allCases()
     std::vector<Case> cases = bench::copyingCases();
     for (const std::vector<Case> &more :
          {bench::arithmeticCases(), bench::geometryCases(), bench::measureCases(), bench::neighbourhoodCases(),
-          bench::filterCases(), bench::levelCases(), bench::kernelCases()})
+          bench::filterCases(), bench::levelCases(), bench::transformCases(), bench::kernelCases()})
         cases.insert(cases.end(), more.begin(), more.end());
     return cases;
 }

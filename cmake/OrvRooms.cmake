@@ -16,7 +16,11 @@ set(ORV_PLAIN_KERNEL_SOURCES
   kernels/dispatch/table.cpp
   kernels/services/memory.cpp
   kernels/copy/copy.cpp
-  kernels/copy/jaehne.cpp)
+  kernels/copy/jaehne.cpp
+  kernels/transform/cosine_plans.cpp
+  kernels/transform/plan_building.cpp
+  kernels/transform/plans.cpp
+  kernels/transform/roots.cpp)
 
 # Compiled once a slot.
 set(ORV_KERNEL_SOURCES
@@ -55,7 +59,12 @@ set(ORV_KERNEL_SOURCES
   kernels/measure/minmax.cpp
   kernels/measure/norm.cpp
   kernels/measure/norm_floats.cpp
-  kernels/morph/morphology.cpp)
+  kernels/morph/morphology.cpp
+  kernels/transform/batch.cpp
+  kernels/transform/dct.cpp
+  kernels/transform/dct8.cpp
+  kernels/transform/fft2d.cpp
+  kernels/transform/sequence.cpp)
 
 # The rooms of the front end's frame. A room sees itself, and those that its target names.
 set(ORV_FRAME ${PROJECT_SOURCE_DIR}/_src/frame)
@@ -64,6 +73,7 @@ set(ORV_FRAME_IMAGE_SOURCES
   _src/frame/image/call_images.cpp
   _src/frame/image/channel_kernels.cpp
   _src/frame/image/delivery.cpp
+  _src/frame/image/float_conversions.cpp
   _src/frame/image/operand.cpp
   _src/frame/image/rectangle_call.cpp)
 set(ORV_FRAME_CHECKS_SOURCES
@@ -90,6 +100,7 @@ set(ORV_FRONT_SOURCES
   _src/geometry/resize_loops.cpp
   _src/geometry/resize_tables.cpp
   _src/morph/morphology.cpp
+  _src/transform/plane_transform.cpp
   _src/orvBlur.cpp
   _src/orvCSep2.cpp
   _src/orvClone.cpp
@@ -107,8 +118,10 @@ set(ORV_FRONT_SOURCES
   _src/orvcnv2d.cpp
   _src/orvclose.cpp
   _src/orvcnv2d_records.cpp
+  _src/orvdct2d.cpp
   _src/orvdilat.cpp
   _src/orverode.cpp
+  _src/orvfft2d.cpp
   _src/orvgenim.cpp
   _src/orvhist.cpp
   _src/orvlshs.cpp

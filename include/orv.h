@@ -1378,6 +1378,139 @@ ORV_API OrvStatus orvHistoEqualize(const OrvImage *srcImage, OrvImage *dstImage,
 ORV_API OrvStatus orvThreshold(const OrvImage *srcImage, OrvImage *dstImage, int32_t Threshold);
 /** @} */
 
+/** @defgroup transforms Transforms
+ *  Fourier and cosine transforms of images of any size.
+ *
+ *  They share these rules. Source and destination are different images. Rectangles, channels of interest, pixel and
+ *  plane order. Masks have no effect. If the rectangles have no common pixel, or an image has no raster, nothing is
+ *  done and nothing is reported. Headers are not checked beyond the tests listed.
+ *
+ *  Each channel is transformed for itself, in 32-bit floats. Results in integer depths are rounded to nearest with ties
+ *  to even, and saturate. Of four channels the alpha channel of the destination is not transformed. A sample that is
+ *  not finite spoils its channel only.
+ *
+ *  If memory is exhausted, the destination stays as it is. That is not reported.
+ *
+ *  A null image is reported, and the call then ends if the stored status is negative, be it that of an earlier call.
+ *  Without a null image a stored status ends the call in silence, too.
+ *  @{ */
+
+/** Flags of orvRealFft2D() and orvCcsFft2D(). Bits that are not listed have no effect. */
+enum {
+    ORV_FFT_FORWARD = 1,  /**< Forward. */
+    ORV_FFT_INVERSE = 2,  /**< Inverse. */
+    ORV_FFT_RELEASE = 128 /**< The call returns at once. No tables are kept between calls. */
+};
+
+/**
+ * Transforms real pixels into their spectrum: with w x h as the common size of the rectangles,
+ *
+ *     F(k, l) = sum of src(x, y) * exp(-2 * pi * i * (k * x / w + l * y / h))   over all x below w and y below h
+ *
+ * The sum is not divided. It is stored in packed form, which has as many samples as the image has pixels. A packed row
+ * holds Re 0, Re 1, Im 1, Re 2, Im 2 and so on; if its length is even, it ends with the real part of the middle.
+ *
+ * | columns                       | content                                                          |
+ * |-------------------------------|------------------------------------------------------------------|
+ * | 0                             | F(0, l), packed down the column                                  |
+ * | 2k - 1 and 2k, 0 < k < w / 2  | the real and the imaginary parts of F(k, l), in row l            |
+ * | w - 1, if w is even           | F(w / 2, l), packed down the column                              |
+ *
+ * Depths: from 8U to 32S or 32F, from 16S to 16S, from 32F to 32F. The last pair only in plane order, or if both images
+ * have one channel. In pixel order, a call with another number of channels than 1, 3 and 4 does nothing.
+ *
+ * Statuses, in this order:
+ * - #ORV_STATUS_BAD_ARGUMENT if `flags` have neither #ORV_FFT_FORWARD nor #ORV_FFT_INVERSE, or both; or both 16 and 32;
+ * - #ORV_STATUS_BAD_ARGUMENT for a null image;
+ * - #ORV_STATUS_BAD_ARGUMENT if both images are the same, one has depth 1U, or their data orders differ;
+ * - #ORV_STATUS_BAD_CHANNELS if the numbers of channels to process differ;
+ * - #ORV_STATUS_NOT_IMPLEMENTED without #ORV_FFT_FORWARD, and for other depths.
+ * @param srcImage  source
+ * @param dstImage  destination
+ * @param flags     #ORV_FFT_FORWARD
+ */
+ORV_API void orvRealFft2D(const OrvImage *srcImage, OrvImage *dstImage, int32_t flags);
+
+/**
+ * Transforms a spectrum in packed form, as orvRealFft2D() stores it, back into real pixels. The result is divided by
+ * the number of pixels, so that the inverse of a forward transform is the image.
+ *
+ * Depths: from 32S or 32F to 8U, from 16S to 16S, from 32F to 32F. The last pair only in plane order, or if both images
+ * have one channel. Another depth of the destination is no failure: nothing is done. In pixel order, a call with
+ * another number of channels than 1, 3 and 4 does nothing.
+ *
+ * Statuses: as for orvRealFft2D(), but the last test is #ORV_STATUS_NOT_IMPLEMENTED without #ORV_FFT_INVERSE, and for
+ * other depths of the source.
+ * @param srcImage  the spectrum
+ * @param dstImage  destination
+ * @param flags     #ORV_FFT_INVERSE
+ */
+ORV_API void orvCcsFft2D(const OrvImage *srcImage, OrvImage *dstImage, int32_t flags);
+
+/** Flags of orvDCT2D(). Bits that are not listed have no effect. */
+enum {
+    ORV_DCT_FORWARD = 1, /**< Forward. */
+    ORV_DCT_INVERSE = 2, /**< Inverse. */
+    ORV_DCT_RELEASE = 8  /**< The call returns at once. No tables are kept between calls. */
+};
+
+/**
+ * The orthonormal cosine transform, or its inverse. With n as the width or the height of the rectangles, a row and then
+ * a column becomes
+ *
+ *     X(0) = sum of x(i) / sqrt(n)
+ *     X(k) = sum of x(i) * cos((2 * i + 1) * k * pi / (2 * n)) * sqrt(2 / n)
+ *
+ * The inverse is the transpose. A constant image of value c has c * sqrt(w * h) at the first place and 0 elsewhere.
+ *
+ * Depths: forward from 8U to 32F or 16S, inverse from 32F or 16S to 8U.
+ *
+ * **Blocks of 8 x 8.** From 8U to 16S and back, images of 8 x 8 pixels are transformed in integers. Rectangles must be
+ * whole images for that. Results are within one unit of the definition. All other transforms are made in floats.
+ *
+ * The forward transform starts with rows. With s(i) and d(i) as the sums and the differences of x(i) and x(7 - i),
+ * and with >> 12 as a division by 4096 that rounds ties up:
+ *
+ *     e0 = s0 + s3, e1 = s1 + s2, e2 = s1 - s2, e3 = s0 - s3
+ *     a = 8 * (d1 + d2), b = 8 * (d1 - d2), c = 46341 * d0 >> 12, d = 46341 * d3 >> 12
+ *     p = b + d, q = a + c, r = c - a, t = d - b
+ *     X(0) = 8 * (e0 + e1)
+ *     X(1) = 3218 * q + 799 * (p + q) >> 12
+ *     X(2) = 25080 * e3 + 17734 * (e2 + e3) >> 12
+ *     X(3) = -5681 * t + 3406 * (r + t) >> 12
+ *     X(4) = 8 * (e0 - e1)
+ *     X(5) = -1130 * r + 3406 * (r + t) >> 12
+ *     X(6) = -60547 * e2 + 17734 * (e2 + e3) >> 12
+ *     X(7) = -4816 * p + 799 * (p + q) >> 12
+ *
+ * Columns, and both passes of the inverse, are sums of products, divided by a power of 2 with ties up. Their factors
+ * are c(i, k) = cos((2 * i + 1) * k * pi / 16) / 2 (divided by sqrt(2) for k = 0), times sqrt(2^31) and rounded: 22725,
+ * 21407, 19266, 16384, 12873, 8867 and 4520.
+ *
+ *     forward, columns:  X(k) = sum of x(i) * c(i, k) >> 20
+ *     inverse, columns:  x(i) = sum of X(k) * c(i, k) >> 13
+ *     inverse, rows:     x(i) = sum of X(k) * c(i, k) >> 18, saturated to 0 and 255
+ *
+ * If the magnitudes of all coefficients add up to more than 11584, factors and shifts of the inverse have 16 bits more.
+ *
+ * Statuses, in this order:
+ * - #ORV_STATUS_BAD_ARGUMENT if `flags` have neither #ORV_DCT_FORWARD nor #ORV_DCT_INVERSE, or both;
+ * - #ORV_STATUS_BAD_ARGUMENT for a null image;
+ * - #ORV_STATUS_BAD_ARGUMENT if both images are the same;
+ * - #ORV_STATUS_NOT_IMPLEMENTED for depth 1U;
+ * - #ORV_STATUS_BAD_ARGUMENT if the data orders differ;
+ * - #ORV_STATUS_BAD_CHANNELS if the numbers of channels to process differ;
+ * - #ORV_STATUS_BAD_ARGUMENT if the widths of the rectangles differ, and then their heights;
+ * - #ORV_STATUS_NOT_IMPLEMENTED if the coefficients have another depth than 32F and 16S.
+ *
+ * If the pixels have another depth than 8U, nothing is done, and nothing is reported.
+ * @param src    source
+ * @param dst    destination
+ * @param flags  #ORV_DCT_FORWARD or #ORV_DCT_INVERSE
+ */
+ORV_API void orvDCT2D(const OrvImage *src, OrvImage *dst, int32_t flags);
+/** @} */
+
 /** @defgroup measures Measures
  *  Functions that only read an image.
  *  @{ */

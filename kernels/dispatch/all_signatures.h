@@ -9,3 +9,4 @@
 #include "../measure/signatures.h"
 #include "../morph/signatures.h"
 #include "../services/signatures.h"
+#include "../transform/signatures.h"

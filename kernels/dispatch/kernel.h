@@ -26,6 +26,9 @@ enum : KrnStatus {
     KRN_NULL_POINTER = -8,   // a data pointer is null
     KRN_NO_MEMORY = -9,      // a scratch allocation failed
     KRN_BAD_STEP = -14,      // a row step below 1
+    KRN_BAD_ORDER = -15,     // an order of a transform below 0 or above 30
+    KRN_BAD_FLAG = -16,      // a flag that names no scaling
+    KRN_WRONG_PLAN = -17,    // a plan of another kind, or a released one
     KRN_BAD_AXIS = -21,      // a mode out of its range, such as the axis of a mirror
     KRN_BAD_MASK_SIZE = -33, // a side of a window below 1
     KRN_BAD_ANCHOR = -34,    // an anchor outside its window

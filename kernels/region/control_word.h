@@ -51,3 +51,13 @@ public:
 private:
     std::uint16_t saved_;
 };
+
+// Likewise to floats, for loops whose every step is one of floats.
+class SinglePrecision {
+public:
+    SinglePrecision() : saved_(krnSetFpuControl(0, 0x300)) {}
+    ~SinglePrecision() { krnRestoreFpuControl(saved_); }
+
+private:
+    std::uint16_t saved_;
+};

@@ -170,6 +170,18 @@ inline Group<Wide, sizeof(Wide) / sizeof(Sample)> widened(Vector<Sample> samples
     }
 }
 
+#if ORV_VECTOR_BYTES == 32
+// The lower lanes of two vectors, and their upper lanes.
+inline Floats lowerLanes(Floats a, Floats b)
+{
+    return __builtin_shufflevector(a, b, 0, 1, 2, 3, 8, 9, 10, 11);
+}
+inline Floats upperLanes(Floats a, Floats b)
+{
+    return __builtin_shufflevector(a, b, 4, 5, 6, 7, 12, 13, 14, 15);
+}
+#endif
+
 // What interleaving gave, one vector after the other in order.
 template <class Sample>
 inline void storeHalvesInOrder(void *row, std::size_t index, Vector<Sample> low, Vector<Sample> high)

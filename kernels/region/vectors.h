@@ -110,6 +110,17 @@ template <std::size_t number> inline Lane laneOf(auto vector)
 #endif
 }
 
+// The counterpart of loadLanes().
+template <class Sample> inline void storeLanes(void *lower, [[maybe_unused]] void *upper, Vector<Sample> vector)
+{
+    const Lane first = laneOf<0>(vector);
+    __builtin_memcpy(lower, &first, sizeof first);
+#if ORV_VECTOR_BYTES == 32
+    const Lane second = laneOf<1>(vector);
+    __builtin_memcpy(upper, &second, sizeof second);
+#endif
+}
+
 // The lower half of a vector.
 template <class Sample> inline void storeHalf(void *row, std::size_t index, Vector<Sample> vector)
 {
@@ -339,6 +350,18 @@ template <class Sample> inline Vector<Sample> interleaveHigh(Vector<Sample> a, V
         return as<Sample>(ORV_VECTOR(unpackhi_epi64)(bitsOf(a), bitsOf(b)));
 }
 
+// The counterpart of the two for floats: those at the even and at the odd places.
+inline Floats evenFloats(Floats a, Floats b)
+{
+    return reinterpret_cast<Floats>(
+        ORV_VECTOR(shuffle_ps)(reinterpret_cast<FloatBits>(a), reinterpret_cast<FloatBits>(b), 0x88));
+}
+inline Floats oddFloats(Floats a, Floats b)
+{
+    return reinterpret_cast<Floats>(
+        ORV_VECTOR(shuffle_ps)(reinterpret_cast<FloatBits>(a), reinterpret_cast<FloatBits>(b), 0xDD));
+}
+
 // Vectors of items of so many bytes become those that have the items of each place one after the other, place by place.
 // As many vectors as a lane has items are transposed in each lane.
 template <std::size_t bytes, std::size_t count> inline void transpose(U8s (&vectors)[count])
@@ -436,6 +459,17 @@ inline Doubles loadDoubles(const void *row, std::size_t index)
 #else
     return reinterpret_cast<Doubles>(
         _mm_cvtps_pd(_mm_castsi128_ps(_mm_loadl_epi64(reinterpret_cast<const __m128i *>(in)))));
+#endif
+}
+// The counterpart of loadDoubles().
+inline void storeAsFloats(void *row, std::size_t index, Doubles a)
+{
+    unsigned char *const out = static_cast<unsigned char *>(row) + index * sizeof(float);
+#if ORV_VECTOR_BYTES == 32
+    _mm_storeu_ps(reinterpret_cast<float *>(out), _mm256_cvtpd_ps(reinterpret_cast<__m256d>(a)));
+#else
+    const __m128 floats = _mm_cvtpd_ps(reinterpret_cast<__m128d>(a));
+    _mm_storel_pi(reinterpret_cast<__m64 *>(out), floats);
 #endif
 }
 #if ORV_VECTOR_BYTES == 32

@@ -17,7 +17,8 @@ const SampleType sampleTypes[] = {{SampleType::U8, "8u", 1, 0, 255},
                                   {SampleType::S16, "16s", 2, -32768, 32767},
                                   {SampleType::S32, "32s", 4, -2147483648.0, 2147483647.0},
                                   {SampleType::F32, "32f", 4, 0, 0},
-                                  {SampleType::F64, "64f", 8, 0, 0}};
+                                  {SampleType::F64, "64f", 8, 0, 0},
+                                  {SampleType::F32, "32fc", 8, 0, 0}};
 
 const PixelLayout layouts[] = {{"C1", 1, 1, 1},    {"C3", 3, 3, 3},    {"C4", 4, 4, 4},   {"AC4", 4, 4, 3},
                                {"C3AC4", 3, 4, 3}, {"AC4C3", 4, 3, 3}, {"C3C1", 3, 1, 1}, {"C4C1", 4, 1, 1},

@@ -29,7 +29,13 @@ KrnStatus gather(const Operand &image, ConstRaster pixels, Raster channel, Size 
 KrnStatus scatter(const Operand &image, ConstRaster channel, Raster pixels, Size size)
 {
     const ChannelKernels &kernels = channelKernels(image.sampleBytes);
-    return move(image.image->nChannels == 3 ? kernels.insertC3 : kernels.insertC4, channel, pixels, size);
+    if (image.served())
+        return move(image.image->nChannels == 3 ? kernels.insertC3 : kernels.insertC4, channel, pixels, size);
+    KrnStatus status = KRN_OK;
+    for (std::int32_t row = 0; row < size.height && status == KRN_OK; ++row)
+        status = move(kernels.copy.c1, {channel.fromRow(row).data, image.sampleBytes},
+                      {pixels.fromRow(row).data, image.pixelBytes}, {1, size.width});
+    return status;
 }
 
 bool Masks::overlap(const Extent &written) const

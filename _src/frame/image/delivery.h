@@ -54,7 +54,7 @@ private:
 };
 
 // Copies one channel of interleaved pixels to a raster of that channel alone, and back. Pixels of three and four
-// samples have kernels for this; others can only be gathered.
+// samples have kernels for this.
 KrnStatus gather(const Operand &image, ConstRaster pixels, Raster channel, Size size);
 KrnStatus scatter(const Operand &image, ConstRaster channel, Raster pixels, Size size);
 

@@ -32,7 +32,15 @@ struct Operand {
         return start.raster.fromRow(row).fromByte(plane * std::int64_t{start.planeStep});
     }
 
-    // Only pixels of three and four samples can be gathered.
+    // Each channel of interleaved pixels as a plane, one sample further on than that before it.
+    void takeChannels(bool planes)
+    {
+        interleaved = !planes && image->dataOrder != ORV_DATA_ORDER_PLANE && image->nChannels > 1;
+        if (interleaved)
+            start.planeStep = sampleBytes;
+    }
+
+    // Most operations gather pixels of three and four samples only.
     bool served() const { return !interleaved || image->nChannels == 3 || image->nChannels == 4; }
 };
 

@@ -71,12 +71,14 @@ ScratchCall::Resolved ScratchCall::resolveImages()
         operands_[i] = resolve(images[i], inPlanes_, stepsFor(loop_));
         if (operands_[i].start.raster.step == 0)
             return Resolved::Refused;
-        if (!operands_[i].served())
+        if (call_.byChannel)
+            operands_[i].takeChannels(inPlanes_);
+        else if (!operands_[i].served())
             return Resolved::NotServed;
         masks_.add(images[i].maskROI);
     }
     const std::int32_t channels = destination().start.channels;
-    if (inPlanes_)
+    if (inPlanes_ || call_.byChannel)
         planes_ = planesToProcess(images.destination(), channels);
     else if (!pixelLayout(images.destination(), channels, layout_))
         return Resolved::NotServed;
@@ -88,7 +90,7 @@ ScratchCall::Resolved ScratchCall::resolveImages()
 bool ScratchCall::planBuffers()
 {
     const Extent written = {destination(), call_.size, planes_};
-    bool strips = !masks_.overlap(written), samples = true;
+    bool strips = !masks_.overlap(written), samples = true, apart = true;
     for (std::size_t i = 0; i < call_.images.sourceCount(); ++i) {
         if (call_.freeSources)
             continue;
@@ -96,11 +98,12 @@ bool ScratchCall::planBuffers()
         strips = strips && stripsDisjoint(read, written);
         // What is gathered is read before the loop runs.
         samples = samples && (operands_[i].interleaved || samplesDisjoint(read, written));
+        apart = apart && disjoint(read, written);
         if (operands_[i].interleaved)
             sourceBuffers_[i] = buffers_.add(std::int64_t{read.size.width} * operands_[i].sampleBytes);
     }
-    const bool straight =
-        strips && samples && !call_.whole && !destination().interleaved && (!masks_.any() || loop_.takesMask);
+    const bool readable = call_.whole ? apart : strips && samples;
+    const bool straight = readable && !destination().interleaved && (!masks_.any() || loop_.takesMask);
     if (!straight)
         resultBuffer_ =
             buffers_.add(std::int64_t{call_.size.width} * destination().sampleBytes * samplesPerPixel(resultLayout_));
@@ -254,7 +257,7 @@ KrnStatus runRectangles(const RectangleCall &call, const Loop &loop)
 {
     const bool planes = call.images.inPlanes();
     const bool oneOfPixels = !planes && channelsToProcess(call.images.destination()) == 1;
-    if (oneOfPixels || loop.scratchBytes || call.images.masked())
+    if (oneOfPixels || call.byChannel || loop.scratchBytes || call.images.masked())
         return runThroughScratch(call, loop, planes);
     return runStraight(call, loop, planes);
 }

@@ -16,6 +16,8 @@ struct RectangleCall {
     // The loop reads where it likes: sources are neither gathered nor cut into strips. They start at their rectangle,
     // one channel of interleaved pixels at its first sample. Work::rowsAbove tells the rows of a strip.
     bool freeSources = false;
+    // The loop takes one channel at a time, of interleaved pixels too.
+    bool byChannel = false;
     // Where a straight call has one raster for the first source and the destination, the loop is given the
     // destination's rectangle as that source.
     bool inPlaceIfShared = false;

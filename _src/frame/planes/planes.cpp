@@ -11,6 +11,7 @@ OrvStatus runPlanes(const PlanesCall &call, const Loop &loop)
                                    .size = call.size,
                                    .sourceSizes = call.sourceSizes,
                                    .whole = true,
+                                   .byChannel = call.byChannel,
                                    .inPlaceIfShared = call.inPlaceIfShared},
                                   loop));
 }

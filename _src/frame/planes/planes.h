@@ -14,6 +14,8 @@ struct PlanesCall {
     // Where a call without masks has one raster for both images, the source is the destination's rectangle, wherever
     // that of the source may lie.
     bool inPlaceIfShared = false;
+    // The loop takes one channel at a time: it runs once for each channel of interleaved pixels, however many.
+    bool byChannel = false;
 };
 
 // Runs the loop once for each plane, or once for all interleaved pixels. Under a mask, and for one channel of

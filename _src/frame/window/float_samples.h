@@ -6,6 +6,7 @@
 
 #include "area.h"
 #include "cache_sizes.h"
+#include "float_conversions.h"
 #include "loop.h"
 #include "raster.h"
 #include "scratch.h"
@@ -52,8 +53,5 @@ private:
 // Others are converted into rows that are taken from the front of the scratch.
 KrnStatus withMarginsAsFloats(const Work &work, std::int32_t depth, std::uint8_t *&scratch, ConstRaster &floats);
 std::int64_t withMarginsAsFloatsBytes(const Work &work, std::int32_t depth);
-
-// To pixels of the depth, rounded to nearest with ties to even.
-KrnStatus fromFloats(ConstRaster floats, Layout layout, std::int32_t depth, Raster destination, Size size);
 
 } // namespace orv

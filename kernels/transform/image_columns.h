@@ -1,0 +1,171 @@
+// Columns of a packed image as batches: columns in pairs are the real and the imaginary parts of a lane. To be included
+// inside the unnamed namespace of a region, after passes.h. The includer has batch.h.
+
+// Members of places have the names of these.
+template <class Sample> inline Sample loadSample(const void *row, std::size_t index)
+{
+    return load<Sample>(row, index);
+}
+template <class Sample> inline void storeSample(void *row, std::size_t index, Sample sample)
+{
+    store<Sample>(row, index, sample);
+}
+
+// Eight pairs of neighbouring columns, where they are in the image. The order of lanes is that of the vectors. An
+// inverse transform exchanges real and imaginary parts.
+template <bool exchanges, class Byte> struct ColumnPairs {
+    Byte *data;
+    std::size_t step;
+
+    template <class Sample> Complex<Sample> load(std::size_t row, std::size_t part) const
+    {
+        const unsigned char *const from = data + step * row + part * sizeof(Complex<Sample>);
+#if ORV_VECTOR_BYTES > 0
+        const Part<Sample> a = loadVector<Sample>(from), b = loadVector<Sample>(from, perVector<Sample>);
+        const Complex<Sample> value = {evenFloats(a, b), oddFloats(a, b)};
+#else
+        const Complex<Sample> value = {loadSample<Sample>(from, 0), loadSample<Sample>(from, 1)};
+#endif
+        return exchanges ? exchanged(value) : value;
+    }
+    template <class Sample> void store(std::size_t row, std::size_t part, const Complex<Sample> &result) const
+    {
+        Byte *const to = data + step * row + part * sizeof(Complex<Sample>);
+        const Complex<Sample> value = exchanges ? exchanged(result) : result;
+#if ORV_VECTOR_BYTES > 0
+        storeVector<Sample>(to, 0, interleaveLow<Sample>(value.re, value.im));
+        storeVector<Sample>(to, perVector<Sample>, interleaveHigh<Sample>(value.re, value.im));
+#else
+        storeSample<Sample>(to, 0, value.re);
+        storeSample<Sample>(to, 1, value.im);
+#endif
+    }
+};
+
+// Some pairs of columns, fewer than lanes or not, as a batch.
+inline void gatherPairs(ConstRaster image, std::size_t rows, std::size_t column, std::size_t pairs, bool exchanges,
+                        float *elements)
+{
+    const std::size_t re = exchanges ? batchLanes : 0, im = batchLanes - re;
+    for (std::size_t y = 0; y < rows; ++y) {
+        const unsigned char *const row = image.fromRow(static_cast<std::int64_t>(y)).data;
+        float *const element = elements + batchElement * y;
+        for (std::size_t lane = 0; lane < batchLanes; ++lane) {
+            element[re + lane] = lane < pairs ? load<float>(row, column + 2 * lane) : 0;
+            element[im + lane] = lane < pairs ? load<float>(row, column + 2 * lane + 1) : 0;
+        }
+    }
+}
+inline void scatterPairs(const float *elements, Raster image, std::size_t rows, std::size_t column, std::size_t pairs,
+                         bool exchanges)
+{
+    const std::size_t re = exchanges ? batchLanes : 0, im = batchLanes - re;
+    for (std::size_t y = 0; y < rows; ++y) {
+        unsigned char *const row = image.fromRow(static_cast<std::int64_t>(y)).data;
+        const float *const element = elements + batchElement * y;
+        for (std::size_t lane = 0; lane < pairs; ++lane) {
+            store<float>(row, column + 2 * lane, element[re + lane]);
+            store<float>(row, column + 2 * lane + 1, element[im + lane]);
+        }
+    }
+}
+
+// The two columns at the edges of an image, which are packed sequences: the first one is the real part of a lane, the
+// last one, of an even width, its imaginary part.
+struct EdgeColumns {
+    ConstRaster in;
+    Raster out;
+    std::size_t rows, last; // the place of the last column; 0 where the first one is alone
+
+    float first(std::size_t y) const { return load<float>(in.fromRow(static_cast<std::int64_t>(y)).data, 0); }
+    float second(std::size_t y) const
+    {
+        return last == 0 ? 0 : load<float>(in.fromRow(static_cast<std::int64_t>(y)).data, last);
+    }
+    void put(std::size_t y, float a, float b) const
+    {
+        unsigned char *const row = out.fromRow(static_cast<std::int64_t>(y)).data;
+        store<float>(row, 0, a);
+        if (last != 0)
+            store<float>(row, last, b);
+    }
+
+    // Numbers into a lane, of which `lane` is the real part in the first element.
+    void gather(float *lane) const
+    {
+        for (std::size_t y = 0; y < rows; ++y) {
+            lane[batchElement * y] = first(y);
+            lane[batchElement * y + batchLanes] = second(y);
+        }
+    }
+    // Their spectra, from that of both.
+    void separate(const float *lane) const
+    {
+        put(0, lane[0], lane[batchLanes]);
+        for (std::size_t k = 1; k < rows - k; ++k) {
+            const float *const a = lane + batchElement * k, *const b = lane + batchElement * (rows - k);
+            put(2 * k - 1, 0.5f * (a[0] + b[0]), 0.5f * (a[batchLanes] + b[batchLanes]));
+            put(2 * k, 0.5f * (a[batchLanes] - b[batchLanes]), 0.5f * (b[0] - a[0]));
+        }
+        if (rows % 2 == 0)
+            put(rows - 1, lane[batchElement * (rows / 2)], lane[batchElement * (rows / 2) + batchLanes]);
+    }
+    // Spectra as that of both, for an inverse transform.
+    void join(float *lane) const
+    {
+        const auto set = [=](std::size_t k, float re, float im) {
+            lane[batchElement * k] = im;
+            lane[batchElement * k + batchLanes] = re;
+        };
+        set(0, first(0), second(0));
+        for (std::size_t k = 1; k < rows - k; ++k) {
+            const float re = first(2 * k - 1), im = first(2 * k), re2 = second(2 * k - 1), im2 = second(2 * k);
+            set(k, re - im2, im + re2);
+            set(rows - k, re + im2, re2 - im);
+        }
+        if (rows % 2 == 0)
+            set(rows / 2, first(rows - 1), second(rows - 1));
+    }
+    // What comes out of that transform.
+    void scatter(const float *lane) const
+    {
+        for (std::size_t y = 0; y < rows; ++y)
+            put(y, lane[batchElement * y + batchLanes], lane[batchElement * y]);
+    }
+};
+
+// Whole batches of pairs, without a copy where the plan allows it.
+template <bool inverse>
+inline void transformPairs(const FourierPlan &plan, ConstRaster in, Raster out, std::size_t column, float *batch,
+                           float *scratch)
+{
+    const std::int64_t bytes = static_cast<std::int64_t>(sizeof(float) * column);
+    const ColumnPairs<inverse, const unsigned char> from = {in.fromByte(bytes).data, static_cast<std::size_t>(in.step)};
+    const ColumnPairs<inverse, unsigned char> to = {out.fromByte(bytes).data, static_cast<std::size_t>(out.step)};
+    if (plan.passCount == 0 || !plan.coded) {
+        gatherPairs(in, plan.length, column, batchLanes, inverse, batch);
+        scatterPairs(transformBatch(plan, batch, scratch), out, plan.length, column, batchLanes, inverse);
+    } else if (plan.passCount == 1) {
+        runCodedPass<float>(plan.passes[0], from, to);
+    } else {
+        runCodedPass<float>(plan.passes[0], from, Elements{batch});
+        const Elements last = {runPasses(plan, 1, plan.passCount - 1, batch, scratch)};
+        runCodedPass<float>(plan.passes[plan.passCount - 1], last, to);
+    }
+}
+
+// All columns of an image. The pairs that fill no batch go with the edges.
+template <bool inverse>
+inline void transformColumns(const FourierPlan &plan, ConstRaster in, Raster out, std::size_t width, float *batch,
+                             float *scratch)
+{
+    const std::size_t rows = plan.length, pairs = (width - 1) / 2, left = pairs % batchLanes, whole = pairs - left;
+    for (std::size_t pair = 0; pair < whole; pair += batchLanes)
+        transformPairs<inverse>(plan, in, out, 1 + 2 * pair, batch, scratch);
+    const EdgeColumns edges = {in, out, rows, width % 2 == 0 ? width - 1 : 0};
+    gatherPairs(in, rows, 1 + 2 * whole, left, inverse, batch);
+    inverse ? edges.join(batch + left) : edges.gather(batch + left);
+    const float *const result = transformBatch(plan, batch, scratch);
+    scatterPairs(result, out, rows, 1 + 2 * whole, left, inverse);
+    inverse ? edges.scatter(result + left) : edges.separate(result + left);
+}
