@@ -70,24 +70,24 @@ template <class Sample> float *transformByMatrix(const FourierPlan &plan, float 
     return scratch;
 }
 
-float *transformByChirp(const FourierPlan &plan, float *data, float *scratch)
+template <class Sample> float *transformByChirp(const FourierPlan &plan, float *data, float *scratch)
 {
     const FourierPlan &convolution = *plan.convolution;
-    multiply<double, false, false>(plan.length, plan.chirp, Elements{data}, Elements{data});
+    multiply<Sample, false, false>(plan.length, plan.chirp, Elements{data}, Elements{data});
     for (std::size_t i = plan.length; i < convolution.length; ++i)
         for (std::size_t part = 0; part < partCount<float>; ++part)
             Elements{data}.store(i, part, Complex<float>{});
     float *const spectrum = transformBatch(convolution, data, scratch), *const other =
                                                                             spectrum == data ? scratch : data;
-    multiply<double, false, true>(convolution.length, plan.chirpSpectrum, Elements{spectrum}, Elements{spectrum});
+    multiply<Sample, false, true>(convolution.length, plan.chirpSpectrum, Elements{spectrum}, Elements{spectrum});
     float *const result = transformBatch(convolution, spectrum, other);
-    multiply<double, true, false>(plan.length, plan.chirp, Elements{result}, Elements{result});
+    multiply<Sample, true, false>(plan.length, plan.chirp, Elements{result}, Elements{result});
     return result;
 }
 
 template <class Sample> float *transform(const FourierPlan &plan, float *data, float *scratch)
 {
-    return plan.convolution != nullptr ? transformByChirp(plan, data, scratch)
+    return plan.convolution != nullptr ? transformByChirp<Sample>(plan, data, scratch)
            : plan.columns != nullptr   ? transformByMatrix<Sample>(plan, data, scratch)
                                        : passes<Sample>(plan, 0, plan.passCount, data, scratch);
 }

@@ -28,6 +28,22 @@ namespace {
 
 #include "work.h"
 
+// Where the two columns of number k stand between the passes, counted from the first one of their batch.
+class PairPlaces {
+public:
+    explicit PairPlaces(std::size_t width) : whole_((width - 1) / 2 / batchLanes * batchLanes) {}
+
+    std::size_t re(std::size_t k) const
+    {
+        const std::size_t lane = (k - 1) % batchLanes;
+        return k > whole_ ? 2 * lane : lane;
+    }
+    std::size_t im(std::size_t k) const { return re(k) + (k > whole_ ? 1 : batchLanes); }
+
+private:
+    std::size_t whole_; // pairs that fill batches
+};
+
 // The spectra of both halves of a batch from that of the rows together, packed and twice as large: numbers from both
 // ends of the row are conjugate to each other in the one, and opposite to that in the other.
 void separateRows(const float *spectrum, std::size_t width, const RowsOfBatch &to, float scale)
@@ -43,12 +59,14 @@ void separateRows(const float *spectrum, std::size_t width, const RowsOfBatch &t
     };
     twice(0, 0);
     std::size_t column = 0, place = 1;
+    const PairPlaces places(width);
     for (std::size_t k = 1; k < width - k; ++k) {
+        const std::size_t re = 1 + places.re(k), im = 1 + places.im(k);
         ORV_INDEPENDENT
         for (std::size_t part = 0; part < partCount<float>; ++part) {
             const Complex<float> a = in.load<float>(k, part), b = in.load<float>(width - k, part);
-            out.store(place, part, sum(a, b));
-            out.store(place + 1, part, Complex<float>{a.im - b.im, b.re - a.re});
+            out.store(re, part, sum(a, b));
+            out.store(im, part, Complex<float>{a.im - b.im, b.re - a.re});
         }
         place += 2;
         if (place <= lineColumns)
@@ -76,14 +94,16 @@ void joinRows(const RowsOfBatch &from, std::size_t width, float *spectrum)
     };
     loadColumns(from, 0, 1, columns);
     single(0, 0);
+    const PairPlaces places(width);
     for (std::size_t k = 1; k < width - k;) {
         const std::size_t column = 2 * k - 1, left = width - column;
         const std::size_t some = left < lineColumns ? left : lineColumns;
         loadColumns(from, column, some, columns);
         for (std::size_t place = 0; place + 1 < some; place += 2, ++k) {
+            const std::size_t re = places.re(k), im = places.im(k);
             ORV_INDEPENDENT
             for (std::size_t part = 0; part < partCount<float>; ++part) {
-                const Complex<float> a = in.load<float>(place, part), b = in.load<float>(place + 1, part);
+                const Complex<float> a = in.load<float>(re, part), b = in.load<float>(im, part);
                 out.store(k, part, Complex<float>{b.re + a.im, a.re - b.im});
                 out.store(width - k, part, Complex<float>{a.im - b.re, a.re + b.im});
             }
@@ -126,6 +146,21 @@ struct SourcePart {
     std::size_t width, height;
 };
 
+// The spectrum of rows, of which `some` columns are given and the rest is zero.
+const float *transformRowsOf(const FourierPlan &plan, const RowsOfBatch &rows, std::size_t some,
+                             const ImageWork &buffers)
+{
+    if (some == plan.length && plan.coded && plan.passCount > 1) {
+        const FourierPass &pass = plan.passes[0];
+        withRadix(pass.radix, [&](auto radix) { runRowsPass<decltype(radix)::value>(pass, rows, buffers.batch); });
+        return runPasses(plan, 1, plan.passCount, buffers.batch, buffers.scratch);
+    }
+    loadColumns(rows, 0, some, buffers.batch);
+    for (std::size_t i = batchElement * some; i < batchElement * plan.length; ++i)
+        buffers.batch[i] = 0;
+    return transformBatch(plan, buffers.batch, buffers.scratch);
+}
+
 void transformRows(const ImagePlan &plan, const SourcePart &source, Raster out, float *work)
 {
     const std::size_t width = plan.row.length, height = static_cast<std::size_t>(plan.height);
@@ -134,11 +169,9 @@ void transformRows(const ImagePlan &plan, const SourcePart &source, Raster out, 
         if (y + batchRows > source.height)
             for (std::size_t x = 0; x < width; ++x)
                 buffers.spare[x] = 0;
-        loadColumns(rowsFrom(readable(source.raster), y, source.height, buffers.spare), 0, source.width, buffers.batch);
-        for (std::size_t i = batchElement * source.width; i < batchElement * width; ++i)
-            buffers.batch[i] = 0;
-        const float *const spectrum = transformBatch(plan.row, buffers.batch, buffers.scratch);
-        separateRows(spectrum, width, rowsFrom(out, y, source.height, buffers.spare), plan.forwardScale);
+        const RowsOfBatch rows = rowsFrom(readable(source.raster), y, source.height, buffers.spare);
+        separateRows(transformRowsOf(plan.row, rows, source.width, buffers), width,
+                     rowsFrom(out, y, source.height, buffers.spare), plan.forwardScale);
     }
     for (std::size_t y = source.height; y < height; ++y)
         for (std::size_t x = 0; x < width; ++x)

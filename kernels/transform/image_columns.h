@@ -1,71 +1,103 @@
 // Columns of a packed image as batches: columns in pairs are the real and the imaginary parts of a lane. To be included
 // inside the unnamed namespace of a region, after passes.h. The includer has batch.h.
 
-// Members of places have the names of these.
-template <class Sample> inline Sample loadSample(const void *row, std::size_t index)
-{
-    return load<Sample>(row, index);
-}
-template <class Sample> inline void storeSample(void *row, std::size_t index, Sample sample)
-{
-    store<Sample>(row, index, sample);
-}
-
 // Eight pairs of neighbouring columns, where they are in the image. The order of lanes is that of the vectors. An
 // inverse transform exchanges real and imaginary parts.
 template <bool exchanges, class Byte> struct ColumnPairs {
+    static constexpr bool isScattered = true;
+
     Byte *data;
     std::size_t step;
 
-    template <class Sample> Complex<Sample> load(std::size_t row, std::size_t part) const
+    Byte *address(std::size_t row) const { return data + step * row; }
+    std::size_t stride() const { return step; }
+
+    template <class Sample> static Complex<Sample> loadAt(const unsigned char *from, std::size_t part)
     {
-        const unsigned char *const from = data + step * row + part * sizeof(Complex<Sample>);
+        from += part * sizeof(Complex<Sample>);
 #if ORV_VECTOR_BYTES > 0
         const Part<Sample> a = loadVector<Sample>(from), b = loadVector<Sample>(from, perVector<Sample>);
-        const Complex<Sample> value = {evenFloats(a, b), oddFloats(a, b)};
+        const Complex<Sample> value = {inOrderOfPairs(evenFloats(a, b)), inOrderOfPairs(oddFloats(a, b))};
 #else
-        const Complex<Sample> value = {loadSample<Sample>(from, 0), loadSample<Sample>(from, 1)};
+        const Complex<Sample> value = {load<Sample>(from, 0), load<Sample>(from, 1)};
 #endif
         return exchanges ? exchanged(value) : value;
     }
-    template <class Sample> void store(std::size_t row, std::size_t part, const Complex<Sample> &result) const
+    template <class Sample> static void storeAt(unsigned char *to, std::size_t part, const Complex<Sample> &result)
     {
-        Byte *const to = data + step * row + part * sizeof(Complex<Sample>);
+        to += part * sizeof(Complex<Sample>);
         const Complex<Sample> value = exchanges ? exchanged(result) : result;
 #if ORV_VECTOR_BYTES > 0
-        storeVector<Sample>(to, 0, interleaveLow<Sample>(value.re, value.im));
-        storeVector<Sample>(to, perVector<Sample>, interleaveHigh<Sample>(value.re, value.im));
+        storeHalvesInOrder<Sample>(to, 0, interleaveLow<Sample>(value.re, value.im),
+                                   interleaveHigh<Sample>(value.re, value.im));
 #else
-        storeSample<Sample>(to, 0, value.re);
-        storeSample<Sample>(to, 1, value.im);
+        store<Sample>(to, 0, value.re);
+        store<Sample>(to, 1, value.im);
+#endif
+    }
+};
+
+// Between the passes of rows and those of columns, a batch of pairs stands in the image as an element does: eight real
+// parts, then their imaginary parts.
+template <bool exchanges, class Byte> struct SplitPairs {
+    static constexpr bool isScattered = true;
+
+    Byte *data;
+    std::size_t step;
+
+    Byte *address(std::size_t row) const { return data + step * row; }
+    std::size_t stride() const { return step; }
+
+    template <class Sample> static Complex<Sample> loadAt(const unsigned char *from, std::size_t part)
+    {
+        from += part * sizeof(Part<Sample>);
+#if ORV_VECTOR_BYTES > 0
+        const Complex<Sample> value = {loadVector<Sample>(from), loadVector<Sample>(from, batchLanes)};
+#else
+        const Complex<Sample> value = {load<Sample>(from, 0), load<Sample>(from, batchLanes)};
+#endif
+        return exchanges ? exchanged(value) : value;
+    }
+    template <class Sample> static void storeAt(unsigned char *to, std::size_t part, const Complex<Sample> &result)
+    {
+        to += part * sizeof(Part<Sample>);
+        const Complex<Sample> value = exchanges ? exchanged(result) : result;
+#if ORV_VECTOR_BYTES > 0
+        storeVector<Sample>(to, 0, value.re);
+        storeVector<Sample>(to, batchLanes, value.im);
+#else
+        store<Sample>(to, 0, value.re);
+        store<Sample>(to, batchLanes, value.im);
 #endif
     }
 };
 
 // Some pairs of columns, fewer than lanes or not, as a batch.
-inline void gatherPairs(ConstRaster image, std::size_t rows, std::size_t column, std::size_t pairs, bool exchanges,
-                        float *elements)
+inline void gatherPairs(ConstRaster image, std::size_t rows, std::size_t column, std::size_t pairs, bool split,
+                        bool exchanges, float *elements)
 {
     const std::size_t re = exchanges ? batchLanes : 0, im = batchLanes - re;
     for (std::size_t y = 0; y < rows; ++y) {
         const unsigned char *const row = image.fromRow(static_cast<std::int64_t>(y)).data;
         float *const element = elements + batchElement * y;
         for (std::size_t lane = 0; lane < batchLanes; ++lane) {
-            element[re + lane] = lane < pairs ? load<float>(row, column + 2 * lane) : 0;
-            element[im + lane] = lane < pairs ? load<float>(row, column + 2 * lane + 1) : 0;
+            const std::size_t place = column + (split ? lane : 2 * lane);
+            element[re + lane] = lane < pairs ? load<float>(row, place) : 0;
+            element[im + lane] = lane < pairs ? load<float>(row, place + (split ? batchLanes : 1)) : 0;
         }
     }
 }
 inline void scatterPairs(const float *elements, Raster image, std::size_t rows, std::size_t column, std::size_t pairs,
-                         bool exchanges)
+                         bool split, bool exchanges)
 {
     const std::size_t re = exchanges ? batchLanes : 0, im = batchLanes - re;
     for (std::size_t y = 0; y < rows; ++y) {
         unsigned char *const row = image.fromRow(static_cast<std::int64_t>(y)).data;
         const float *const element = elements + batchElement * y;
         for (std::size_t lane = 0; lane < pairs; ++lane) {
-            store<float>(row, column + 2 * lane, element[re + lane]);
-            store<float>(row, column + 2 * lane + 1, element[im + lane]);
+            const std::size_t place = column + (split ? lane : 2 * lane);
+            store<float>(row, place, element[re + lane]);
+            store<float>(row, place + (split ? batchLanes : 1), element[im + lane]);
         }
     }
 }
@@ -134,19 +166,20 @@ struct EdgeColumns {
     }
 };
 
-// Whole batches of pairs, without a copy where the plan allows it.
+// Whole batches of pairs, without a copy where the plan has a first and a last pass.
 template <bool inverse>
 inline void transformPairs(const FourierPlan &plan, ConstRaster in, Raster out, std::size_t column, float *batch,
                            float *scratch)
 {
     const std::int64_t bytes = static_cast<std::int64_t>(sizeof(float) * column);
-    const ColumnPairs<inverse, const unsigned char> from = {in.fromByte(bytes).data, static_cast<std::size_t>(in.step)};
-    const ColumnPairs<inverse, unsigned char> to = {out.fromByte(bytes).data, static_cast<std::size_t>(out.step)};
-    if (plan.passCount == 0 || !plan.coded) {
-        gatherPairs(in, plan.length, column, batchLanes, inverse, batch);
-        scatterPairs(transformBatch(plan, batch, scratch), out, plan.length, column, batchLanes, inverse);
-    } else if (plan.passCount == 1) {
-        runCodedPass<float>(plan.passes[0], from, to);
+    const std::size_t inStep = static_cast<std::size_t>(in.step), outStep = static_cast<std::size_t>(out.step);
+    const std::conditional_t<inverse, ColumnPairs<true, const unsigned char>, SplitPairs<false, const unsigned char>>
+        from = {in.fromByte(bytes).data, inStep};
+    const std::conditional_t<inverse, SplitPairs<true, unsigned char>, ColumnPairs<false, unsigned char>> to = {
+        out.fromByte(bytes).data, outStep};
+    if (plan.passCount < 2 || !plan.coded) {
+        gatherPairs(in, plan.length, column, batchLanes, !inverse, inverse, batch);
+        scatterPairs(transformBatch(plan, batch, scratch), out, plan.length, column, batchLanes, inverse, inverse);
     } else {
         runCodedPass<float>(plan.passes[0], from, Elements{batch});
         const Elements last = {runPasses(plan, 1, plan.passCount - 1, batch, scratch)};
@@ -163,9 +196,9 @@ inline void transformColumns(const FourierPlan &plan, ConstRaster in, Raster out
     for (std::size_t pair = 0; pair < whole; pair += batchLanes)
         transformPairs<inverse>(plan, in, out, 1 + 2 * pair, batch, scratch);
     const EdgeColumns edges = {in, out, rows, width % 2 == 0 ? width - 1 : 0};
-    gatherPairs(in, rows, 1 + 2 * whole, left, inverse, batch);
+    gatherPairs(in, rows, 1 + 2 * whole, left, false, inverse, batch);
     inverse ? edges.join(batch + left) : edges.gather(batch + left);
     const float *const result = transformBatch(plan, batch, scratch);
-    scatterPairs(result, out, rows, 1 + 2 * whole, left, inverse);
+    scatterPairs(result, out, rows, 1 + 2 * whole, left, false, inverse);
     inverse ? edges.scatter(result + left) : edges.separate(result + left);
 }

@@ -73,3 +73,23 @@ inline void storeColumns(const float *elements, const RowsOfBatch &to, std::size
         for (std::size_t row = 0; row < batchRows; ++row)
             store<float>(to.rows[row], column + i, scale * elements[batchElement * i + row]);
 }
+
+// The first pass of a batch, from the rows themselves.
+template <std::size_t radix>
+[[gnu::noinline]] void runRowsPass(const FourierPass &pass, const RowsOfBatch &from, float *elements)
+{
+    alignas(32) float blocks[radix][batchElement * lineColumns];
+    const float *twiddles = pass.twiddles;
+    const std::size_t groups = pass.groups;
+    for (std::size_t p = 0; p < groups; p += lineColumns) {
+        const std::size_t some = groups - p < lineColumns ? groups - p : lineColumns;
+        for (std::size_t j = 0; j < radix; ++j)
+            loadColumns(from, p + j * groups, some, blocks[j]);
+        for (std::size_t i = 0; i < some; ++i) {
+            runButterfly<float, radix, true, ConstElements, Elements>(
+                twiddles, &blocks[0][batchElement * i], batchElement * lineColumns, elements, batchElement);
+            twiddles += 2 * (radix - 1);
+            elements += batchElement * radix;
+        }
+    }
+}

@@ -1,7 +1,9 @@
 // Passes over batches. To be included inside the unnamed namespace of a region, after butterflies.h.
 //
-// A pass reads elements from a place and writes them to another, part by part: in.load<Sample>(index, part) and
-// out.store(index, part, value). Places other than buffers spare the first and the last pass a copy.
+// A pass reads elements from a place and writes them to another, part by part. A place knows the address of an element,
+// address(index); how far elements are apart, stride(); how a part is loaded from and stored to an address; and whether
+// elements are so far apart that no cache foresees them. Places other than buffers spare the first and the last pass a
+// copy.
 
 // The numbers of a part, which buffers hold as floats.
 template <class Sample> inline Part<Sample> loadPart(const float *from)
@@ -10,7 +12,7 @@ template <class Sample> inline Part<Sample> loadPart(const float *from)
     if constexpr (sizeof(Sample) == sizeof(double))
         return loadDoubles(from, 0);
     else
-        return loadVector<Sample>(from);
+        return loadVector<Sample>(__builtin_assume_aligned(from, sizeof(Vector<Sample>)));
 #else
     return *from;
 #endif
@@ -21,61 +23,91 @@ template <class Sample> inline void storePart(float *to, Part<Sample> value)
     if constexpr (sizeof(Sample) == sizeof(double))
         storeAsFloats(to, 0, value);
     else
-        storeVector<Sample>(to, 0, value);
+        storeVector<Sample>(__builtin_assume_aligned(to, sizeof(Vector<Sample>)), 0, value);
 #else
     *to = static_cast<float>(value);
 #endif
 }
 
-// Elements in a buffer, `stride` elements apart.
+// Elements in a buffer, so many elements apart.
 template <class Float> struct ElementsOf {
-    Float *data;
-    std::size_t stride = 1;
+    static constexpr bool isScattered = false;
 
-    template <class Sample> Float *at(std::size_t index, std::size_t part) const
+    Float *data;
+    std::size_t apart = 1;
+
+    Float *address(std::size_t index) const { return data + stride() * index; }
+    std::size_t stride() const { return batchElement * apart; }
+
+    template <class Sample> static Complex<Sample> loadAt(const float *from, std::size_t part)
     {
-        return data + batchElement * stride * index + partLanes<Sample> * part;
+        from += partLanes<Sample> * part;
+        return {loadPart<Sample>(from), loadPart<Sample>(from + batchLanes)};
+    }
+    template <class Sample> static void storeAt(float *to, std::size_t part, const Complex<Sample> &value)
+    {
+        to += partLanes<Sample> * part;
+        storePart<Sample>(to, value.re);
+        storePart<Sample>(to + batchLanes, value.im);
     }
     template <class Sample> Complex<Sample> load(std::size_t index, std::size_t part) const
     {
-        const float *const from = at<Sample>(index, part);
-        return {loadPart<Sample>(from), loadPart<Sample>(from + batchLanes)};
+        return loadAt<Sample>(address(index), part);
     }
     template <class Sample> void store(std::size_t index, std::size_t part, const Complex<Sample> &value) const
     {
-        float *const to = at<Sample>(index, part);
-        storePart<Sample>(to, value.re);
-        storePart<Sample>(to + batchLanes, value.im);
+        storeAt(address(index), part, value);
     }
 };
 using Elements = ElementsOf<float>;
 using ConstElements = ElementsOf<const float>;
 
-// The butterflies of one group from its element `q` on. The first group has no twiddles.
+// Asks for the elements of a butterfly soon to come.
+template <std::size_t radix, class Place> inline void prefetch(auto *from, std::size_t stride, std::size_t next)
+{
+    constexpr std::size_t ahead = 4;
+    if constexpr (Place::isScattered)
+        for (std::size_t j = 0; j < radix; ++j)
+            __builtin_prefetch(from + j * stride + ahead * next, 0, 2);
+}
+
+// The butterfly of the elements from `from` on, whose results stand from `to` on. The first group has no twiddles.
 template <class Sample, std::size_t radix, bool turns, class In, class Out>
-inline void runButterfly(const FourierPass &pass, const float *twiddles, std::size_t p, std::size_t q, In in, Out out)
+inline void runButterfly(const float *twiddles, auto *from, std::size_t inStride, auto *to, std::size_t outStride)
 {
     ORV_INDEPENDENT
     for (std::size_t part = 0; part < partCount<Sample>; ++part) {
         Complex<Sample> x[radix];
         for (std::size_t j = 0; j < radix; ++j)
-            x[j] = in.template load<Sample>(q + pass.span * (p + j * pass.groups), part);
+            x[j] = In::template loadAt<Sample>(from + j * inStride, part);
         Butterfly<radix>::run(x);
-        out.store(q + pass.span * radix * p, part, x[0]);
+        Out::storeAt(to, part, x[0]);
         for (std::size_t k = 1; k < radix; ++k)
-            out.store(q + pass.span * (radix * p + k), part,
-                      turns ? product(x[k], numberAt<Sample>(twiddles, k - 1)) : x[k]);
+            Out::storeAt(to + k * outStride, part, turns ? product(x[k], numberAt<Sample>(twiddles, k - 1)) : x[k]);
     }
 }
 
 template <class Sample, std::size_t radix, class In, class Out>
 [[gnu::noinline]] void runPassOf(const FourierPass &pass, In in, Out out)
 {
-    for (std::size_t q = 0; q < pass.span; ++q)
-        runButterfly<Sample, radix, false>(pass, nullptr, 0, q, in, out);
-    for (std::size_t p = 1; p < pass.groups; ++p)
-        for (std::size_t q = 0; q < pass.span; ++q)
-            runButterfly<Sample, radix, true>(pass, pass.twiddles + 2 * (radix - 1) * p, p, q, in, out);
+    // Copies, since results might be stored over the plan for all that a compiler knows.
+    const std::size_t span = pass.span, groups = pass.groups;
+    const std::size_t inStride = span * groups * in.stride(), outStride = span * out.stride();
+    const float *twiddles = pass.twiddles;
+    auto *from = in.address(0);
+    auto *to = out.address(0);
+    for (std::size_t q = 0; q < span; ++q, from += in.stride(), to += out.stride()) {
+        prefetch<radix, Out>(to, outStride, out.stride());
+        runButterfly<Sample, radix, false, In, Out>(nullptr, from, inStride, to, outStride);
+    }
+    for (std::size_t p = 1; p < groups; ++p) {
+        twiddles += 2 * (radix - 1);
+        to += (radix - 1) * outStride;
+        for (std::size_t q = 0; q < span; ++q, from += in.stride(), to += out.stride()) {
+            prefetch<radix, In>(from, inStride, in.stride());
+            runButterfly<Sample, radix, true, In, Out>(twiddles, from, inStride, to, outStride);
+        }
+    }
 }
 
 // An odd radix without code of its own, whose long sums are of doubles.
@@ -122,35 +154,40 @@ template <class In, class Out> [[gnu::noinline]] void runLongPass(const FourierP
                 runLongButterfly(pass, p, q, part, in, out);
 }
 
-// False where the radix has no code of its own.
-template <class Sample, class In, class Out> inline bool runCodedPass(const FourierPass &pass, In in, Out out)
+// Calls run() with the radix as a type. False where the radix has no code of its own.
+template <class Run> inline bool withRadix(std::int32_t radix, Run run)
 {
-    switch (pass.radix) {
+    switch (radix) {
     case 2:
-        runPassOf<Sample, 2>(pass, in, out);
+        run(std::integral_constant<std::size_t, 2>());
         return true;
     case 3:
-        runPassOf<Sample, 3>(pass, in, out);
+        run(std::integral_constant<std::size_t, 3>());
         return true;
     case 4:
-        runPassOf<Sample, 4>(pass, in, out);
+        run(std::integral_constant<std::size_t, 4>());
         return true;
     case 5:
-        runPassOf<Sample, 5>(pass, in, out);
+        run(std::integral_constant<std::size_t, 5>());
         return true;
     case 7:
-        runPassOf<Sample, 7>(pass, in, out);
+        run(std::integral_constant<std::size_t, 7>());
         return true;
     case 8:
-        runPassOf<Sample, 8>(pass, in, out);
+        run(std::integral_constant<std::size_t, 8>());
         return true;
     case 11:
-        runPassOf<Sample, 11>(pass, in, out);
+        run(std::integral_constant<std::size_t, 11>());
         return true;
     case 13:
-        runPassOf<Sample, 13>(pass, in, out);
+        run(std::integral_constant<std::size_t, 13>());
         return true;
     default:
         return false;
     }
+}
+
+template <class Sample, class In, class Out> inline bool runCodedPass(const FourierPass &pass, In in, Out out)
+{
+    return withRadix(pass.radix, [&](auto radix) { runPassOf<Sample, decltype(radix)::value>(pass, in, out); });
 }

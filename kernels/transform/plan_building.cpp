@@ -72,7 +72,8 @@ KrnStatus buildPasses(FourierPlan &plan, const std::int32_t *radices, const Root
         plan.passes[i] = {radix, static_cast<std::size_t>(span), static_cast<std::size_t>(groups), twiddles, own};
         span *= radix;
     }
-    plan.batchRoom = plan.scratchRoom = plan.length;
+    plan.scratchRoom = plan.length;
+    plan.batchRoom = plan.length + 8;
     return KRN_OK;
 }
 
@@ -157,11 +158,14 @@ KrnStatus buildConvolution(FourierPlan &plan, PlanBlocks &blocks)
     FourierPlan *const convolution = allocateBehind<FourierPlan>(blocks, 1);
     if (convolution == nullptr)
         return KRN_NO_MEMORY;
-    if (const KrnStatus status = buildFourierPlan(*convolution, padded, true, blocks); status != KRN_OK)
+    if (const KrnStatus status =
+            buildFourierPlan(*convolution, padded, plan.precise || padded > longestInFloats, blocks);
+        status != KRN_OK)
         return status;
     plan.convolution = convolution;
-    plan.batchRoom = convolution->batchRoom;
-    plan.scratchRoom = convolution->scratchRoom;
+    // Its two transforms go from either place to the other.
+    const std::size_t batch = convolution->batchRoom, scratch = convolution->scratchRoom;
+    plan.batchRoom = plan.scratchRoom = batch > scratch ? batch : scratch;
     return buildChirp(length, padded, plan.chirp, plan.chirpSpectrum, blocks);
 }
 
@@ -211,7 +215,7 @@ KrnStatus buildSequence(SequencePlan &plan, bool isReal)
     constexpr std::int64_t lanes = batchLanes;
     const bool byHalf = isReal && plan.length % 2 == 0;
     const std::int64_t length = byHalf ? plan.length / 2 : plan.length;
-    const bool byChirp = length % lanes != 0 && needsChirp(length);
+    const bool needsOne = needsChirp(length), byChirp = needsOne && length % lanes != 0;
     const std::int64_t lineLength = byChirp ? convolutionLength(length) : length;
     if (passesAllWork(lineLength % lanes == 0 ? lineLength / lanes : lineLength))
         return KRN_NO_MEMORY;
@@ -228,7 +232,7 @@ KrnStatus buildSequence(SequencePlan &plan, bool isReal)
         if (const KrnStatus status = buildChirp(length, lineLength, plan.chirp, plan.chirpSpectrum, plan.blocks);
             status != KRN_OK)
             return status;
-    if (const KrnStatus status = buildLine(plan.line, lineLength, byChirp || lineLength > longestInFloats, plan.blocks);
+    if (const KrnStatus status = buildLine(plan.line, lineLength, needsOne || length > longestInFloats, plan.blocks);
         status != KRN_OK)
         return status;
     const std::int64_t sequenceFloats = 2 * (byChirp ? lineLength : 0) + 2 * (isReal ? length : 0);

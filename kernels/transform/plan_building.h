@@ -17,8 +17,8 @@ template <class Item> Item *allocateBehind(PlanBlocks &blocks, std::int64_t coun
 // Releases all of them.
 void releaseBlocks(PlanBlocks &blocks);
 
-// Errors grow with the length. Up to so many elements floats keep them below 6e-7 of the root mean square of a
-// spectrum; plans of longer sequences, and all chirps, are precise.
+// Errors grow with the length, and are twice as large with a chirp. Floats keep them below 6e-7 of the root mean square
+// of a spectrum for so many elements. Sequences that are longer or need a chirp have a precise plan.
 constexpr std::int64_t longestInFloats = 4096;
 
 // A plan of at least one element. A failure leaves what it allocated to releaseBlocks().

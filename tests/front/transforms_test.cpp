@@ -8,6 +8,7 @@
 #include "front/call.h"
 #include "front/measured.h"
 #include "front/memory_watch.h"
+#include "kernels.h"
 
 namespace front {
 namespace {
@@ -152,7 +153,7 @@ bool isBlock(const TestImage &image)
     return image.form.width == 8 && image.form.height == 8 && area.width == 8 && area.height == 8;
 }
 
-// The first samples of both images and the channels between, as the call takes them; none where it does nothing.
+// How many channels the call transforms.
 int channelsOf(const Transform &transform, const Call &call)
 {
     const Form &from = call.images[0]->form, &to = call.images[1]->form;
@@ -209,6 +210,27 @@ TEST(Transforms, AreNaiveSums)
     for (const Transform &transform : transforms)
         for (int round = 0; round < 120 && !testing::Test::HasFailure(); ++round)
             testValues(transform, random);
+}
+
+// Blocks inside a larger image are transformed in floats and rounded.
+TEST(Transforms, OnlyWholeBlocksAreFixedPoint)
+{
+    Random random(57);
+    int differing = 0;
+    for (int block = 0; block < 50; ++block) {
+        const std::int32_t shift = block % 2;
+        TestImage source({.depth = ORV_DEPTH_8U, .width = 8 + shift}, random), result({.depth = ORV_DEPTH_16S}, random);
+        source.setRectangle(0, shift, 0, 8, 8);
+        std::int16_t fixed[64];
+        orv::krnDct8x8Fwd8u16s(source.header.imageData + shift, source.header.widthStep, fixed, 16);
+        orvDCT2D(&source.header, &result.header, ORV_DCT_FORWARD);
+        int wrong = 0;
+        for (int i = 0; i < 64; ++i)
+            wrong += result.get(i % 8, i / 8, 0).integer() != fixed[i];
+        differing += shift == 1 && wrong > 0;
+        EXPECT_TRUE(shift == 1 || wrong == 0);
+    }
+    EXPECT_GT(differing, 0);
 }
 
 // The reports of flags on images that are served otherwise.
@@ -276,7 +298,6 @@ std::vector<Fault> faultsOf(const Transform &transform)
         faults.push_back({ORV_STATUS_BAD_ARGUMENT, "(srcRoi.height != dstRoi.height)",
                           [](OrvImage &, OrvImage &destination) { destination.height = 7; }});
     }
-    // The depth of pixels to be transformed forward, and that of spectra or coefficients in the other cases.
     faults.push_back({ORV_STATUS_NOT_IMPLEMENTED, "", [](OrvImage &source, OrvImage &destination) {
                           source.depth = ORV_DEPTH_16U;
                           destination.depth = ORV_DEPTH_16U;
