@@ -72,7 +72,8 @@ template <> struct Sums<std::uint8_t, float> {
 
     static bool hold(const RowsOfBox &box)
     {
-        return std::int64_t{box.firstWeight} + std::int64_t{box.rows} * box.weight + box.lastWeight <= mostByteWeights;
+        const std::int64_t further = box.rows == 1 ? 0 : (box.rows - std::int64_t{2}) * box.weight + box.lastWeight;
+        return box.firstWeight + further <= mostByteWeights;
     }
     void add(const unsigned char *in, U16s factors)
     {
