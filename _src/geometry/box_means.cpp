@@ -36,7 +36,7 @@ constexpr std::int32_t rowsAtOnce = 16;
 
 } // namespace
 
-// Boxes of two by two have a kernel of their own, where no channel must be gathered and none passes the end.
+// Boxes of two by two have a kernel of their own, where no channel must be gathered and no box passes the end.
 bool BoxMeans::halves() const
 {
     const auto two = [](const BoxTable &table, const ResizeAxis &axis) {

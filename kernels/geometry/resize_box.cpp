@@ -54,10 +54,10 @@ template <class Sum> struct Boxes {
 };
 
 template <class Out, class Sum>
-inline void meansOfBoxes(const Boxes<Sum> &boxes, std::size_t channels, std::size_t written, std::size_t first,
-                         std::size_t end, unsigned char *out)
+inline void meansOfBoxes(const Boxes<Sum> &boxes, std::size_t channels, std::size_t written, std::size_t count,
+                         unsigned char *out)
 {
-    for (std::size_t box = first; box < end; ++box) {
+    for (std::size_t box = 0; box < count; ++box) {
         const Sum weights = load<Sum>(boxes.totals, box) * boxes.rowWeights;
         for (std::size_t channel = 0; channel < written; ++channel)
             store(out, box * channels + channel,
@@ -273,10 +273,12 @@ bool meansByVectors(const Boxes<Sum> &boxes, std::size_t width, unsigned char *o
         return storeMeans<Out>(width, out, [&](std::size_t i) { return meansOfGroup<Out, 0>(boxes, i); });
     } else {
         // Most factors give boxes of two or three pixels.
-        if (std::is_same_v<Sum, float> && boxes.taps == 2)
-            return storePixels < Out, Sum, layout, std::is_same_v<Sum, float> ? 2 : 0 > (boxes, width, out);
-        if (std::is_same_v<Sum, float> && boxes.taps == 3)
-            return storePixels < Out, Sum, layout, std::is_same_v<Sum, float> ? 3 : 0 > (boxes, width, out);
+        if constexpr (std::is_same_v<Sum, float>) {
+            if (boxes.taps == 2)
+                return storePixels<Out, Sum, layout, 2>(boxes, width, out);
+            if (boxes.taps == 3)
+                return storePixels<Out, Sum, layout, 3>(boxes, width, out);
+        }
         return storePixels<Out, Sum, layout, 0>(boxes, width, out);
     }
 }
@@ -304,7 +306,7 @@ KrnStatus meanRow(const void *sums, void *destination, std::int32_t width, const
     if (meansByVectors<Out, Sum, layout>(boxes, count, out))
         return KRN_OK;
 #endif
-    meansOfBoxes<Out>(boxes, samplesOf(layout), layout == AC4 ? 3 : layout, 0, count, out);
+    meansOfBoxes<Out>(boxes, samplesOf(layout), layout == AC4 ? 3 : layout, count, out);
     return KRN_OK;
 }
 

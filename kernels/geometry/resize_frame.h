@@ -5,7 +5,7 @@
 //   interpolate(row, columns, buffer)   a source row along itself
 //   Weights(rows, y)                    of a row of results
 //   between(buffers, i, weights)        sample i of such a row
-// With vectors also, for all samples from i on:
+// With vectors also, where hasVectors is true, for all samples from i on:
 //   prepared(buffers, i)                what results between the same rows have in common
 //   between(prepared, vectorsOf(weights))
 //   narrowed(vectors)                   one vector of samples from those of buffers

@@ -32,25 +32,28 @@ inline void overRowsOf(const RowsOfBox &box, const Weights<Factor> &weights, Con
     term(source.data + source.step, weights.last);
 }
 
-// Samples one by one, through memory.
+// Samples one by one, through memory. Rows are added up before their sums are added to those of earlier rows: that is
+// the order of vectors.
 template <class Sample, class Sum>
-inline void sumSamples(ConstRaster source, const RowsOfBox &box, void *sums, std::size_t first, std::size_t samples,
-                       bool starts)
+inline void sumSamples(ConstRaster source, const RowsOfBox &box, void *sums, std::size_t samples, bool starts)
 {
     // Few enough to stay in the nearest cache while all rows are added.
     constexpr std::size_t most = 512;
+    Sum added[most];
     const Weights<Sum> weights = {static_cast<Sum>(box.firstWeight), static_cast<Sum>(box.weight),
                                   static_cast<Sum>(box.lastWeight)};
-    for (; first < samples; first += most) {
-        const std::size_t end = samples - first < most ? samples : first + most;
-        if (starts)
-            for (std::size_t i = first; i < end; ++i)
-                store(sums, i, Sum{0});
-        overRowsOf(box, weights, source, [=](const unsigned char *row, Sum factor) {
-            ORV_INDEPENDENT
-            for (std::size_t i = first; i < end; ++i)
-                store(sums, i, load<Sum>(sums, i) + static_cast<Sum>(load<Sample>(row, i)) * factor);
-        });
+    for (std::size_t first = 0; first < samples; first += most) {
+        const std::size_t some = samples - first < most ? samples - first : most;
+        for (std::size_t i = 0; i < some; ++i)
+            added[i] = 0;
+        overRowsOf(box, weights, source.fromByte(static_cast<std::int64_t>(first * sizeof(Sample))),
+                   [&](const unsigned char *row, Sum factor) {
+                       ORV_INDEPENDENT
+                       for (std::size_t i = 0; i < some; ++i)
+                           added[i] += static_cast<Sum>(load<Sample>(row, i)) * factor;
+                   });
+        for (std::size_t i = 0; i < some; ++i)
+            store(sums, first + i, starts ? added[i] : load<Sum>(sums, first + i) + added[i]);
     }
 }
 
@@ -69,7 +72,8 @@ template <> struct Sums<std::uint8_t, float> {
 
     static bool hold(const RowsOfBox &box)
     {
-        return std::int64_t{box.firstWeight} + std::int64_t{box.rows} * box.weight + box.lastWeight <= mostByteWeights;
+        const std::int64_t further = box.rows == 1 ? 0 : (box.rows - std::int64_t{2}) * box.weight + box.lastWeight;
+        return box.firstWeight + further <= mostByteWeights;
     }
     void add(const unsigned char *in, U16s factors)
     {
@@ -164,7 +168,7 @@ KrnStatus sumRows(const void *source, std::int32_t step, const RowsOfBox *box, v
             return KRN_OK;
         }
 #endif
-    sumSamples<Sample, Sum>(from(source, step), *box, sums, 0, count, starts);
+    sumSamples<Sample, Sum>(from(source, step), *box, sums, count, starts);
     return KRN_OK;
 }
 

@@ -41,8 +41,8 @@ struct ResizeColumns {
     const void *weights;         // as above, those of bytes as words
     const void *shuffles;        // from krnResizeShuffles
 };
-// Its rows. `buffers` hold source rows that were interpolated along themselves, a row where its number divided by the
-// number of buffers leaves a remainder; `held` are their numbers, or noRow.
+// Its rows. `buffers` hold source rows that were interpolated along themselves: row r lies in buffer r modulo their
+// number. `held` are the numbers of these rows, or noRow.
 constexpr std::int32_t mostResizeTaps = 4;
 constexpr std::int32_t noRow = INT32_MIN;
 struct ResizeRows {

@@ -334,6 +334,29 @@ TEST(ResizeRows, EveryBuildComputesTheFormula)
     EXPECT_EQ(rows, 18 + 5 + 20 + 9);
 }
 
+// Doubles do not hold sums of such floats: builds add them up in one order.
+TEST(ResizeRows, SumsOfFloatsAreTheSameInAllBuilds)
+{
+    Random random(8);
+    const auto draw = [&] { return std::ldexp(below(random, 2000) - 1000.0, below(random, 100)); };
+    for (int round = 0; round < 200; ++round) {
+        const int samples = 1 + below(random, 600);
+        const RowsOfBox box = {1 + below(random, 20), 2, 3, 1};
+        std::vector<float> in(static_cast<std::size_t>(samples * box.rows));
+        std::generate(in.begin(), in.end(), [&] { return static_cast<float>(draw()); });
+        std::vector<double> before(static_cast<std::size_t>(samples)), kept;
+        std::generate(before.begin(), before.end(), draw);
+        for (krnDispatchIndex = 0; krnDispatchIndex < carriedBuilds(); ++krnDispatchIndex) {
+            std::vector<double> sums = before;
+            ASSERT_EQ(krnSumRows32f64f(in.data(), samples * 4, &box, sums.data(), samples, round % 4 == 0), KRN_OK);
+            if (krnDispatchIndex == 0)
+                kept = sums;
+            ASSERT_EQ(sums, kept) << krnDispatchIndex;
+        }
+    }
+    krnDispatchIndex = 0;
+}
+
 // Both kinds of tables, from positions that are added up: builds agree to the last bit.
 TEST(ResizeRows, TablesAreTheSameInAllBuilds)
 {
