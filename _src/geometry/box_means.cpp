@@ -118,8 +118,9 @@ KrnStatus BoxMeans::sumRows(const Work &work, const Box &box)
             source = channel;
         }
         if (status == KRN_OK)
-            status = meansOf(call_.source.depth, floats_)
-                         .sum(source.data, source.step, &summed, sums_, pixels_ * channels_, first == box.first);
+            status =
+                meansOf(call_.source.depth, floats_)
+                    .sum(source.data, source.step, &summed, sums_, pixels_ * channels_, first == box.first ? 1 : 0);
         first = next;
     }
     return status;
