@@ -36,7 +36,7 @@ template <class Sample, bool exchangesIn, bool exchangesOut>
 void multiply(std::size_t count, const float *factors, Elements in, Elements out)
 {
     for (std::size_t i = 0; i < count; ++i) {
-        ORV_INDEPENDENT
+        ORV_PARTS
         for (std::size_t part = 0; part < partCount<Sample>; ++part) {
             const auto value = in.load<Sample>(i, part);
             const auto result = product(exchangesIn ? exchanged(value) : value, numberAt<Sample>(factors, i));

@@ -10,6 +10,13 @@ template <class Sample> using Part = Sample;
 template <class Sample> constexpr std::size_t partLanes = sizeof(Part<Sample>) / sizeof(Sample);
 template <class Sample> constexpr std::size_t partCount = batchLanes / partLanes<Sample>;
 
+// Before a loop over parts. Where these are single numbers, GCC makes vectors of what the base processor has.
+#if ORV_VECTOR_BYTES == 0 && !defined(__clang__)
+#define ORV_PARTS ORV_INDEPENDENT
+#else
+#define ORV_PARTS
+#endif
+
 template <class Sample> inline Part<Sample> allLanes(Sample value)
 {
 #if ORV_VECTOR_BYTES > 0

@@ -62,7 +62,7 @@ void separateRows(const float *spectrum, std::size_t width, const RowsOfBatch &t
     const PairPlaces places(width);
     for (std::size_t k = 1; k < width - k; ++k) {
         const std::size_t re = 1 + places.re(k), im = 1 + places.im(k);
-        ORV_INDEPENDENT
+        ORV_PARTS
         for (std::size_t part = 0; part < partCount<float>; ++part) {
             const Complex<float> a = in.load<float>(k, part), b = in.load<float>(width - k, part);
             out.store(re, part, sum(a, b));
@@ -101,7 +101,7 @@ void joinRows(const RowsOfBatch &from, std::size_t width, float *spectrum)
         loadColumns(from, column, some, columns);
         for (std::size_t place = 0; place + 1 < some; place += 2, ++k) {
             const std::size_t re = places.re(k), im = places.im(k);
-            ORV_INDEPENDENT
+            ORV_PARTS
             for (std::size_t part = 0; part < partCount<float>; ++part) {
                 const Complex<float> a = in.load<float>(re, part), b = in.load<float>(im, part);
                 out.store(k, part, Complex<float>{b.re + a.im, a.re - b.im});
@@ -125,11 +125,11 @@ RowsOfBatch rowsFrom(Raster image, std::size_t y, std::size_t height, float *spa
     return rows;
 }
 
-// The work of an image: a batch, its scratch and a row.
-struct ImageWork {
+// The work of rows: a batch, its scratch and a row.
+struct RowsWork {
     float *batch, *scratch, *spare;
 
-    ImageWork(const FourierPlan &plan, float *work)
+    RowsWork(const FourierPlan &plan, float *work)
         : batch(work), scratch(work + batchElement * plan.batchRoom), spare(scratch + batchElement * plan.scratchRoom)
     {
     }
@@ -148,7 +148,7 @@ struct SourcePart {
 
 // The spectrum of rows, of which `some` columns are given and the rest is zero.
 const float *transformRowsOf(const FourierPlan &plan, const RowsOfBatch &rows, std::size_t some,
-                             const ImageWork &buffers)
+                             const RowsWork &buffers)
 {
     if (some == plan.length && plan.coded && plan.passCount > 1) {
         const FourierPass &pass = plan.passes[0];
@@ -164,7 +164,7 @@ const float *transformRowsOf(const FourierPlan &plan, const RowsOfBatch &rows, s
 void transformRows(const ImagePlan &plan, const SourcePart &source, Raster out, float *work)
 {
     const std::size_t width = plan.row.length, height = static_cast<std::size_t>(plan.height);
-    const ImageWork buffers(plan.row, work);
+    const RowsWork buffers(plan.row, work);
     for (std::size_t y = 0; y < source.height; y += batchRows) {
         if (y + batchRows > source.height)
             for (std::size_t x = 0; x < width; ++x)
@@ -181,7 +181,7 @@ void transformRows(const ImagePlan &plan, const SourcePart &source, Raster out, 
 void transformPackedRows(const ImagePlan &plan, Raster image, float *work)
 {
     const std::size_t width = plan.row.length, height = static_cast<std::size_t>(plan.height);
-    const ImageWork buffers(plan.row, work);
+    const RowsWork buffers(plan.row, work);
     for (std::size_t y = 0; y < height; y += batchRows) {
         if (y + batchRows > height)
             for (std::size_t x = 0; x < width; ++x)
@@ -200,16 +200,14 @@ void forwardImage(const ImagePlan &plan, const SourcePart &source, Raster out, f
 {
     const SinglePrecision floats;
     transformRows(plan, source, out, work);
-    const ImageWork buffers(*plan.column, work);
-    transformColumns<false>(*plan.column, out, out, plan.row.length, buffers.batch, buffers.scratch);
+    transformColumns<false>(*plan.column, out, out, plan.row.length, plan.columnBatches, work);
 }
 
 // Columns first, into the destination.
 void inverseImage(const ImagePlan &plan, const SourcePart &source, Raster out, float *work)
 {
     const SinglePrecision floats;
-    const ImageWork buffers(*plan.column, work);
-    transformColumns<true>(*plan.column, source.raster, out, plan.row.length, buffers.batch, buffers.scratch);
+    transformColumns<true>(*plan.column, source.raster, out, plan.row.length, plan.columnBatches, work);
     transformPackedRows(plan, out, work);
 }
 

@@ -1,15 +1,15 @@
 // Columns of a packed image as batches: columns in pairs are the real and the imaginary parts of a lane. To be included
 // inside the unnamed namespace of a region, after passes.h. The includer has batch.h.
 
-// Eight pairs of neighbouring columns, where they are in the image. The order of lanes is that of the vectors. An
-// inverse transform exchanges real and imaginary parts.
+// Eight pairs of neighbouring columns, where they are in the image. An inverse transform exchanges real and imaginary
+// parts.
 template <bool exchanges, class Byte> struct ColumnPairs {
     static constexpr bool isScattered = true;
 
     Byte *data;
     std::size_t step;
 
-    Byte *address(std::size_t row) const { return data + step * row; }
+    Byte *start(std::size_t batch) const { return data + sizeof(float) * batchElement * batch; }
     std::size_t stride() const { return step; }
 
     template <class Sample> static Complex<Sample> loadAt(const unsigned char *from, std::size_t part)
@@ -45,7 +45,7 @@ template <bool exchanges, class Byte> struct SplitPairs {
     Byte *data;
     std::size_t step;
 
-    Byte *address(std::size_t row) const { return data + step * row; }
+    Byte *start(std::size_t batch) const { return data + sizeof(float) * batchElement * batch; }
     std::size_t stride() const { return step; }
 
     template <class Sample> static Complex<Sample> loadAt(const unsigned char *from, std::size_t part)
@@ -166,39 +166,73 @@ struct EdgeColumns {
     }
 };
 
-// Whole batches of pairs, without a copy where the plan has a first and a last pass.
+// Several batches in buffers of their own.
+struct Batches {
+    static constexpr bool isScattered = false;
+
+    float *buffers[mostColumnBatches];
+
+    float *start(std::size_t batch) const { return buffers[batch]; }
+    std::size_t stride() const { return batchElement; }
+
+    template <class Sample> static Complex<Sample> loadAt(const float *from, std::size_t part)
+    {
+        return Elements::loadAt<Sample>(from, part);
+    }
+    template <class Sample> static void storeAt(float *to, std::size_t part, const Complex<Sample> &value)
+    {
+        Elements::storeAt(to, part, value);
+    }
+};
+
+// Neighbouring batches of pairs, which share cache lines of the image. Without a copy where the plan has a first and a
+// last pass.
 template <bool inverse>
-inline void transformPairs(const FourierPlan &plan, ConstRaster in, Raster out, std::size_t column, float *batch,
-                           float *scratch)
+inline void transformPairs(const FourierPlan &plan, ConstRaster in, Raster out, std::size_t column, std::size_t count,
+                           float *work)
 {
+    const std::size_t bufferFloats = batchElement * plan.batchRoom;
+    if (plan.passCount < 2 || !plan.coded) {
+        for (std::size_t batch = 0; batch < count; ++batch, column += batchElement) {
+            gatherPairs(in, plan.length, column, batchLanes, !inverse, inverse, work);
+            scatterPairs(transformBatch(plan, work, work + bufferFloats), out, plan.length, column, batchLanes, inverse,
+                         inverse);
+        }
+        return;
+    }
     const std::int64_t bytes = static_cast<std::int64_t>(sizeof(float) * column);
     const std::size_t inStep = static_cast<std::size_t>(in.step), outStep = static_cast<std::size_t>(out.step);
     const std::conditional_t<inverse, ColumnPairs<true, const unsigned char>, SplitPairs<false, const unsigned char>>
         from = {in.fromByte(bytes).data, inStep};
     const std::conditional_t<inverse, SplitPairs<true, unsigned char>, ColumnPairs<false, unsigned char>> to = {
         out.fromByte(bytes).data, outStep};
-    if (plan.passCount < 2 || !plan.coded) {
-        gatherPairs(in, plan.length, column, batchLanes, !inverse, inverse, batch);
-        scatterPairs(transformBatch(plan, batch, scratch), out, plan.length, column, batchLanes, inverse, inverse);
-    } else {
-        runCodedPass<float>(plan.passes[0], from, Elements{batch});
-        const Elements last = {runPasses(plan, 1, plan.passCount - 1, batch, scratch)};
-        runCodedPass<float>(plan.passes[plan.passCount - 1], last, to);
+    Batches batches;
+    for (std::size_t batch = 0; batch < count; ++batch)
+        batches.buffers[batch] = work + bufferFloats * batch;
+    float *free = work + bufferFloats * count;
+    runCodedPass<float>(plan.passes[0], from, batches, count);
+    for (std::size_t batch = 0; batch < count; ++batch) {
+        float *const before = batches.buffers[batch];
+        batches.buffers[batch] = runPasses(plan, 1, plan.passCount - 1, before, free);
+        free = batches.buffers[batch] == free ? before : free;
     }
+    runCodedPass<float>(plan.passes[plan.passCount - 1], batches, to, count);
 }
 
 // All columns of an image. The pairs that fill no batch go with the edges.
 template <bool inverse>
-inline void transformColumns(const FourierPlan &plan, ConstRaster in, Raster out, std::size_t width, float *batch,
-                             float *scratch)
+inline void transformColumns(const FourierPlan &plan, ConstRaster in, Raster out, std::size_t width,
+                             std::size_t batches, float *work)
 {
     const std::size_t rows = plan.length, pairs = (width - 1) / 2, left = pairs % batchLanes, whole = pairs - left;
-    for (std::size_t pair = 0; pair < whole; pair += batchLanes)
-        transformPairs<inverse>(plan, in, out, 1 + 2 * pair, batch, scratch);
+    for (std::size_t pair = 0; pair < whole; pair += batches * batchLanes) {
+        const std::size_t rest = (whole - pair) / batchLanes;
+        transformPairs<inverse>(plan, in, out, 1 + 2 * pair, rest < batches ? rest : batches, work);
+    }
     const EdgeColumns edges = {in, out, rows, width % 2 == 0 ? width - 1 : 0};
-    gatherPairs(in, rows, 1 + 2 * whole, left, false, inverse, batch);
-    inverse ? edges.join(batch + left) : edges.gather(batch + left);
-    const float *const result = transformBatch(plan, batch, scratch);
+    gatherPairs(in, rows, 1 + 2 * whole, left, false, inverse, work);
+    inverse ? edges.join(work + left) : edges.gather(work + left);
+    const float *const result = transformBatch(plan, work, work + batchElement * plan.batchRoom);
     scatterPairs(result, out, rows, 1 + 2 * whole, left, false, inverse);
     inverse ? edges.scatter(result + left) : edges.separate(result + left);
 }

@@ -122,8 +122,10 @@ inline void transformLine(const LinePlan &plan, bool inverse, const unsigned cha
         const DoublePrecision doubles;
         return crossLanes<double>(plan, result, out, scale, re, im);
     }
-    if (!oneLane)
+    if (!oneLane) {
+        const SinglePrecision floats;
         return crossLanes<float>(plan, result, out, scale, re, im);
+    }
     for (std::size_t i = 0; i < count; ++i) {
         store<float>(out, 2 * i, scale * result[batchElement * i + re]);
         store<float>(out, 2 * i + 1, scale * result[batchElement * i + im]);

@@ -1,9 +1,9 @@
 // Passes over batches. To be included inside the unnamed namespace of a region, after butterflies.h.
 //
-// A pass reads elements from a place and writes them to another, part by part. A place knows the address of an element,
-// address(index); how far elements are apart, stride(); how a part is loaded from and stored to an address; and whether
-// elements are so far apart that no cache foresees them. Places other than buffers spare the first and the last pass a
-// copy.
+// A pass reads elements from a place and writes them to another, part by part. A place knows where the elements of a
+// batch start, start(batch); how far elements are apart, stride(); how a part is loaded from and stored to an address;
+// and whether elements are so far apart that no cache foresees them. Places other than buffers spare the first and the
+// last pass a copy.
 
 // The numbers of a part, which buffers hold as floats.
 template <class Sample> inline Part<Sample> loadPart(const float *from)
@@ -36,6 +36,7 @@ template <class Float> struct ElementsOf {
     Float *data;
     std::size_t apart = 1;
 
+    Float *start(std::size_t) const { return data; }
     Float *address(std::size_t index) const { return data + stride() * index; }
     std::size_t stride() const { return batchElement * apart; }
 
@@ -71,11 +72,24 @@ template <std::size_t radix, class Place> inline void prefetch(auto *from, std::
             __builtin_prefetch(from + j * stride + ahead * next, 0, 2);
 }
 
+// The twiddles of a group, which all its butterflies share.
+template <class Sample, std::size_t radix> struct Twiddles {
+    Complex<Sample> numbers[radix - 1];
+};
+template <class Sample, std::size_t radix> inline Twiddles<Sample, radix> twiddlesAt(const float *table)
+{
+    Twiddles<Sample, radix> twiddles;
+    for (std::size_t k = 0; k + 1 < radix; ++k)
+        twiddles.numbers[k] = numberAt<Sample>(table, k);
+    return twiddles;
+}
+
 // The butterfly of the elements from `from` on, whose results stand from `to` on. The first group has no twiddles.
 template <class Sample, std::size_t radix, bool turns, class In, class Out>
-inline void runButterfly(const float *twiddles, auto *from, std::size_t inStride, auto *to, std::size_t outStride)
+inline void runButterfly(const Twiddles<Sample, radix> &twiddles, auto *from, std::size_t inStride, auto *to,
+                         std::size_t outStride)
 {
-    ORV_INDEPENDENT
+    ORV_PARTS
     for (std::size_t part = 0; part < partCount<Sample>; ++part) {
         Complex<Sample> x[radix];
         for (std::size_t j = 0; j < radix; ++j)
@@ -83,30 +97,36 @@ inline void runButterfly(const float *twiddles, auto *from, std::size_t inStride
         Butterfly<radix>::run(x);
         Out::storeAt(to, part, x[0]);
         for (std::size_t k = 1; k < radix; ++k)
-            Out::storeAt(to + k * outStride, part, turns ? product(x[k], numberAt<Sample>(twiddles, k - 1)) : x[k]);
+            Out::storeAt(to + k * outStride, part, turns ? product(x[k], twiddles.numbers[k - 1]) : x[k]);
     }
 }
 
+// Batches of the same place run side by side.
 template <class Sample, std::size_t radix, class In, class Out>
-[[gnu::noinline]] void runPassOf(const FourierPass &pass, In in, Out out)
+[[gnu::noinline]] void runPassOf(const FourierPass &pass, In in, Out out, std::size_t batches = 1)
 {
     // Copies, since results might be stored over the plan for all that a compiler knows.
     const std::size_t span = pass.span, groups = pass.groups;
     const std::size_t inStride = span * groups * in.stride(), outStride = span * out.stride();
-    const float *twiddles = pass.twiddles;
-    auto *from = in.address(0);
-    auto *to = out.address(0);
-    for (std::size_t q = 0; q < span; ++q, from += in.stride(), to += out.stride()) {
-        prefetch<radix, Out>(to, outStride, out.stride());
-        runButterfly<Sample, radix, false, In, Out>(nullptr, from, inStride, to, outStride);
-    }
-    for (std::size_t p = 1; p < groups; ++p) {
-        twiddles += 2 * (radix - 1);
-        to += (radix - 1) * outStride;
-        for (std::size_t q = 0; q < span; ++q, from += in.stride(), to += out.stride()) {
-            prefetch<radix, In>(from, inStride, in.stride());
-            runButterfly<Sample, radix, true, In, Out>(twiddles, from, inStride, to, outStride);
+    const float *table = pass.twiddles;
+    const Twiddles<Sample, radix> none = {};
+    std::size_t from = 0, to = 0;
+    for (std::size_t q = 0; q < span; ++q, from += in.stride(), to += out.stride())
+        for (std::size_t batch = 0; batch < batches; ++batch) {
+            prefetch<radix, Out>(out.start(batch) + to, outStride, out.stride());
+            runButterfly<Sample, radix, false, In, Out>(none, in.start(batch) + from, inStride, out.start(batch) + to,
+                                                        outStride);
         }
+    for (std::size_t p = 1; p < groups; ++p) {
+        table += 2 * (radix - 1);
+        const Twiddles<Sample, radix> twiddles = twiddlesAt<Sample, radix>(table);
+        to += (radix - 1) * outStride;
+        for (std::size_t q = 0; q < span; ++q, from += in.stride(), to += out.stride())
+            for (std::size_t batch = 0; batch < batches; ++batch) {
+                prefetch<radix, In>(in.start(batch) + from, inStride, in.stride());
+                runButterfly<Sample, radix, true, In, Out>(twiddles, in.start(batch) + from, inStride,
+                                                           out.start(batch) + to, outStride);
+            }
     }
 }
 
@@ -187,7 +207,9 @@ template <class Run> inline bool withRadix(std::int32_t radix, Run run)
     }
 }
 
-template <class Sample, class In, class Out> inline bool runCodedPass(const FourierPass &pass, In in, Out out)
+template <class Sample, class In, class Out>
+inline bool runCodedPass(const FourierPass &pass, In in, Out out, std::size_t batches = 1)
 {
-    return withRadix(pass.radix, [&](auto radix) { runPassOf<Sample, decltype(radix)::value>(pass, in, out); });
+    return withRadix(pass.radix,
+                     [&](auto radix) { runPassOf<Sample, decltype(radix)::value>(pass, in, out, batches); });
 }

@@ -1,5 +1,6 @@
 #include "plan_building.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 
@@ -158,9 +159,7 @@ KrnStatus buildConvolution(FourierPlan &plan, PlanBlocks &blocks)
     FourierPlan *const convolution = allocateBehind<FourierPlan>(blocks, 1);
     if (convolution == nullptr)
         return KRN_NO_MEMORY;
-    if (const KrnStatus status =
-            buildFourierPlan(*convolution, padded, plan.precise || padded > longestInFloats, blocks);
-        status != KRN_OK)
+    if (const KrnStatus status = buildFourierPlan(*convolution, padded, plan.precise, blocks); status != KRN_OK)
         return status;
     plan.convolution = convolution;
     // Its two transforms go from either place to the other.
@@ -239,6 +238,13 @@ KrnStatus buildSequence(SequencePlan &plan, bool isReal)
     return setWorkSize(plan.workSize, workBytes(plan.line.core) + floatBytes * sequenceFloats) ? KRN_OK : KRN_NO_MEMORY;
 }
 
+// Neighbouring batches share cache lines and pages of the image. Short columns need no such help: one batch after the
+// other stays in the nearest cache.
+std::size_t columnBatchesOf(std::int64_t height)
+{
+    return height > 700 ? mostColumnBatches : height > 350 ? mostColumnBatches / 2 : 1;
+}
+
 // The plan of rows and that of columns, which are one where both are as long.
 KrnStatus buildAxes(ImagePlan &plan)
 {
@@ -255,8 +261,11 @@ KrnStatus buildAxes(ImagePlan &plan)
         if (const KrnStatus status = buildFourierPlan(*column, plan.height, false, plan.blocks); status != KRN_OK)
             return status;
     }
+    plan.columnBatches = columnBatchesOf(plan.height);
+    const std::int64_t ofBatches =
+        elementBytes * static_cast<std::int64_t>((plan.columnBatches + 1) * plan.column->batchRoom);
     const std::int64_t ofRow = workBytes(plan.row) + floatBytes * plan.width, ofColumn = workBytes(*plan.column);
-    return setWorkSize(plan.workSize, ofRow > ofColumn ? ofRow : ofColumn) ? KRN_OK : KRN_NO_MEMORY;
+    return setWorkSize(plan.workSize, std::max({ofRow, ofColumn, ofBatches})) ? KRN_OK : KRN_NO_MEMORY;
 }
 
 // A column is gathered behind the work of its transform.

@@ -80,12 +80,15 @@ struct SequencePlan {
 struct OrvFftPlan : SequencePlan {};
 struct OrvDftPlan : SequencePlan {};
 
+constexpr std::size_t mostColumnBatches = 4;
+
 // A transform of a real image. Rows run in pairs, as real and imaginary parts.
 struct ImagePlan {
     std::int32_t id, width, height, workSize;
     float forwardScale, inverseScale; // of both directions
     FourierPlan row;
     const FourierPlan *column; // the row's where both are as long
+    std::size_t columnBatches; // that run side by side
     OrvDftPlan line;           // of an image of one row or of one column, which uses nothing else
     PlanBlocks blocks;
 };
