@@ -210,13 +210,13 @@ inline void transformPairs(const FourierPlan &plan, ConstRaster in, Raster out, 
     for (std::size_t batch = 0; batch < count; ++batch)
         batches.buffers[batch] = work + bufferFloats * batch;
     float *free = work + bufferFloats * count;
-    runCodedPass<float>(plan.passes[0], from, batches, count);
+    runCodedPasses<float>(plan.passes[0], from, batches, count);
     for (std::size_t batch = 0; batch < count; ++batch) {
         float *const before = batches.buffers[batch];
         batches.buffers[batch] = runPasses(plan, 1, plan.passCount - 1, before, free);
         free = batches.buffers[batch] == free ? before : free;
     }
-    runCodedPass<float>(plan.passes[plan.passCount - 1], batches, to, count);
+    runCodedPasses<float>(plan.passes[plan.passCount - 1], batches, to, count);
 }
 
 // All columns of an image. The pairs that fill no batch go with the edges.

@@ -79,7 +79,7 @@ template <std::size_t radix>
 [[gnu::noinline]] void runRowsPass(const FourierPass &pass, const RowsOfBatch &from, float *elements)
 {
     alignas(32) float blocks[radix][batchElement * lineColumns];
-    const float *table = pass.twiddles;
+    const float *twiddles = pass.twiddles;
     const std::size_t groups = pass.groups;
     for (std::size_t p = 0; p < groups; p += lineColumns) {
         const std::size_t some = groups - p < lineColumns ? groups - p : lineColumns;
@@ -87,9 +87,8 @@ template <std::size_t radix>
             loadColumns(from, p + j * groups, some, blocks[j]);
         for (std::size_t i = 0; i < some; ++i) {
             runButterfly<float, radix, true, ConstElements, Elements>(
-                twiddlesAt<float, radix>(table), &blocks[0][batchElement * i], batchElement * lineColumns, elements,
-                batchElement);
-            table += 2 * (radix - 1);
+                twiddles, &blocks[0][batchElement * i], batchElement * lineColumns, elements, batchElement);
+            twiddles += 2 * (radix - 1);
             elements += batchElement * radix;
         }
     }

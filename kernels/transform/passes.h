@@ -63,31 +63,9 @@ template <class Float> struct ElementsOf {
 using Elements = ElementsOf<float>;
 using ConstElements = ElementsOf<const float>;
 
-// Asks for the elements of a butterfly soon to come.
-template <std::size_t radix, class Place> inline void prefetch(auto *from, std::size_t stride, std::size_t next)
-{
-    constexpr std::size_t ahead = 4;
-    if constexpr (Place::isScattered)
-        for (std::size_t j = 0; j < radix; ++j)
-            __builtin_prefetch(from + j * stride + ahead * next, 0, 2);
-}
-
-// The twiddles of a group, which all its butterflies share.
-template <class Sample, std::size_t radix> struct Twiddles {
-    Complex<Sample> numbers[radix - 1];
-};
-template <class Sample, std::size_t radix> inline Twiddles<Sample, radix> twiddlesAt(const float *table)
-{
-    Twiddles<Sample, radix> twiddles;
-    for (std::size_t k = 0; k + 1 < radix; ++k)
-        twiddles.numbers[k] = numberAt<Sample>(table, k);
-    return twiddles;
-}
-
 // The butterfly of the elements from `from` on, whose results stand from `to` on. The first group has no twiddles.
 template <class Sample, std::size_t radix, bool turns, class In, class Out>
-inline void runButterfly(const Twiddles<Sample, radix> &twiddles, auto *from, std::size_t inStride, auto *to,
-                         std::size_t outStride)
+inline void runButterfly(const float *twiddles, auto *from, std::size_t inStride, auto *to, std::size_t outStride)
 {
     ORV_PARTS
     for (std::size_t part = 0; part < partCount<Sample>; ++part) {
@@ -97,37 +75,54 @@ inline void runButterfly(const Twiddles<Sample, radix> &twiddles, auto *from, st
         Butterfly<radix>::run(x);
         Out::storeAt(to, part, x[0]);
         for (std::size_t k = 1; k < radix; ++k)
-            Out::storeAt(to + k * outStride, part, turns ? product(x[k], twiddles.numbers[k - 1]) : x[k]);
+            Out::storeAt(to + k * outStride, part, turns ? product(x[k], numberAt<Sample>(twiddles, k - 1)) : x[k]);
     }
 }
 
-// Batches of the same place run side by side.
 template <class Sample, std::size_t radix, class In, class Out>
-[[gnu::noinline]] void runPassOf(const FourierPass &pass, In in, Out out, std::size_t batches = 1)
+[[gnu::noinline]] void runPassOf(const FourierPass &pass, In in, Out out)
 {
     // Copies, since results might be stored over the plan for all that a compiler knows.
     const std::size_t span = pass.span, groups = pass.groups;
     const std::size_t inStride = span * groups * in.stride(), outStride = span * out.stride();
-    const float *table = pass.twiddles;
-    const Twiddles<Sample, radix> none = {};
-    std::size_t from = 0, to = 0;
+    const float *twiddles = pass.twiddles;
+    auto *from = in.start(0);
+    auto *to = out.start(0);
     for (std::size_t q = 0; q < span; ++q, from += in.stride(), to += out.stride())
-        for (std::size_t batch = 0; batch < batches; ++batch) {
-            prefetch<radix, Out>(out.start(batch) + to, outStride, out.stride());
-            runButterfly<Sample, radix, false, In, Out>(none, in.start(batch) + from, inStride, out.start(batch) + to,
-                                                        outStride);
-        }
+        runButterfly<Sample, radix, false, In, Out>(nullptr, from, inStride, to, outStride);
     for (std::size_t p = 1; p < groups; ++p) {
-        table += 2 * (radix - 1);
-        const Twiddles<Sample, radix> twiddles = twiddlesAt<Sample, radix>(table);
+        twiddles += 2 * (radix - 1);
         to += (radix - 1) * outStride;
+        for (std::size_t q = 0; q < span; ++q, from += in.stride(), to += out.stride())
+            runButterfly<Sample, radix, true, In, Out>(twiddles, from, inStride, to, outStride);
+    }
+}
+
+// Asks for the elements of a butterfly soon to come.
+template <std::size_t radix, class Place> inline void prefetch(auto *from, std::size_t stride, std::size_t next)
+{
+    constexpr std::size_t ahead = 4;
+    if constexpr (Place::isScattered)
+        for (std::size_t j = 0; j < radix; ++j)
+            __builtin_prefetch(from + j * stride + ahead * next, 0, 2);
+}
+
+// The first or the last pass of several batches side by side, from an image or to one.
+template <class Sample, std::size_t radix, class In, class Out>
+[[gnu::noinline]] void runPassesOf(const FourierPass &pass, In in, Out out, std::size_t batches)
+{
+    const std::size_t span = pass.span, groups = pass.groups;
+    const std::size_t inStride = span * groups * in.stride(), outStride = span * out.stride();
+    const float *twiddles = pass.twiddles;
+    std::size_t from = 0, to = 0;
+    for (std::size_t p = 0; p < groups; ++p, twiddles += 2 * (radix - 1), to += (radix - 1) * outStride)
         for (std::size_t q = 0; q < span; ++q, from += in.stride(), to += out.stride())
             for (std::size_t batch = 0; batch < batches; ++batch) {
                 prefetch<radix, In>(in.start(batch) + from, inStride, in.stride());
-                runButterfly<Sample, radix, true, In, Out>(twiddles, in.start(batch) + from, inStride,
-                                                           out.start(batch) + to, outStride);
+                prefetch<radix, Out>(out.start(batch) + to, outStride, out.stride());
+                runButterfly<Sample, radix, In::isScattered, In, Out>(twiddles, in.start(batch) + from, inStride,
+                                                                      out.start(batch) + to, outStride);
             }
-    }
 }
 
 // An odd radix without code of its own, whose long sums are of doubles.
@@ -207,9 +202,15 @@ template <class Run> inline bool withRadix(std::int32_t radix, Run run)
     }
 }
 
-template <class Sample, class In, class Out>
-inline bool runCodedPass(const FourierPass &pass, In in, Out out, std::size_t batches = 1)
+template <class Sample, class In, class Out> inline bool runCodedPass(const FourierPass &pass, In in, Out out)
 {
+    return withRadix(pass.radix, [&](auto radix) { runPassOf<Sample, decltype(radix)::value>(pass, in, out); });
+}
+template <class Sample, class In, class Out>
+inline bool runCodedPasses(const FourierPass &pass, In in, Out out, std::size_t batches)
+{
+    if (batches == 1)
+        return runCodedPass<Sample>(pass, in, out);
     return withRadix(pass.radix,
-                     [&](auto radix) { runPassOf<Sample, decltype(radix)::value>(pass, in, out, batches); });
+                     [&](auto radix) { runPassesOf<Sample, decltype(radix)::value>(pass, in, out, batches); });
 }

@@ -242,7 +242,7 @@ KrnStatus buildSequence(SequencePlan &plan, bool isReal)
 // other stays in the nearest cache.
 std::size_t columnBatchesOf(std::int64_t height)
 {
-    return height > 700 ? mostColumnBatches : height > 350 ? mostColumnBatches / 2 : 1;
+    return height > 700 ? mostColumnBatches : 1;
 }
 
 // The plan of rows and that of columns, which are one where both are as long.
